@@ -1,0 +1,28 @@
+# Options that every kvsig target shares; interface users of the library get none of them.
+add_library(kvsig_options INTERFACE)
+target_compile_features(kvsig_options INTERFACE cxx_std_20)
+target_include_directories(kvsig_options INTERFACE "${PROJECT_SOURCE_DIR}")
+target_compile_options(
+  kvsig_options
+  INTERFACE
+    # Fused multiply-adds would change results from one machine to the next.
+    -ffp-contract=off
+    -fno-math-errno
+    -Wall
+    -Wextra
+    -Wpedantic
+    -Wshadow
+    -Wconversion
+    -Wsign-conversion
+    -Wold-style-cast
+    -Wnon-virtual-dtor
+    # COM objects have no virtual destructor in their interface: Release() destroys them.
+    -Wno-delete-non-virtual-dtor)
+if(KVSIG_WERROR)
+  target_compile_options(kvsig_options INTERFACE -Werror)
+endif()
+if(KVSIG_SANITIZE)
+  target_compile_options(kvsig_options INTERFACE -fsanitize=${KVSIG_SANITIZE}
+                                                 -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(kvsig_options INTERFACE -fsanitize=${KVSIG_SANITIZE})
+endif()
