@@ -1,0 +1,37 @@
+#include "kvsig/kernel/ChannelTable.h"
+
+#include "kvsig/util/Text.h"
+
+#include <string>
+#include <utility>
+
+namespace kvsig {
+namespace {
+
+constexpr std::size_t usualChannels = 64;
+
+} // namespace
+
+ChannelTable::ChannelTable() {
+    m_records.reserve(usualChannels);
+}
+
+void ChannelTable::growTo(int count) {
+    while (std::cmp_less(m_records.size(), count)) {
+        ChannelRecord record;
+        copyText(record.name, "Ch" + std::to_string(m_records.size() + 1));
+        m_records.push_back(record);
+    }
+}
+
+const ChannelRecord* ChannelTable::find(int channel, int channelCount) const {
+    if (channel < 0 || channel >= channelCount || std::cmp_greater_equal(channel, m_records.size()))
+        return nullptr;
+    return &m_records[static_cast<std::size_t>(channel)];
+}
+
+ChannelRecord* ChannelTable::find(int channel, int channelCount) {
+    return const_cast<ChannelRecord*>(std::as_const(*this).find(channel, channelCount));
+}
+
+} // namespace kvsig

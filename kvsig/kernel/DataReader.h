@@ -1,0 +1,209 @@
+#pragma once
+
+#include "kvsig/kernel/IDataReader.h"
+#include "kvsig/kernel/PathInfo.h"
+#include "kvsig/util/Export.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace kvsig {
+
+struct ChannelRecord;
+struct DataPage;
+class SourceMontage;
+
+/// The base of every format reader: one instance stands for one open recording. A format supplies
+/// its file's facts through the pure operations and raw frames through getSampleChunk() or
+/// getChunk() (at least one of the two); everything else has a working default here. The operations
+/// of IDataReader are documented there.
+class KVSIG_API DataReader : public IDataReader {
+  public:
+    /// Defaults of a channel record.
+    static const std::int16_t m_defChannelType;
+    static const char* const m_defChannelUnits;
+    static const std::int32_t m_defDigitalHigh;
+    static const std::int32_t m_defDigitalLow;
+    static const double m_defPhysioHigh;
+    static const double m_defPhysioLow;
+
+    DataReader();
+    DataReader(const DataReader&) = delete;
+    DataReader& operator=(const DataReader&) = delete;
+
+    HRESULT QueryInterface(REFIID riid, void** ppv) override;
+    /// Both answer 0 on purpose, not the new count.
+    ULONG AddRef() override;
+    ULONG Release() override;
+
+    int fileType() override;
+    void setFileType(int type) override;
+    const char* fileName() override;
+    void setFileName(const char* name) override;
+    long headerLength() override;
+    short channelCount() override;
+    int fileCount() override;
+    const char* partFileName(int part) override;
+    long partSampleCount(int part) override;
+    double partDuration(int part) override;
+    double samplingRate() override;
+    long sampleCount() override;
+    double duration() override;
+    int isMapReferential() override;
+    const char* refGrid() override;
+    double channelSamplingRate(int channel) override;
+    long channelSampleCount(int channel) override;
+    short channelType(int channel) override;
+    short channelSubType(int channel) override;
+    const char* channelUnits(int channel) override;
+    const char* grid1(int channel) override;
+    const char* grid2(int channel) override;
+    int indexOfG1(const char* name) override;
+    int indexOfG2(const char* name) override;
+    const char* channelName(int channel) override;
+    double calibration(int channel) override;
+    double physioHigh(int channel) override;
+    double physioLow(int channel) override;
+    std::int32_t digitalHigh(int channel) override;
+    std::int32_t digitalLow(int channel) override;
+    bool zeroChannel(int channel) override;
+    void setZeroChannel(int channel, bool zero) override;
+    bool gridNamesAsNumbers() override;
+    void setGridNamesAsNumbers(bool numbers) override;
+    std::uint32_t miscFlags() const override;
+    bool onEdit() override;
+    std::intptr_t getItem(int item, int a, int b) override;
+    void setItem(int item, int a, int b, std::uintptr_t value) override;
+    bool open(const char* path) override;
+    int getLastError() override;
+    void setLastError(int code) override;
+    int chunkPts() override;
+    int getSampleChunk(long firstSample, short* buffer) override;
+    int getData(int channel, long first, long last, float* out, double gain,
+                int accumulate) override;
+    int sampleTimeCount() override;
+    void getSampleTime(int index, SampleTime& out) override;
+    double getClockTime(double elapsed) override;
+    double getElapsedTime(double clock) override;
+    bool getPatientRec() override;
+    bool hasPatientInfo() override;
+    bool patientInfo(std::ostream& stream, bool flag) override;
+    PatientRec* patientRec() override;
+    bool getPatientName(char* out) override;
+    bool testInfo(std::ostream& stream) override;
+    int readEvents(std::deque<ClientEvent>& events) override;
+    bool updateState(const ClientEvent& event) override;
+    bool updateState(const ClientEvent& event, int channel) override;
+    int montageCount() override;
+    const char* montageName(int index) override;
+    int montageIndex(const char* name) override;
+    bool montageDefn(int index, std::ostream& stream) override;
+    short getMaxPages() override;
+    void setMaxPages(short count) override;
+    int getPagePts() override;
+    void setPageDuration(double seconds) override;
+    void flushPages(bool incompleteOnly) override;
+    const char* builtinChannelMapName(int index) override;
+    const char* getChannelMapName() override;
+    int getChannelMapCount() override;
+    const char* getChannelMapNames(int index) override;
+    bool applyChannelMapDefn(const char* name, std::istream& defn) override;
+    bool getChannelMapDefn(const char* name, std::ostream& stream) override;
+    bool addChannelMapDefn(const char* name, std::istream& defn) override;
+    bool deleteChannelMapDefn(const char* name) override;
+    bool readAttributeFile(std::istream& stream) override;
+    bool writeAttributeFile(std::ostream& stream) override;
+    int hostFlag() override;
+    int hostItemFlag(int a, int b, int c) override;
+    int hostChannelFlag(int a, int b) override;
+    int hasChannelMap() override;
+    void setChannelMapName(const char* name) override;
+    int bytesPerSample() override;
+    bool isMap1010() override;
+    std::uint32_t miscFlags2() const override;
+    HostRecord hostRecordA(int index) override;
+    HostRecord hostRecordB(int index) override;
+
+    virtual ~DataReader();
+
+  protected:
+    // What the file itself says of a channel. loadChannelInfo() copies the answers into the channel
+    // table; texts may live in shared buffers, they are copied at once.
+    virtual int _isMapReferential();
+    virtual const char* _refGrid();
+    virtual const char* _grid1(int channel) = 0;
+    virtual const char* _grid2(int channel) = 0;
+    virtual const char* _channelName(int channel);
+    virtual double _calibration(int channel) = 0;
+    virtual double _dcOffset(int channel) = 0;
+    virtual short _channelType(int channel);
+    virtual const char* _channelUnits(int channel);
+    virtual double _physioHigh(int channel);
+    virtual double _physioLow(int channel);
+    virtual std::int32_t _digitalHigh(int channel);
+    virtual std::int32_t _digitalLow(int channel);
+    /// Samples from one chunk to the next.
+    virtual int _minReadPts();
+    /// The byte-addressed chunk read: `bytePos` counts from the first sample of the recording as if
+    /// it were stored in frames. Returns bytes, 0 at the end.
+    virtual int getChunk(long bytePos, short* buffer, int bytes);
+
+  public:
+    virtual void montageApply(SourceMontage& montage, const char* name);
+    virtual bool setDefChannelInfo();
+    virtual bool loadChannelInfo();
+    virtual bool readChannelMap(std::istream& stream, const char* section);
+    virtual void addSampleTime(SampleTime& anchor);
+    virtual const char* channelMapName();
+    virtual long maxDataIndex();
+    virtual long nPoints();
+    virtual double xStart();
+    virtual double xEnd();
+    virtual double dcOffset(int channel);
+    virtual void setChannelCount(int count);
+    virtual void setSamplingRate(double hertz);
+    virtual void setHeaderLength(long bytes);
+    virtual void setPaths(const char* text);
+    virtual std::vector<PathInfo> getPaths();
+    virtual bool hasSampleLag();
+    virtual long getSampleLag();
+    virtual void setSampleLag(long lag);
+
+    /// The samples that the file really holds; differs from sampleCount() only where the kernel's
+    /// own count is deliberately another.
+    virtual long storedSampleCount();
+
+    /// The last failure in one sentence that names the file, the field and the value; empty after
+    /// success. Valid until the next call on this reader.
+    const char* lastErrorText();
+
+    /// Copies the raw counts of samples `first`..`last` (inclusive) of a channel, by the rules of
+    /// getData(): samples outside the recording are 0. Returns the number of counts written.
+    int getRawData(int channel, long first, long last, std::int32_t* out);
+
+  protected:
+    /// The page that holds a sample, read if need be; null where there is none.
+    DataPage* pageAtIndex(long index);
+    bool readPageAtIndex(DataPage* page, long index);
+
+    void setMaxDataIndex(long index);
+    /// Forgets all time anchors.
+    void clearSampleTimes();
+    /// The path as it was given, uncut.
+    [[nodiscard]] const std::string& filePath() const;
+    /// Stores the error code with a sentence about what was wrong (the file's name is added), logs
+    /// it and returns false.
+    bool refuse(int code, const std::string& what);
+
+  private:
+    struct State;
+
+    ChannelRecord* channelRecord(int channel);
+    template <typename Consume>
+    int forEachRun(int channel, long first, long last, Consume consume);
+
+    std::unique_ptr<State> m_state;
+};
+
+} // namespace kvsig

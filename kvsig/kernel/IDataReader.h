@@ -1,0 +1,163 @@
+#pragma once
+
+#include "kvsig/kernel/ClientEvent.h"
+#include "kvsig/kernel/PatientRec.h"
+#include "kvsig/kernel/SampleTime.h"
+#include "kvsig/util/Com.h"
+#include "kvsig/util/Export.h"
+
+#include <cstdint>
+#include <deque>
+#include <iosfwd>
+
+namespace kvsig {
+
+/// Answer of the host record queries.
+struct HostRecord {
+    std::int32_t words[5] = {};
+};
+
+/// {68D0E561-3BBF-11D4-809D-006008184043}
+inline constexpr IID IID_IDataReader{
+    0x68D0E561, 0x3BBF, 0x11D4, {0x80, 0x9D, 0x00, 0x60, 0x08, 0x18, 0x40, 0x43}};
+
+/// A recording, open or to be opened, as a host sees it. The order of the operations is the binary
+/// interface.
+///
+/// Objects are counted by AddRef() and Release() and destroy themselves; there is no destructor in
+/// the interface. One reader is used from one thread at a time; different readers may run on
+/// different threads. Failures are results (false, 0, -1, null), never exceptions.
+///
+/// Channels are numbered from 0. Outside 0..channelCount() - 1 text getters answer an empty text
+/// and numeric ones 0. Texts are terminated 8-bit bytes as the file gives them, valid until the
+/// next call on the same thread. Samples are numbered from 0 at samplingRate(); ranges are given by
+/// their first and last index, both inclusive.
+class IDataReader : public IUnknown {
+  public:
+    virtual int fileType() = 0;
+    virtual void setFileType(int type) = 0;
+    /// At most 259 characters of the path.
+    virtual const char* fileName() = 0;
+    virtual void setFileName(const char* name) = 0;
+    /// Bytes before the first sample.
+    virtual long headerLength() = 0;
+    virtual short channelCount() = 0;
+    /// The files that make up the recording; part numbers run from 0.
+    virtual int fileCount() = 0;
+    virtual const char* partFileName(int part) = 0;
+    virtual long partSampleCount(int part) = 0;
+    virtual double partDuration(int part) = 0;
+    /// Hertz, common to all channels of getData().
+    virtual double samplingRate() = 0;
+    virtual long sampleCount() = 0;
+    /// Seconds; 0 when there are no samples or the rate is not greater than 0.
+    virtual double duration() = 0;
+    /// Nonzero when all scalp channels were recorded against one reference.
+    virtual int isMapReferential() = 0;
+    /// Name of the common reference electrode.
+    virtual const char* refGrid() = 0;
+    virtual double channelSamplingRate(int channel) = 0;
+    virtual long channelSampleCount(int channel) = 0;
+    /// 1: microvolts; 100: another unit, mapped linearly from digital to physical limits.
+    virtual short channelType(int channel) = 0;
+    virtual short channelSubType(int channel) = 0;
+    virtual const char* channelUnits(int channel) = 0;
+    virtual const char* grid1(int channel) = 0;
+    virtual const char* grid2(int channel) = 0;
+    /// First channel whose grid 1 or grid 2 has this name (letter case ignored), or -1.
+    virtual int indexOfG1(const char* name) = 0;
+    virtual int indexOfG2(const char* name) = 0;
+    virtual const char* channelName(int channel) = 0;
+    /// Physical units per raw count.
+    virtual double calibration(int channel) = 0;
+    virtual double physioHigh(int channel) = 0;
+    virtual double physioLow(int channel) = 0;
+    virtual std::int32_t digitalHigh(int channel) = 0;
+    virtual std::int32_t digitalLow(int channel) = 0;
+    virtual bool zeroChannel(int channel) = 0;
+    virtual void setZeroChannel(int channel, bool zero) = 0;
+    /// When set, grids and names are channel numbers (from 1) instead of the stored texts.
+    virtual bool gridNamesAsNumbers() = 0;
+    virtual void setGridNamesAsNumbers(bool numbers) = 0;
+    virtual std::uint32_t miscFlags() const = 0;
+    virtual bool onEdit() = 0;
+    /// Generic host access by item number: 1 has sample lag, 2 sample lag, 3 paths (`value` is a
+    /// const char*), 1000 write attribute file (`value` is a std::ostream*), 1001 address of a
+    /// double holding the dc offset of channel `a`. Unknown items answer their own number.
+    virtual std::intptr_t getItem(int item, int a, int b) = 0;
+    virtual void setItem(int item, int a, int b, std::uintptr_t value) = 0;
+    /// Opens a recording; on failure getLastError() is 1 (file cannot be opened), 2 (no usable
+    /// channels or samples) or 3 (unsupported variant).
+    virtual bool open(const char* path) = 0;
+    virtual bool openFile() = 0;
+    virtual void close() = 0;
+    virtual int getLastError() = 0;
+    virtual void setLastError(int code) = 0;
+    /// Samples of one chunk, and the read of one: whole frames, sample by sample, channel within
+    /// sample, 16-bit or 32-bit by bytesPerSample(); returns the number of frames, 0 at the end.
+    virtual int chunkPts() = 0;
+    virtual int getSampleChunk(long firstSample, short* buffer) = 0;
+    /// Writes samples `first`..`last` (inclusive) of a channel, calibrated and multiplied by
+    /// `gain`, to `out` (last - first + 1 floats), or adds them when `accumulate` is nonzero.
+    /// Samples before 0 and past the end are zeros. Returns the number of values produced,
+    /// zeros included; 0 for an empty range and for one of more than 2^31 - 1 samples.
+    virtual int getData(int channel, long first, long last, float* out, double gain,
+                        int accumulate) = 0;
+    virtual bool readSampleInfo() = 0;
+    virtual int sampleTimeCount() = 0;
+    virtual void getSampleTime(int index, SampleTime& out) = 0;
+    /// Seconds since midnight of the recording day <-> seconds from sample 0.
+    virtual double getClockTime(double elapsed) = 0;
+    virtual double getElapsedTime(double clock) = 0;
+    virtual bool getPatientRec() = 0;
+    virtual bool hasPatientInfo() = 0;
+    virtual bool patientInfo(std::ostream& stream, bool flag) = 0;
+    /// The reader's own record.
+    virtual PatientRec* patientRec() = 0;
+    /// `out`: at least 68 bytes. False when no name is known.
+    virtual bool getPatientName(char* out) = 0;
+    virtual bool testInfo(std::ostream& stream) = 0;
+    /// Appends the recording's events and returns how many.
+    virtual int readEvents(std::deque<ClientEvent>& events) = 0;
+    virtual bool updateState(const ClientEvent& event) = 0;
+    virtual bool updateState(const ClientEvent& event, int channel) = 0;
+    /// Montages stored in the recording.
+    virtual int montageCount() = 0;
+    virtual const char* montageName(int index) = 0;
+    virtual int montageIndex(const char* name) = 0;
+    virtual bool montageDefn(int index, std::ostream& stream) = 0;
+    /// The page cache: pages at most, samples per page, and the duration that sets them (seconds).
+    virtual short getMaxPages() = 0;
+    virtual void setMaxPages(short count) = 0;
+    virtual int getPagePts() = 0;
+    virtual void setPageDuration(double seconds) = 0;
+    /// Drops all pages, or only the last one when it is incomplete (a recording that grows).
+    virtual void flushPages(bool incompleteOnly) = 0;
+    virtual const char* builtinChannelMapName(int index) = 0;
+    virtual const char* getChannelMapName() = 0;
+    virtual int getChannelMapCount() = 0;
+    virtual const char* getChannelMapNames(int index) = 0;
+    virtual bool applyChannelMapDefn(const char* name, std::istream& defn) = 0;
+    virtual bool getChannelMapDefn(const char* name, std::ostream& stream) = 0;
+    virtual bool addChannelMapDefn(const char* name, std::istream& defn) = 0;
+    virtual bool deleteChannelMapDefn(const char* name) = 0;
+    virtual bool readAttributeFile(std::istream& stream) = 0;
+    virtual bool writeAttributeFile(std::ostream& stream) = 0;
+    virtual int hostFlag() = 0;
+    virtual int hostItemFlag(int a, int b, int c) = 0;
+    virtual int hostChannelFlag(int a, int b) = 0;
+    virtual int hasChannelMap() = 0;
+    virtual void setChannelMapName(const char* name) = 0;
+    /// Bytes of a raw sample in a chunk or page: 2 or 4.
+    virtual int bytesPerSample() = 0;
+    /// True when the recording names its electrodes T7, T8, P7, P8.
+    virtual bool isMap1010() = 0;
+    virtual std::uint32_t miscFlags2() const = 0;
+    virtual HostRecord hostRecordA(int index) = 0;
+    virtual HostRecord hostRecordB(int index) = 0;
+
+  protected:
+    ~IDataReader() = default;
+};
+
+} // namespace kvsig

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "kvsig/util/Export.h"
+
+#include <vector>
+
+namespace kvsig {
+
+/// One entry of a reader's path list.
+struct PathInfo {
+    char path[261] = "";
+};
+
+/// Splits a list of paths at ';'. Empty entries are left out, long ones cut to 260 characters.
+[[nodiscard]] KVSIG_API std::vector<PathInfo> splitPaths(const char* text);
+
+} // namespace kvsig
