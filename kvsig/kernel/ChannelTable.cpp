@@ -12,9 +12,7 @@ constexpr std::size_t usualChannels = 64;
 
 } // namespace
 
-ChannelTable::ChannelTable() {
-    m_records.reserve(usualChannels);
-}
+ChannelTable::ChannelTable() { m_records.reserve(usualChannels); }
 
 void ChannelTable::growTo(int count) {
     while (std::cmp_less(m_records.size(), count)) {

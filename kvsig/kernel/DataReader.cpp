@@ -74,6 +74,7 @@ struct DataReader::State final : PageSource {
     DataReader& reader;
     std::int32_t lastError = 0;
     std::string errorText;
+    std::vector<OpenFinding> findings;
     char fileName[260] = "";
     std::string path;
     std::int32_t headerLength = 0;
@@ -98,9 +99,7 @@ struct DataReader::State final : PageSource {
 
 DataReader::DataReader() : m_state(std::make_unique<State>(*this)) {}
 
-DataReader::~DataReader() {
-    logMessage(logInfo, "DataReader: Removing all pages");
-}
+DataReader::~DataReader() { logMessage(logInfo, "DataReader: Removing all pages"); }
 
 HRESULT DataReader::QueryInterface(REFIID riid, void** ppv) {
     if (!ppv || !(riid == IID_IUnknown || riid == IID_IDataReader))
@@ -122,63 +121,29 @@ ULONG DataReader::Release() {
     return 0;
 }
 
-int DataReader::fileType() {
-    return m_state->fileType;
-}
-void DataReader::setFileType(int type) {
-    m_state->fileType = type;
-}
-const char* DataReader::fileName() {
-    return m_state->fileName;
-}
+int DataReader::fileType() { return m_state->fileType; }
+void DataReader::setFileType(int type) { m_state->fileType = type; }
+const char* DataReader::fileName() { return m_state->fileName; }
 
 void DataReader::setFileName(const char* name) {
     m_state->path = viewOf(name);
     copyText(m_state->fileName, m_state->path);
 }
 
-const std::string& DataReader::filePath() const {
-    return m_state->path;
-}
-long DataReader::headerLength() {
-    return m_state->headerLength;
-}
-short DataReader::channelCount() {
-    return m_state->channelCount;
-}
-int DataReader::fileCount() {
-    return 1;
-}
-const char* DataReader::partFileName(int part) {
-    return part == 0 ? fileName() : nullptr;
-}
-long DataReader::partSampleCount(int part) {
-    return part == 0 ? sampleCount() : 0;
-}
-double DataReader::partDuration(int part) {
-    return part == 0 ? duration() : 0.0;
-}
-double DataReader::samplingRate() {
-    return m_state->samplingRate;
-}
-long DataReader::sampleCount() {
-    return nPoints();
-}
-double DataReader::duration() {
-    return xEnd();
-}
-int DataReader::isMapReferential() {
-    return m_state->mapReferential;
-}
-const char* DataReader::refGrid() {
-    return m_state->refGrid;
-}
-double DataReader::channelSamplingRate(int) {
-    return samplingRate();
-}
-long DataReader::channelSampleCount(int) {
-    return sampleCount();
-}
+const std::string& DataReader::filePath() const { return m_state->path; }
+long DataReader::headerLength() { return m_state->headerLength; }
+short DataReader::channelCount() { return m_state->channelCount; }
+int DataReader::fileCount() { return 1; }
+const char* DataReader::partFileName(int part) { return part == 0 ? fileName() : nullptr; }
+long DataReader::partSampleCount(int part) { return part == 0 ? sampleCount() : 0; }
+double DataReader::partDuration(int part) { return part == 0 ? duration() : 0.0; }
+double DataReader::samplingRate() { return m_state->samplingRate; }
+long DataReader::sampleCount() { return nPoints(); }
+double DataReader::duration() { return xEnd(); }
+int DataReader::isMapReferential() { return m_state->mapReferential; }
+const char* DataReader::refGrid() { return m_state->refGrid; }
+double DataReader::channelSamplingRate(int) { return samplingRate(); }
+long DataReader::channelSampleCount(int) { return sampleCount(); }
 
 ChannelRecord* DataReader::channelRecord(int channel) {
     return m_state->channels.find(channel, m_state->channelCount);
@@ -278,18 +243,10 @@ void DataReader::setZeroChannel(int channel, bool zero) {
         record->zeroChannel = zero;
 }
 
-bool DataReader::gridNamesAsNumbers() {
-    return m_state->gridNamesAsNumbers;
-}
-void DataReader::setGridNamesAsNumbers(bool numbers) {
-    m_state->gridNamesAsNumbers = numbers;
-}
-std::uint32_t DataReader::miscFlags() const {
-    return 0;
-}
-bool DataReader::onEdit() {
-    return false;
-}
+bool DataReader::gridNamesAsNumbers() { return m_state->gridNamesAsNumbers; }
+void DataReader::setGridNamesAsNumbers(bool numbers) { m_state->gridNamesAsNumbers = numbers; }
+std::uint32_t DataReader::miscFlags() const { return 0; }
+bool DataReader::onEdit() { return false; }
 
 std::intptr_t DataReader::getItem(int item, int a, int) {
     switch (item) {
@@ -322,6 +279,7 @@ void DataReader::setItem(int item, int, int, std::uintptr_t value) {
 bool DataReader::open(const char* path) {
     setFileName(path);
     setLastError(0);
+    m_state->findings.clear();
     if (!openFile())
         return false;
     // Samples of what was open before must not answer for this recording.
@@ -337,9 +295,7 @@ bool DataReader::open(const char* path) {
     return true;
 }
 
-int DataReader::getLastError() {
-    return m_state->lastError;
-}
+int DataReader::getLastError() { return m_state->lastError; }
 
 void DataReader::setLastError(int code) {
     m_state->lastError = code;
@@ -353,16 +309,22 @@ const char* DataReader::lastErrorText() {
     return m_state->errorText.c_str();
 }
 
-bool DataReader::refuse(int code, const std::string& what) {
+bool DataReader::refuse(int code, const std::string& what, const std::string& diagnostic) {
     setLastError(code);
     m_state->errorText = filePath() + ": " + what;
-    logMessage(logWarning, m_state->errorText);
+    logMessage(logWarning, diagnostic.empty() ? m_state->errorText : diagnostic);
     return false;
 }
 
-int DataReader::chunkPts() {
-    return _minReadPts();
+const std::vector<OpenFinding>& DataReader::openFindings() const { return m_state->findings; }
+
+void DataReader::report(OpenFinding::Severity severity, const std::string& what) {
+    m_state->findings.push_back({severity, what});
+    if (severity != OpenFinding::Severity::note)
+        logMessage(logWarning, filePath() + ": " + what);
 }
+
+int DataReader::chunkPts() { return _minReadPts(); }
 
 // The two chunk defaults call each other on purpose: a format overrides at least one. When it
 // overrides neither, the second default finds the first one at work and there is no data.
@@ -447,17 +409,13 @@ int DataReader::getRawData(int channel, long first, long last, std::int32_t* out
                       });
 }
 
-DataPage* DataReader::pageAtIndex(long index) {
-    return m_state->pages.pageAt(index, *m_state);
-}
+DataPage* DataReader::pageAtIndex(long index) { return m_state->pages.pageAt(index, *m_state); }
 
 bool DataReader::readPageAtIndex(DataPage* page, long index) {
     return page && index >= 0 && m_state->pages.readPage(*page, index, *m_state);
 }
 
-int DataReader::sampleTimeCount() {
-    return saturate<int>(m_state->timeBase.anchors().size());
-}
+int DataReader::sampleTimeCount() { return saturate<int>(m_state->timeBase.anchors().size()); }
 
 void DataReader::getSampleTime(int index, SampleTime& out) {
     if (index >= 0 && index < sampleTimeCount())
@@ -472,27 +430,17 @@ double DataReader::getElapsedTime(double clock) {
     return m_state->timeBase.elapsedTime(clock, samplingRate());
 }
 
-void DataReader::addSampleTime(SampleTime& anchor) {
-    m_state->timeBase.add(anchor);
-}
-void DataReader::clearSampleTimes() {
-    m_state->timeBase.clear();
-}
-bool DataReader::getPatientRec() {
-    return false;
-}
-bool DataReader::hasPatientInfo() {
-    return true;
-}
+void DataReader::addSampleTime(SampleTime& anchor) { m_state->timeBase.add(anchor); }
+void DataReader::clearSampleTimes() { m_state->timeBase.clear(); }
+bool DataReader::getPatientRec() { return false; }
+bool DataReader::hasPatientInfo() { return true; }
 
 bool DataReader::patientInfo(std::ostream& stream, bool) {
     writePatientInfo(stream, m_state->patient);
     return true;
 }
 
-PatientRec* DataReader::patientRec() {
-    return &m_state->patient;
-}
+PatientRec* DataReader::patientRec() { return &m_state->patient; }
 
 bool DataReader::getPatientName(char* out) {
     const std::string name = displayName(m_state->patient);
@@ -513,21 +461,11 @@ bool DataReader::testInfo(std::ostream& stream) {
     return true;
 }
 
-int DataReader::readEvents(std::deque<ClientEvent>&) {
-    return 0;
-}
-bool DataReader::updateState(const ClientEvent&) {
-    return false;
-}
-bool DataReader::updateState(const ClientEvent&, int) {
-    return false;
-}
-int DataReader::montageCount() {
-    return 0;
-}
-const char* DataReader::montageName(int) {
-    return "";
-}
+int DataReader::readEvents(std::deque<ClientEvent>&) { return 0; }
+bool DataReader::updateState(const ClientEvent&) { return false; }
+bool DataReader::updateState(const ClientEvent&, int) { return false; }
+int DataReader::montageCount() { return 0; }
+const char* DataReader::montageName(int) { return ""; }
 
 int DataReader::montageIndex(const char* name) {
     for (int i = 0; i < montageCount(); ++i)
@@ -536,18 +474,10 @@ int DataReader::montageIndex(const char* name) {
     return -1;
 }
 
-bool DataReader::montageDefn(int, std::ostream&) {
-    return false;
-}
-short DataReader::getMaxPages() {
-    return m_state->pages.maxPages;
-}
-void DataReader::setMaxPages(short count) {
-    m_state->pages.maxPages = count;
-}
-int DataReader::getPagePts() {
-    return m_state->pages.pagePoints;
-}
+bool DataReader::montageDefn(int, std::ostream&) { return false; }
+short DataReader::getMaxPages() { return m_state->pages.maxPages; }
+void DataReader::setMaxPages(short count) { m_state->pages.maxPages = count; }
+int DataReader::getPagePts() { return m_state->pages.pagePoints; }
 
 void DataReader::setPageDuration(double seconds) {
     const double points = seconds * samplingRate();
@@ -569,63 +499,25 @@ const char* DataReader::builtinChannelMapName(int index) {
     return index == 1 ? "(Private)" : "";
 }
 
-const char* DataReader::getChannelMapName() {
-    return builtinChannelMapName(0);
-}
-int DataReader::getChannelMapCount() {
-    return 2;
-}
-const char* DataReader::getChannelMapNames(int index) {
-    return builtinChannelMapName(index);
-}
-bool DataReader::applyChannelMapDefn(const char*, std::istream&) {
-    return false;
-}
-bool DataReader::getChannelMapDefn(const char*, std::ostream&) {
-    return false;
-}
-bool DataReader::addChannelMapDefn(const char*, std::istream&) {
-    return false;
-}
-bool DataReader::deleteChannelMapDefn(const char*) {
-    return false;
-}
-bool DataReader::readAttributeFile(std::istream&) {
-    return false;
-}
-bool DataReader::writeAttributeFile(std::ostream&) {
-    return false;
-}
-int DataReader::hostFlag() {
-    return 1;
-}
-int DataReader::hostItemFlag(int, int, int) {
-    return 1;
-}
-int DataReader::hostChannelFlag(int, int) {
-    return 1;
-}
-int DataReader::hasChannelMap() {
-    return m_state->hasChannelMap;
-}
-void DataReader::setChannelMapName(const char* name) {
-    copyText(m_state->channelMapName, name);
-}
-int DataReader::bytesPerSample() {
-    return 2;
-}
-bool DataReader::isMap1010() {
-    return m_state->map1010;
-}
-std::uint32_t DataReader::miscFlags2() const {
-    return 0;
-}
-HostRecord DataReader::hostRecordA(int) {
-    return {};
-}
-HostRecord DataReader::hostRecordB(int) {
-    return {};
-}
+const char* DataReader::getChannelMapName() { return builtinChannelMapName(0); }
+int DataReader::getChannelMapCount() { return 2; }
+const char* DataReader::getChannelMapNames(int index) { return builtinChannelMapName(index); }
+bool DataReader::applyChannelMapDefn(const char*, std::istream&) { return false; }
+bool DataReader::getChannelMapDefn(const char*, std::ostream&) { return false; }
+bool DataReader::addChannelMapDefn(const char*, std::istream&) { return false; }
+bool DataReader::deleteChannelMapDefn(const char*) { return false; }
+bool DataReader::readAttributeFile(std::istream&) { return false; }
+bool DataReader::writeAttributeFile(std::ostream&) { return false; }
+int DataReader::hostFlag() { return 1; }
+int DataReader::hostItemFlag(int, int, int) { return 1; }
+int DataReader::hostChannelFlag(int, int) { return 1; }
+int DataReader::hasChannelMap() { return m_state->hasChannelMap; }
+void DataReader::setChannelMapName(const char* name) { copyText(m_state->channelMapName, name); }
+int DataReader::bytesPerSample() { return 2; }
+bool DataReader::isMap1010() { return m_state->map1010; }
+std::uint32_t DataReader::miscFlags2() const { return 0; }
+HostRecord DataReader::hostRecordA(int) { return {}; }
+HostRecord DataReader::hostRecordB(int) { return {}; }
 
 // Electrodes off the scalp have references of their own, so they do not count.
 int DataReader::_isMapReferential() {
@@ -645,9 +537,7 @@ int DataReader::_isMapReferential() {
     return 1;
 }
 
-const char* DataReader::_refGrid() {
-    return m_state->refGrid;
-}
+const char* DataReader::_refGrid() { return m_state->refGrid; }
 
 const char* DataReader::_channelName(int channel) {
     thread_local char text[derivationNameSize];
@@ -656,27 +546,13 @@ const char* DataReader::_channelName(int channel) {
     return text;
 }
 
-short DataReader::_channelType(int channel) {
-    return channelType(channel);
-}
-const char* DataReader::_channelUnits(int channel) {
-    return channelUnits(channel);
-}
-double DataReader::_physioHigh(int channel) {
-    return physioHigh(channel);
-}
-double DataReader::_physioLow(int channel) {
-    return physioLow(channel);
-}
-std::int32_t DataReader::_digitalHigh(int channel) {
-    return digitalHigh(channel);
-}
-std::int32_t DataReader::_digitalLow(int channel) {
-    return digitalLow(channel);
-}
-int DataReader::_minReadPts() {
-    return saturate<int>(samplingRate());
-}
+short DataReader::_channelType(int channel) { return channelType(channel); }
+const char* DataReader::_channelUnits(int channel) { return channelUnits(channel); }
+double DataReader::_physioHigh(int channel) { return physioHigh(channel); }
+double DataReader::_physioLow(int channel) { return physioLow(channel); }
+std::int32_t DataReader::_digitalHigh(int channel) { return digitalHigh(channel); }
+std::int32_t DataReader::_digitalLow(int channel) { return digitalLow(channel); }
+int DataReader::_minReadPts() { return saturate<int>(samplingRate()); }
 void DataReader::montageApply(SourceMontage&, const char*) {}
 
 bool DataReader::setDefChannelInfo() {
@@ -709,24 +585,12 @@ bool DataReader::loadChannelInfo() {
     return true;
 }
 
-bool DataReader::readChannelMap(std::istream&, const char*) {
-    return false;
-}
-const char* DataReader::channelMapName() {
-    return m_state->channelMapName;
-}
-long DataReader::maxDataIndex() {
-    return m_state->maxIndex;
-}
-void DataReader::setMaxDataIndex(long index) {
-    m_state->maxIndex = saturate<std::int32_t>(index);
-}
-long DataReader::nPoints() {
-    return saturate<long>(std::int64_t{maxDataIndex()} + 1);
-}
-double DataReader::xStart() {
-    return 0.0;
-}
+bool DataReader::readChannelMap(std::istream&, const char*) { return false; }
+const char* DataReader::channelMapName() { return m_state->channelMapName; }
+long DataReader::maxDataIndex() { return m_state->maxIndex; }
+void DataReader::setMaxDataIndex(long index) { m_state->maxIndex = saturate<std::int32_t>(index); }
+long DataReader::nPoints() { return saturate<long>(std::int64_t{maxDataIndex()} + 1); }
+double DataReader::xStart() { return 0.0; }
 
 double DataReader::xEnd() {
     const double rate = samplingRate();
@@ -736,27 +600,19 @@ double DataReader::xEnd() {
 void DataReader::setChannelCount(int count) {
     m_state->channelCount = saturate<std::int16_t>(count);
 }
-void DataReader::setSamplingRate(double hertz) {
-    m_state->samplingRate = hertz;
-}
+void DataReader::setSamplingRate(double hertz) { m_state->samplingRate = hertz; }
 void DataReader::setHeaderLength(long bytes) {
     m_state->headerLength = saturate<std::int32_t>(bytes);
 }
-void DataReader::setPaths(const char* text) {
-    m_state->paths = splitPaths(text);
-}
-std::vector<PathInfo> DataReader::getPaths() {
-    return m_state->paths;
-}
-bool DataReader::hasSampleLag() {
-    return false;
-}
-long DataReader::getSampleLag() {
-    return 0;
-}
+void DataReader::setPaths(const char* text) { m_state->paths = splitPaths(text); }
+std::vector<PathInfo> DataReader::getPaths() { return m_state->paths; }
+bool DataReader::hasSampleLag() { return false; }
+long DataReader::getSampleLag() { return 0; }
 void DataReader::setSampleLag(long) {}
-long DataReader::storedSampleCount() {
-    return sampleCount();
+long DataReader::storedSampleCount() { return sampleCount(); }
+
+double DataReader::storedSamplingRate(int channel) {
+    return channelRecord(channel) ? channelSamplingRate(channel) : 0.0;
 }
 
 } // namespace kvsig

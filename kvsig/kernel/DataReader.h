@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kvsig/kernel/IDataReader.h"
+#include "kvsig/kernel/OpenFinding.h"
 #include "kvsig/kernel/PathInfo.h"
 #include "kvsig/util/Export.h"
 
@@ -174,9 +175,16 @@ class KVSIG_API DataReader : public IDataReader {
     /// own count is deliberately another.
     virtual long storedSampleCount();
 
+    /// The rate at which the file stores a channel, in hertz; getData() may repeat its samples to
+    /// reach the common samplingRate(). 0 out of range.
+    virtual double storedSamplingRate(int channel);
+
     /// The last failure in one sentence that names the file, the field and the value; empty after
     /// success. Valid until the next call on this reader.
     const char* lastErrorText();
+
+    /// What the last open() noticed without failing, in the order in which it was found.
+    [[nodiscard]] const std::vector<OpenFinding>& openFindings() const;
 
     /// Copies the raw counts of samples `first`..`last` (inclusive) of a channel, by the rules of
     /// getData(): samples outside the recording are 0. Returns the number of counts written.
@@ -193,8 +201,10 @@ class KVSIG_API DataReader : public IDataReader {
     /// The path as it was given, uncut.
     [[nodiscard]] const std::string& filePath() const;
     /// Stores the error code with a sentence about what was wrong (the file's name is added), logs
-    /// it and returns false.
-    bool refuse(int code, const std::string& what);
+    /// the sentence, or `diagnostic` in its place, and returns false.
+    bool refuse(int code, const std::string& what, const std::string& diagnostic = {});
+    /// Adds a finding of this open(); warnings and worse are logged with the file's name.
+    void report(OpenFinding::Severity severity, const std::string& what);
 
   private:
     struct State;

@@ -27,9 +27,7 @@ double movedPast(double time, double last) {
 
 } // namespace
 
-TimeBase::TimeBase() {
-    m_anchors.reserve(usualAnchors);
-}
+TimeBase::TimeBase() { m_anchors.reserve(usualAnchors); }
 
 void TimeBase::add(SampleTime& anchor) {
     if (!std::isfinite(anchor.time))

@@ -8,7 +8,6 @@
 #else
 #include <cstdint>
 
-
 namespace kvsig {
 
 using HRESULT = std::int32_t;

@@ -35,8 +35,8 @@ double outOfRangeValue(std::string_view number) {
     const std::string_view digits = number.substr(0, exponentMark);
     const std::size_t point = std::min(digits.find('.'), digits.size());
     const std::size_t lead = digits.find_first_of("123456789");
-    double magnitude = lead < point ? static_cast<double>(point - lead)
-                                    : -static_cast<double>(lead - point);
+    double magnitude =
+        lead < point ? static_cast<double>(point - lead) : -static_cast<double>(lead - point);
     if (exponentMark < number.size()) {
         magnitude += static_cast<double>(leadingInteger(number.substr(exponentMark + 1)));
     }

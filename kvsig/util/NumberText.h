@@ -20,7 +20,8 @@ namespace kvsig {
 /// `text` as one decimal number and nothing else (blanks around it are ignored).
 [[nodiscard]] KVSIG_API bool wholeDouble(std::string_view text, double& value);
 
-/// Three whole numbers joined by points ("dd.mm.yy", "hh.mm.ss"); what follows the third is ignored.
+/// Three whole numbers joined by points ("dd.mm.yy", "hh.mm.ss"); what follows the third is
+/// ignored.
 struct DottedTriple {
     bool complete = false; ///< all three were found
     std::int64_t first = 0, second = 0, third = 0;

@@ -166,9 +166,7 @@ TEST(References, DefaultsAreFoundByName) {
     EXPECT_EQ(gGlobalAvgRefs[3].pszDefn, nullptr);
 }
 
-TEST(ReservedNames, GapNameIsEightBlanks) {
-    EXPECT_EQ(std::string(gszGap), std::string(8, ' '));
-}
+TEST(ReservedNames, GapNameIsEightBlanks) { EXPECT_EQ(std::string(gszGap), std::string(8, ' ')); }
 
 } // namespace
 } // namespace kvsig

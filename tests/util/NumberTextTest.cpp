@@ -4,9 +4,8 @@
 
 #include <cmath>
 #include <cstdint>
-#include <limits>
-
 #include <gtest/gtest.h>
+#include <limits>
 
 namespace kvsig {
 namespace {

@@ -1,11 +1,10 @@
 #include "kvsig/util/Text.h"
 
+#include <gtest/gtest.h>
 #include <iomanip>
 #include <sstream>
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 namespace kvsig {
 namespace {

@@ -1,10 +1,9 @@
 #include "kvsig/util/TimeText.h"
 
 #include <cmath>
+#include <gtest/gtest.h>
 #include <limits>
 #include <string>
-
-#include <gtest/gtest.h>
 
 namespace kvsig {
 namespace {

@@ -28,13 +28,9 @@ std::string_view takeUntil(std::string_view& text, char delimiter) {
 
 } // namespace
 
-bool IsGapDefn(const char* defn) {
-    return viewOf(defn).starts_with("Gap");
-}
+bool IsGapDefn(const char* defn) { return viewOf(defn).starts_with("Gap"); }
 
-bool IsAvgDefn(const char* defn) {
-    return viewOf(defn).find('+') != std::string_view::npos;
-}
+bool IsAvgDefn(const char* defn) { return viewOf(defn).find('+') != std::string_view::npos; }
 
 bool IsNumericDefn(const char* defn) {
     const std::string_view text = viewOf(defn);

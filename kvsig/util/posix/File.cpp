@@ -1,12 +1,11 @@
 #include "kvsig/util/File.h"
 
 #include <cerrno>
-#include <system_error>
-#include <utility>
-
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace kvsig {
 namespace {
@@ -81,8 +80,8 @@ std::int64_t File::readAt(std::int64_t offset, void* dest, std::int64_t bytes) c
     auto* out = static_cast<char*>(dest);
     std::int64_t done = 0;
     while (done < bytes) {
-        const ssize_t n = ::pread(m_handle, out + done, static_cast<std::size_t>(bytes - done),
-                                  offset + done);
+        const ssize_t n =
+            ::pread(m_handle, out + done, static_cast<std::size_t>(bytes - done), offset + done);
         if (n < 0 && errno == EINTR)
             continue;
         if (n <= 0)

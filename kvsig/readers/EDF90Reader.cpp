@@ -1,0 +1,366 @@
+#include "kvsig/readers/EDF90Reader.h"
+
+#include "kvsig/montage/names/Derivation.h"
+#include "kvsig/readers/EdfHeader.h"
+#include "kvsig/readers/RecordDemux.h"
+#include "kvsig/util/File.h"
+#include "kvsig/util/LogSink.h"
+#include "kvsig/util/NumberText.h"
+#include "kvsig/util/Saturate.h"
+#include "kvsig/util/Text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace kvsig {
+namespace {
+
+constexpr std::uint32_t edfMiscFlags = 8;
+constexpr short microvoltType = 1;
+constexpr short otherUnitType = 100;
+constexpr long fewestSamples = 3;
+
+std::string quoted(const std::string& text) { return "\"" + text + "\""; }
+
+std::string fieldText(const std::string& name, std::int64_t offset, const std::string& value) {
+    return name + " (offset " + std::to_string(offset) + ") is " + quoted(value);
+}
+
+// Getters hand out pointers to these; the kernel copies the texts at once.
+const char* shared(const std::string& text, std::string& buffer) {
+    buffer = text;
+    return buffer.c_str();
+}
+
+// dd.mm.yy as yyyy.mm.dd; what is no date stays as it is.
+std::string fullDate(const std::string& text, int centuryPivot) {
+    const DottedTriple date = dottedTriple(text);
+    if (!date.complete)
+        return text;
+    const std::int64_t year = date.third + (date.third < centuryPivot ? 2000 : 1900);
+    return paddedText(year, 4) + "." + paddedText(date.second, 2) + "." + paddedText(date.first, 2);
+}
+
+} // namespace
+
+struct EDF90Reader::State {
+    File file;
+    edf::Header header;
+    std::vector<RecordChannel> channels; ///< by visible channel
+    std::int64_t maxRecordSamples = 0;   ///< the longest of the channels
+    bool mixedRates = false;
+    bool ownStartAnchor = false;
+    std::vector<std::byte> record; ///< reused by every chunk read
+};
+
+EDF90Reader::EDF90Reader() : m_edf(std::make_unique<State>()) {}
+EDF90Reader::~EDF90Reader() = default;
+
+bool EDF90Reader::isFileType(const char* path) {
+    File file;
+    return file.open(path) && readHeaderField(HeaderBlock::readFrom(file, edf::fixedLength),
+                                              edf::version.offset, edf::version.width) == "0";
+}
+
+std::uint32_t EDF90Reader::miscFlags() const { return edfMiscFlags; }
+
+bool EDF90Reader::openFile() {
+    if (m_edf->ownStartAnchor)
+        clearSampleTimes();
+    *m_edf = State();
+
+    std::string reason;
+    if (!m_edf->file.open(filePath().c_str(), &reason))
+        return refuse(1, reason);
+    // The number of signals is four characters wide, so a whole header stays below 2.6 MB.
+    const edf::Header fixedPart(HeaderBlock::readFrom(m_edf->file, edf::fixedLength));
+    const std::int64_t signals = fixedPart.fileSignals();
+    if (signals < 1 || fixedPart.kind() == edf::Kind::interrupted)
+        return refuseHeader(fixedPart);
+
+    m_edf->header = edf::Header(HeaderBlock::readFrom(m_edf->file, edf::fullLength(signals)));
+    layOutChannels();
+    reportOddFields();
+    return true;
+}
+
+bool EDF90Reader::refuseHeader(const edf::Header& fixedPart) {
+    const std::int64_t size = m_edf->file.size();
+    close();
+    if (fixedPart.fileSignals() < 1 && size < edf::fixedLength)
+        return refuse(2, "the file ends after " + std::to_string(size) +
+                             " bytes, inside the header of at least " +
+                             std::to_string(edf::fixedLength));
+    if (fixedPart.fileSignals() < 1)
+        return refuse(2, fieldText("number of signals", edf::signalCount.offset,
+                                   fixedPart.text(edf::signalCount)) +
+                             ", at least 1 is needed");
+    const std::string diagnostic =
+        "File " + filePath() + " is Interrupted EDF+. This format is not supported.";
+    return refuse(3, diagnostic, diagnostic);
+}
+
+// The recording's rate is that of its fastest channel; the longest channel of a record is a chunk.
+void EDF90Reader::layOutChannels() {
+    const edf::Header& header = m_edf->header;
+    const auto& samples = header.signalSamples();
+    double fastest = 0.0;
+    std::int64_t offset = 0;
+    std::int64_t signal = 0;
+    for (const std::int64_t channel : header.channels()) {
+        for (; signal < channel; ++signal)
+            offset += samples[static_cast<std::size_t>(signal)];
+        const std::int64_t count = samples[static_cast<std::size_t>(channel)];
+        const double rate = static_cast<double>(count) / header.duration();
+        if (rate > fastest)
+            fastest = rate;
+        if (!m_edf->channels.empty() && m_edf->maxRecordSamples != count)
+            m_edf->mixedRates = true;
+        m_edf->maxRecordSamples = std::max(m_edf->maxRecordSamples, count);
+        m_edf->channels.push_back({offset, count});
+    }
+    setHeaderLength(saturate<long>(header.dataOffset()));
+    setChannelCount(saturate<int>(header.channels().size()));
+    setSamplingRate(fastest);
+}
+
+void EDF90Reader::reportOddFields() {
+    using Severity = OpenFinding::Severity;
+    const edf::Header& header = m_edf->header;
+    const double rate = samplingRate();
+    const std::string duration = fieldText("duration of a data record", edf::recordDuration.offset,
+                                           header.text(edf::recordDuration));
+    constexpr double secondsPerYear = 31557600.0;
+    if (!(rate > 0) || !std::isfinite(rate))
+        report(Severity::unusable, duration + ", which gives no sampling rate");
+    else if (header.duration() > secondsPerYear)
+        report(Severity::unusable, duration + " seconds, more than a year");
+
+    const std::int64_t fullLength = edf::fullLength(header.fileSignals());
+    if (header.dataOffset() < fullLength)
+        report(Severity::unusable, fieldText("header length", edf::headerLength.offset,
+                                             header.text(edf::headerLength)) +
+                                       ", but the header of " +
+                                       std::to_string(header.fileSignals()) + " signals takes " +
+                                       std::to_string(fullLength) + " bytes");
+    for (std::int64_t i = 0; i < header.fileSignals(); ++i)
+        if (header.signalSamples()[static_cast<std::size_t>(i)] < 1)
+            report(Severity::unusable,
+                   fieldText("samples per record of signal " + std::to_string(i + 1),
+                             header.offsetOf(edf::samplesPerRecord, i),
+                             header.text(edf::samplesPerRecord, i)) +
+                       ", at least 1 is needed");
+}
+
+void EDF90Reader::close() { m_edf->file.close(); }
+
+std::int64_t EDF90Reader::wholeRecords(int sampleBytes) const {
+    const std::int64_t size = m_edf->file.size();
+    const edf::Header& header = m_edf->header;
+    if (header.recordSamples() <= 0 || header.dataOffset() >= size)
+        return 0;
+    return (size - header.dataOffset()) / (sampleBytes * header.recordSamples());
+}
+
+bool EDF90Reader::readSampleInfo() {
+    // Two bytes per sample in every format on purpose: the kernel counts a recording of 24-bit
+    // samples half again as long as it is, and what lies past its real end reads as zeros.
+    const std::int64_t records = wholeRecords(2);
+    setMaxDataIndex(saturate<long>(
+        static_cast<double>(records) * static_cast<double>(m_edf->maxRecordSamples) - 1.0));
+    if (nPoints() < fewestSamples)
+        return refuseWithoutSamples();
+
+    const DottedTriple start = dottedTriple(m_edf->header.text(edf::startTime));
+    SampleTime anchor;
+    if (start.complete)
+        anchor.time = 3600.0 * static_cast<double>(start.first) +
+                      60.0 * static_cast<double>(start.second) + static_cast<double>(start.third);
+    if (sampleTimeCount() == 0) {
+        addSampleTime(anchor);
+        m_edf->ownStartAnchor = true;
+    }
+    return true;
+}
+
+bool EDF90Reader::refuseWithoutSamples() {
+    const edf::Header& header = m_edf->header;
+    const std::int64_t size = m_edf->file.size();
+    const std::string length =
+        fieldText("header length", edf::headerLength.offset, header.text(edf::headerLength));
+    if (m_edf->channels.empty())
+        return refuse(2, "none of its " + std::to_string(header.fileSignals()) +
+                             " signals is a channel: all hold annotations");
+    if (header.dataOffset() >= size)
+        return refuse(2, length + ", but the file ends after " + std::to_string(size) + " bytes");
+    if (header.recordSamples() <= 0)
+        return refuse(2, "samples per record of its signals (from offset " +
+                             std::to_string(header.offsetOf(edf::samplesPerRecord, 0)) +
+                             ") add up to " + std::to_string(header.recordSamples()));
+    if (nPoints() == 0)
+        return refuse(2, "no whole data record: one takes " +
+                             std::to_string(header.recordSamples()) + " samples, " +
+                             std::to_string(size - header.dataOffset()) +
+                             " bytes follow the header (" + length + ")");
+    return refuse(2, "it holds " + std::to_string(nPoints()) + " samples, at least " +
+                         std::to_string(fewestSamples) + " are needed");
+}
+
+bool EDF90Reader::getPatientRec() {
+    const edf::Header& header = m_edf->header;
+    PatientRec& patient = *patientRec();
+    const std::string identification = header.text(edf::patientId);
+    copyText(patient.rawPatient, identification);
+    copyText(patient.rawRecording, header.text(edf::recordingId));
+    copyText(patient.testTime, header.text(edf::startTime));
+
+    // The two pivots differ on purpose: EDF has no rule, EDF+ counts two-digit years from 1985.
+    const bool plus = header.kind() == edf::Kind::continuous;
+    copyText(patient.testDate, fullDate(header.text(edf::startDate), plus ? 85 : 90));
+    const std::vector<std::string> words = splitWords(identification, ' ');
+    if (plus && words.size() == 4) {
+        copyText(patient.id, words[0]);
+        copyText(patient.sex, words[1]);
+        copyText(patient.birthDate, words[2]);
+        patient.setName(words[3]);
+        return true;
+    }
+    patient.setName(identification);
+    if (!plus)
+        copyText(patient.id, patient.rawRecording);
+    return true;
+}
+
+bool EDF90Reader::patientInfo(std::ostream& stream, bool flag) {
+    return DataReader::patientInfo(stream, flag);
+}
+
+long EDF90Reader::storedSampleCount() {
+    return saturate<long>(static_cast<double>(wholeRecords(storedSampleBytes())) *
+                          static_cast<double>(m_edf->maxRecordSamples));
+}
+
+double EDF90Reader::storedSamplingRate(int channel) {
+    if (!isChannel(channel))
+        return 0.0;
+    const RecordChannel& place = m_edf->channels[static_cast<std::size_t>(channel)];
+    return static_cast<double>(place.samples) / m_edf->header.duration();
+}
+
+bool EDF90Reader::isChannel(int channel) {
+    return channel >= 0 && std::cmp_less(channel, m_edf->channels.size());
+}
+
+std::string EDF90Reader::channelText(edf::SignalField field, int channel) {
+    const edf::Header& header = m_edf->header;
+    return header.text(field, header.channels()[static_cast<std::size_t>(channel)]);
+}
+
+const char* EDF90Reader::_channelName(int channel) {
+    thread_local std::string name;
+    if (!isChannel(channel))
+        return "";
+    const std::string label = channelText(edf::label, channel);
+    return shared(startsWithNoCase(label, "EEG ") ? label.substr(4) : label, name);
+}
+
+const char* EDF90Reader::_grid1(int channel) {
+    thread_local char grid1[gridNameSize];
+    char grid2[gridNameSize];
+    if (ParseG1G2(_channelName(channel), grid1, grid2, nullptr) < 1)
+        copyText(grid1, std::to_string(channel + 1));
+    return grid1;
+}
+
+const char* EDF90Reader::_grid2(int channel) {
+    thread_local char grid2[gridNameSize];
+    char grid1[gridNameSize];
+    if (ParseG1G2(_channelName(channel), grid1, grid2, nullptr) < 2)
+        grid2[0] = '\0';
+    return grid2;
+}
+
+double EDF90Reader::_calibration(int channel) {
+    const std::int64_t steps = std::int64_t{_digitalHigh(channel)} - _digitalLow(channel);
+    return (_physioHigh(channel) - _physioLow(channel)) / static_cast<double>(steps);
+}
+
+double EDF90Reader::_dcOffset(int channel) {
+    return (_physioLow(channel) + _physioHigh(channel)) * 0.5;
+}
+
+short EDF90Reader::_channelType(int channel) {
+    if (!isChannel(channel))
+        return 0;
+    const std::string text = channelText(edf::units, channel);
+    const bool microvolts =
+        text.find("uV") != std::string::npos || text.find("\xB5V") != std::string::npos;
+    return microvolts ? microvoltType : otherUnitType;
+}
+
+const char* EDF90Reader::_channelUnits(int channel) {
+    thread_local std::string units;
+    return isChannel(channel) ? shared(channelText(edf::units, channel), units) : nullptr;
+}
+
+// Switch-like channels carry words in place of their limits.
+double EDF90Reader::_physioLow(int channel) {
+    if (!isChannel(channel))
+        return 0.0;
+    const std::string text = channelText(edf::physicalMin, channel);
+    if (_channelType(channel) == otherUnitType && text == "?")
+        return -1.0;
+    return leadingDouble(text); // "off" is 0
+}
+
+double EDF90Reader::_physioHigh(int channel) {
+    if (!isChannel(channel))
+        return 0.0;
+    const std::string text = channelText(edf::physicalMax, channel);
+    if (_channelType(channel) == otherUnitType && text == "?")
+        return 1.0;
+    return leadingDouble(text); // "on" is 0 too, on purpose: such a channel reads as flat zero
+}
+
+std::int32_t EDF90Reader::_digitalHigh(int channel) {
+    return isChannel(channel)
+               ? saturate<std::int32_t>(leadingDouble(channelText(edf::digitalMax, channel)))
+               : 0;
+}
+
+std::int32_t EDF90Reader::_digitalLow(int channel) {
+    return isChannel(channel)
+               ? saturate<std::int32_t>(leadingDouble(channelText(edf::digitalMin, channel)))
+               : 0;
+}
+
+int EDF90Reader::_minReadPts() { return saturate<int>(m_edf->maxRecordSamples); }
+int EDF90Reader::storedSampleBytes() const { return 2; }
+bool EDF90Reader::mixedRates() const { return m_edf->mixedRates; }
+
+std::string EDF90Reader::signalLabel(std::int64_t fileSignal) const {
+    return m_edf->header.text(edf::label, fileSignal);
+}
+
+int EDF90Reader::getChunk(long bytePos, short* buffer, int bytes) {
+    const std::int64_t chunkBytes = m_edf->maxRecordSamples * channelCount() * bytesPerSample();
+    const std::int64_t recordBytes = m_edf->header.recordSamples() * storedSampleBytes();
+    if (chunkBytes <= 0 || bytes < chunkBytes || recordBytes <= 0 ||
+        recordBytes > m_edf->file.size())
+        return 0;
+    m_edf->record.resize(static_cast<std::size_t>(recordBytes));
+    const std::int64_t position = m_edf->header.dataOffset() + bytePos / chunkBytes * recordBytes;
+    if (m_edf->file.readAt(position, m_edf->record.data(), recordBytes) < recordBytes)
+        return 0;
+    demuxRecord(m_edf->record.data(), m_edf->record.size(), buffer);
+    return bytes;
+}
+
+void EDF90Reader::demuxRecord(const std::byte* record, std::size_t bytes, short* frames) {
+    demuxRecord16({record, bytes}, m_edf->channels, m_edf->maxRecordSamples, frames);
+}
+
+} // namespace kvsig

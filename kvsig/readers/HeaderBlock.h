@@ -1,0 +1,34 @@
+#pragma once
+
+#include "kvsig/util/Export.h"
+#include "kvsig/util/File.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace kvsig {
+
+/// The start of a file, held in memory. What the file does not hold reads as zeros.
+class KVSIG_API HeaderBlock {
+  public:
+    HeaderBlock() = default;
+    explicit HeaderBlock(std::vector<std::byte> bytes) : m_bytes(std::move(bytes)) {}
+
+    /// Reads the first `length` bytes of the file, or as many as there are.
+    static HeaderBlock readFrom(const File& file, std::int64_t length);
+
+    [[nodiscard]] const std::vector<std::byte>& bytes() const { return m_bytes; }
+
+  private:
+    std::vector<std::byte> m_bytes;
+};
+
+/// The text of a fixed-width field: `width` bytes at `offset`, up to the first NUL, without
+/// trailing blanks. Bytes that the block does not hold count as NUL.
+[[nodiscard]] KVSIG_API std::string readHeaderField(const HeaderBlock& header, std::int64_t offset,
+                                                    int width);
+
+} // namespace kvsig

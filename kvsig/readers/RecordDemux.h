@@ -1,0 +1,29 @@
+#pragma once
+
+#include "kvsig/util/Export.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+/// Data records, signal after signal, turned into frames: sample index major, channel minor.
+/// Pure functions. A source that does not lie in the record reads as zeros.
+namespace kvsig {
+
+/// Where a channel stands in a record, counted in samples.
+struct RecordChannel {
+    std::int64_t offset = 0;  ///< of its first sample
+    std::int64_t samples = 0; ///< how many; not more than the frames' points
+};
+
+/// Little-endian 16-bit samples. Writes `points` frames of channels.size() values. A channel with
+/// fewer samples than `points` is stretched by repetition, without interpolation.
+KVSIG_API void demuxRecord16(std::span<const std::byte> record,
+                             std::span<const RecordChannel> channels, std::int64_t points,
+                             std::int16_t* frames);
+
+/// Little-endian 24-bit samples, `channels` runs of `points` samples from the record's first byte.
+KVSIG_API void demuxRecord24(std::span<const std::byte> record, std::int64_t channels,
+                             std::int64_t points, std::int32_t* frames);
+
+} // namespace kvsig
