@@ -1,0 +1,37 @@
+#pragma once
+
+#include "kvsig/kernel/IDataReader.h"
+
+#include <utility>
+
+namespace kvsig {
+
+/// Owns one reference to a reader: AddRef() when it takes one, Release() when it lets go.
+class ReaderPtr {
+  public:
+    ReaderPtr() = default;
+    explicit ReaderPtr(IDataReader* reader) : m_reader(reader) {
+        if (m_reader)
+            m_reader->AddRef();
+    }
+    ReaderPtr(const ReaderPtr& other) : ReaderPtr(other.m_reader) {}
+    ReaderPtr(ReaderPtr&& other) noexcept : m_reader(std::exchange(other.m_reader, nullptr)) {}
+    ReaderPtr& operator=(ReaderPtr other) noexcept {
+        std::swap(m_reader, other.m_reader);
+        return *this;
+    }
+    ~ReaderPtr() {
+        if (m_reader)
+            m_reader->Release();
+    }
+
+    [[nodiscard]] IDataReader* get() const { return m_reader; }
+    IDataReader& operator*() const { return *m_reader; }
+    IDataReader* operator->() const { return m_reader; }
+    explicit operator bool() const { return m_reader != nullptr; }
+
+  private:
+    IDataReader* m_reader = nullptr;
+};
+
+} // namespace kvsig
