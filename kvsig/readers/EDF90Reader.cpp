@@ -44,6 +44,20 @@ std::string fullDate(const std::string& text, int centuryPivot) {
     return paddedText(year, 4) + "." + paddedText(date.second, 2) + "." + paddedText(date.first, 2);
 }
 
+std::string headerLengthText(const edf::Header& header) {
+    return fieldText("header length", edf::headerLength.offset, header.text(edf::headerLength));
+}
+
+// Samples that start inside the header are no samples; empty when the length is sound.
+std::string headerLengthFault(const edf::Header& header) {
+    const std::int64_t full = edf::fullLength(header.fileSignals());
+    if (header.dataOffset() >= full)
+        return {};
+    return headerLengthText(header) + ", but the header of " +
+           std::to_string(header.fileSignals()) + " signals takes " + std::to_string(full) +
+           " bytes";
+}
+
 } // namespace
 
 struct EDF90Reader::State {
@@ -139,13 +153,8 @@ void EDF90Reader::reportOddFields() {
     else if (header.duration() > secondsPerYear)
         report(Severity::unusable, duration + " seconds, more than a year");
 
-    const std::int64_t fullLength = edf::fullLength(header.fileSignals());
-    if (header.dataOffset() < fullLength)
-        report(Severity::unusable, fieldText("header length", edf::headerLength.offset,
-                                             header.text(edf::headerLength)) +
-                                       ", but the header of " +
-                                       std::to_string(header.fileSignals()) + " signals takes " +
-                                       std::to_string(fullLength) + " bytes");
+    if (const std::string fault = headerLengthFault(header); !fault.empty())
+        report(Severity::unusable, fault);
     for (std::int64_t i = 0; i < header.fileSignals(); ++i)
         if (header.signalSamples()[static_cast<std::size_t>(i)] < 1)
             report(Severity::unusable,
@@ -189,13 +198,18 @@ bool EDF90Reader::readSampleInfo() {
 bool EDF90Reader::refuseWithoutSamples() {
     const edf::Header& header = m_edf->header;
     const std::int64_t size = m_edf->file.size();
-    const std::string length =
-        fieldText("header length", edf::headerLength.offset, header.text(edf::headerLength));
+    const std::int64_t data = size - header.dataOffset();
     if (m_edf->channels.empty())
         return refuse(2, "none of its " + std::to_string(header.fileSignals()) +
                              " signals is a channel: all hold annotations");
-    if (header.dataOffset() >= size)
-        return refuse(2, length + ", but the file ends after " + std::to_string(size) + " bytes");
+    if (data == 0)
+        return refuse(2, "no data records: the file ends with its header of " +
+                             std::to_string(size) + " bytes");
+    if (data < 0)
+        return refuse(2, headerLengthText(header) + ", but the file ends after " +
+                             std::to_string(size) + " bytes");
+    if (const std::string fault = headerLengthFault(header); !fault.empty())
+        return refuse(2, fault);
     if (header.recordSamples() <= 0)
         return refuse(2, "samples per record of its signals (from offset " +
                              std::to_string(header.offsetOf(edf::samplesPerRecord, 0)) +
@@ -203,8 +217,7 @@ bool EDF90Reader::refuseWithoutSamples() {
     if (nPoints() == 0)
         return refuse(2, "no whole data record: one takes " +
                              std::to_string(header.recordSamples()) + " samples, " +
-                             std::to_string(size - header.dataOffset()) +
-                             " bytes follow the header (" + length + ")");
+                             std::to_string(data) + " bytes of data follow the header");
     return refuse(2, "it holds " + std::to_string(nPoints()) + " samples, at least " +
                          std::to_string(fewestSamples) + " are needed");
 }
