@@ -14,7 +14,7 @@ struct FormatRow {
     const char* name;    ///< "EDF90 (*.edf)"
     const char* pattern; ///< "*.edf"
 
-    [[nodiscard]] std::string_view typeName() const;
+    [[nodiscard]] KVSIG_API std::string_view typeName() const;
 };
 
 /// The formats that this build reads.

@@ -1,0 +1,229 @@
+#include "kvsig/montage/DataSource.h"
+
+#include "kvsig/kernel/DataReader.h"
+#include "kvsig/montage/FilterDesign.h"
+#include "kvsig/util/Saturate.h"
+
+#include <algorithm>
+#include <atomic>
+#include <limits>
+#include <memory>
+#include <new>
+
+namespace kvsig {
+namespace {
+
+std::atomic<bool> defaultUseCache{true};
+std::atomic<bool> defaultUseFilter{true};
+
+// Samples of an inclusive range; 0 when it is empty or longer than a count can say.
+int rangeLength(long first, long last) {
+    if (first > last)
+        return 0;
+    const std::uint64_t steps =
+        static_cast<std::uint64_t>(last) - static_cast<std::uint64_t>(first);
+    return steps < static_cast<std::uint64_t>(std::numeric_limits<int>::max())
+               ? static_cast<int>(steps + 1)
+               : 0;
+}
+
+bool isCacheIndex(long sample) { return std::in_range<std::int32_t>(sample); }
+
+std::unique_ptr<float[]> workBlock(std::int64_t count) {
+    return std::unique_ptr<float[]>(new (std::nothrow) float[static_cast<std::size_t>(count)]);
+}
+
+// Counts of subclasses are not believed beyond what was asked for; the missing part is zeros.
+int withZerosBehind(int got, int wanted, float* buf) {
+    got = std::clamp(got, 0, wanted);
+    std::fill_n(buf + got, wanted - got, 0.0F);
+    return got;
+}
+
+} // namespace
+
+void SetDataSourceDefaults(bool useCache, bool useFilter) {
+    defaultUseCache = useCache;
+    defaultUseFilter = useFilter;
+}
+
+DataSource::DataSource(IDataReader& reader)
+    : m_reader(&reader), m_useCache(defaultUseCache), m_useFilter(defaultUseFilter) {}
+
+DataSource::DataSource(const DataSource& other)
+    : m_kind(other.m_kind),
+      m_reader(other.m_reader),
+      m_montage(other.m_montage),
+      m_useCache(other.m_useCache),
+      m_useFilter(other.m_useFilter),
+      m_settings(other.m_settings),
+      m_ownLowPass(other.m_ownLowPass),
+      m_ownHighPass(other.m_ownHighPass),
+      m_cache(other.m_cache),
+      m_position(other.m_position) {
+    copyChain(other);
+}
+
+DataSource& DataSource::operator=(const DataSource& other) {
+    if (this == &other)
+        return *this;
+    m_kind = other.m_kind;
+    m_reader = other.m_reader;
+    m_montage = other.m_montage;
+    m_useCache = other.m_useCache;
+    m_useFilter = other.m_useFilter;
+    m_settings = other.m_settings;
+    m_ownLowPass = other.m_ownLowPass;
+    m_ownHighPass = other.m_ownHighPass;
+    m_cache = other.m_cache;
+    m_position = other.m_position;
+    copyChain(other);
+    return *this;
+}
+
+DataSource::~DataSource() = default;
+
+void DataSource::copyChain(const DataSource& other) {
+    m_filters.removeAll();
+    m_filters.setDeleteList(false);
+    for (int i = 0; i < other.m_filters.count(); ++i) {
+        Filter* filter = other.m_filters.filter(i);
+        if (filter == &other.m_ownLowPass)
+            filter = &m_ownLowPass;
+        else if (filter == &other.m_ownHighPass)
+            filter = &m_ownHighPass;
+        m_filters.addNext(filter);
+    }
+}
+
+bool DataSource::useCache() { return m_useCache; }
+bool DataSource::useFilter() { return m_useFilter; }
+void DataSource::setUseCache(bool use) { m_useCache = use; }
+
+void DataSource::setUseFilter(bool use) {
+    if (use != m_useFilter)
+        flushCache();
+    m_useFilter = use;
+}
+
+bool DataSource::allocCache(long first, long last, double scale) {
+    const int length = rangeLength(first, last);
+    if (length == 0 || !isCacheIndex(first) || !isCacheIndex(last) || !m_cache.reserve(length))
+        return false;
+    m_cache.dScale = scale;
+    m_cache.nFirst = static_cast<std::int32_t>(first);
+    m_cache.nLast = static_cast<std::int32_t>(last);
+    return true;
+}
+
+int DataSource::readCache(long first, long last, float* buf, double scale) {
+    // A block computed at scale 0 holds nothing that could be rescaled.
+    if (!m_cache.holds(first) || last < first || m_cache.dScale == 0.0)
+        return 0;
+    const double factor = scale / m_cache.dScale;
+    const auto count = static_cast<int>(std::min<long>(last, m_cache.nLast) - first + 1);
+    const float* held = m_cache.pData + (first - m_cache.nFirst);
+    std::transform(held, held + count, buf,
+                   [factor](float x) { return static_cast<float>(x * factor); });
+    return count;
+}
+
+bool DataSource::writeCache(long first, long last, float* buf, double scale) {
+    if (!allocCache(first, last, scale))
+        return false;
+    std::copy_n(buf, m_cache.length(), m_cache.pData);
+    return true;
+}
+
+bool DataSource::addToCache(long first, long last, float* buf) {
+    if (m_cache.length() == 0 || first != m_cache.nFirst || last != m_cache.nLast)
+        return false;
+    for (std::int32_t i = 0; i < m_cache.length(); ++i)
+        m_cache.pData[i] += buf[i];
+    return true;
+}
+
+void DataSource::flushCache() { m_cache.nFirst = m_cache.nLast = -1; }
+
+int DataSource::getData(long first, long last, float* buf, double scale) {
+    const int wanted = rangeLength(first, last);
+    if (wanted == 0 || !buf)
+        return 0;
+    const int cached = useCache() ? readCache(first, last, buf, scale) : 0;
+    if (cached == wanted)
+        return cached;
+    float* rest = buf + cached;
+    const int got = useFilter() ? filteredData(first + cached, last, rest, scale)
+                                : _getData(first + cached, last, rest, scale);
+    const int delivered = withZerosBehind(got, wanted - cached, rest);
+    // The whole range is cached even when fewer samples were delivered, on purpose: the cache then
+    // holds exactly the range and the scale of the latest request.
+    if (useCache())
+        writeCache(first, last, buf, scale);
+    return cached + delivered;
+}
+
+// Reads the range widened by what the chain needs before and after it, and trims that off again.
+int DataSource::filteredData(long first, long last, float* buf, double scale) {
+    const int before = m_filters.nPrePts();
+    const int after = m_filters.nPstPts();
+    const std::int64_t length = std::int64_t{last} - first + 1 + before + after;
+    if (length > std::numeric_limits<int>::max())
+        return 0;
+    const auto work = workBlock(length);
+    if (!work)
+        return 0;
+    const int got = std::min(_getData(first - before, last + after, work.get(), scale),
+                             static_cast<int>(length));
+    m_filters.apply(work.get(), got);
+    const int kept = std::max(got - before - after, 0);
+    std::copy_n(work.get() + before, kept, buf);
+    return kept;
+}
+
+void DataSource::iterSetPosition(long position, double scale) {
+    m_position = saturate<std::int32_t>(position);
+    if (!useFilter())
+        return;
+    const int before = m_filters.nPrePts();
+    const auto work = workBlock(before);
+    if (!work)
+        return;
+    const int got = before > 0 ? _getData(position - before, position - 1, work.get(), scale) : 0;
+    m_filters.iterSetPosition(position, work.get(), std::clamp(got, 0, before));
+}
+
+int DataSource::iterGetData(long count, float* buf, double scale) {
+    const int wanted = rangeLength(1, count);
+    if (wanted == 0 || !buf)
+        return 0;
+    const int got = withZerosBehind(_getData(m_position, long{m_position} + count - 1, buf, scale),
+                                    wanted, buf);
+    if (useFilter())
+        m_filters.iterApply(buf, got);
+    m_position = saturate<std::int32_t>(std::int64_t{m_position} + got);
+    return got;
+}
+
+double DataSource::xStart() const {
+    auto* reader = dynamic_cast<DataReader*>(m_reader);
+    return reader ? reader->xStart() : 0.0;
+}
+
+double DataSource::xEnd() const { return m_reader->duration(); }
+
+void DataSource::appendOwnFilters(double samplingRate) {
+    const auto append = [this, samplingRate](Filter& filter, const FilterAttr& attr) {
+        if (!attr.use)
+            return;
+        setUseFilter(true);
+        m_filters.addNext(&filter);
+        designFilter(filter, attr, samplingRate);
+    };
+    append(m_ownLowPass, m_settings.lowPass);
+    append(m_ownHighPass, m_settings.highPass);
+}
+
+void DataSource::copyAttributes(const DataSource& other) { m_settings = other.m_settings; }
+
+} // namespace kvsig

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "kvsig/filters/FilterAttr.h"
+#include "kvsig/util/Export.h"
+
+#include <cstdint>
+#include <string>
+
+namespace kvsig {
+
+/// Display and filter settings of a source.
+struct SourceSettings {
+    std::int32_t displayValue = 0;
+    bool flag = false;
+    bool followMontage = true; ///< the montage-wide filters apply, not the source's own
+    std::int32_t intValue = 0;
+    FilterAttr lowPass;  ///< the source's own high filter, hertz
+    FilterAttr highPass; ///< the source's own low filter, hertz
+};
+
+/// Scale of a polygraphic channel as the host draws it.
+struct PolyScale {
+    bool showScaling = false;
+    bool transparentScale = false;
+    double minimum = 0.0;
+    double maximum = 0.0;
+};
+
+/// True when a definition must carry the settings: they are not the defaults.
+[[nodiscard]] KVSIG_API bool settingsDiffer(const SourceSettings& settings, const PolyScale& scale);
+
+/// The settings as ten comma-separated fields: display value, flag, follow montage, integer value,
+/// time constant of the high-pass, cutoff of the low-pass, show scaling, transparent scale,
+/// minimum, maximum. The filter texts lose digits: "%.2g sec" and "%.3g Hz".
+[[nodiscard]] KVSIG_API std::string formatSettings(const SourceSettings& settings,
+                                                   const PolyScale& scale);
+
+/// Reads ten fields, or the first six (an older form). False when the text has neither; nothing is
+/// changed then.
+KVSIG_API bool scanSettings(const char* text, SourceSettings& settings, PolyScale& scale);
+
+} // namespace kvsig
