@@ -1,0 +1,215 @@
+#include "kvsig/registry/FormatTable.h"
+#include "kvsig/util/NumberText.h"
+#include "tool/Command.h"
+#include "tool/Recording.h"
+#include "tool/Words.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+namespace kvsig::tool {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct InfoOptions {
+    std::vector<std::string> files;
+    std::string type;
+    bool json = false;
+    bool showPatient = false;
+    bool quiet = false;
+};
+
+Json channelFacts(const Recording& recording, int channel) {
+    IDataReader& reader = *recording.reader;
+    return {{"index", channel},
+            {"name", toUtf8(reader.channelName(channel))},
+            {"grid1", toUtf8(reader.grid1(channel))},
+            {"grid2", toUtf8(reader.grid2(channel))},
+            {"type", reader.channelType(channel)},
+            {"units", toUtf8(reader.channelUnits(channel))},
+            {"calibration", reader.calibration(channel)},
+            {"dcOffset", recording.details->dcOffset(channel)},
+            {"physioLow", reader.physioLow(channel)},
+            {"physioHigh", reader.physioHigh(channel)},
+            {"digitalLow", reader.digitalLow(channel)},
+            {"digitalHigh", reader.digitalHigh(channel)},
+            {"samplingRate", recording.details->storedSamplingRate(channel)}};
+}
+
+Json patientFacts(const PatientRec& patient) {
+    Json facts;
+    const auto add = [&facts](const char* key, const std::string& value) {
+        facts[key] = toUtf8(value);
+    };
+    add("name", displayName(patient));
+    add("sex", patient.sex);
+    add("hand", patient.hand);
+    add("birthDate", patient.birthDate);
+    add("id", patient.id);
+    add("testDate", patient.testDate);
+    add("testTime", patient.testTime);
+    add("physician", patient.physician);
+    add("technician", patient.technician);
+    add("medications", patient.medications);
+    add("history", patient.history);
+    add("comments1", patient.comments1);
+    add("comments2", patient.comments2);
+    return facts;
+}
+
+Json facts(const Recording& recording, bool showPatient) {
+    IDataReader& reader = *recording.reader;
+    Json all;
+    all["file"] = toUtf8(recording.path);
+    const FormatRow* row = formatByType(reader.fileType());
+    all["type"] = {{"number", reader.fileType()}, {"name", row ? row->typeName() : ""}};
+    all["samplingRate"] = reader.samplingRate();
+    all["sampleCount"] = reader.sampleCount();
+    all["storedSampleCount"] = recording.storedSamples();
+    all["duration"] = reader.duration();
+    all["startClock"] = reader.getClockTime(0.0);
+    all["sampleTimes"] = Json::array();
+    for (int i = 0; i < reader.sampleTimeCount(); ++i) {
+        SampleTime anchor;
+        reader.getSampleTime(i, anchor);
+        all["sampleTimes"].push_back({{"sample", anchor.sample}, {"time", anchor.time}});
+    }
+    all["referential"] = reader.isMapReferential() != 0;
+    all["refGrid"] = toUtf8(reader.refGrid());
+    all["channels"] = Json::array();
+    for (int i = 0; i < reader.channelCount(); ++i)
+        all["channels"].push_back(channelFacts(recording, i));
+    if (showPatient)
+        all["patient"] = patientFacts(*reader.patientRec());
+    all["montages"] = Json::array();
+    for (int i = 0; i < reader.montageCount(); ++i)
+        all["montages"].push_back(toUtf8(reader.montageName(i)));
+    return all;
+}
+
+std::string numberText(const Json& value) { return generalText(value.get<double>(), 7); }
+
+std::size_t columns(const std::string& utf8) {
+    return static_cast<std::size_t>(std::count_if(utf8.begin(), utf8.end(), [](char c) {
+        return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U;
+    }));
+}
+
+// Numbers stand right, texts left; the widths follow the content.
+std::string table(const std::vector<std::vector<std::string>>& rows,
+                  const std::vector<bool>& rightAligned) {
+    std::vector<std::size_t> widths(rightAligned.size(), 0);
+    for (const auto& row : rows)
+        for (std::size_t i = 0; i < row.size(); ++i)
+            widths[i] = std::max(widths[i], columns(row[i]));
+    std::string text;
+    for (const auto& row : rows) {
+        std::string line = " ";
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            const std::string blanks(widths[i] - columns(row[i]), ' ');
+            line += " " + (rightAligned[i] ? blanks + row[i] : row[i] + blanks) + " ";
+        }
+        text += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
+    }
+    return text;
+}
+
+std::string channelTable(const Json& channels) {
+    std::vector<std::vector<std::string>> rows{{"#", "name", "grid 1", "grid 2", "type", "units",
+                                                "calibration", "dc offset", "physical", "digital",
+                                                "rate/Hz"}};
+    for (const Json& c : channels)
+        rows.push_back({std::to_string(c["index"].get<int>()), c["name"], c["grid1"], c["grid2"],
+                        std::to_string(c["type"].get<int>()), c["units"],
+                        numberText(c["calibration"]), numberText(c["dcOffset"]),
+                        numberText(c["physioLow"]) + " .. " + numberText(c["physioHigh"]),
+                        std::to_string(c["digitalLow"].get<int>()) + " .. " +
+                            std::to_string(c["digitalHigh"].get<int>()),
+                        numberText(c["samplingRate"])});
+    return table(rows, {true, false, false, false, true, false, true, true, false, false, true});
+}
+
+std::string summary(const Json& all) {
+    std::vector<std::vector<std::string>> rows;
+    const auto add = [&rows](const std::string& label, const std::string& value) {
+        rows.push_back({label, value});
+    };
+    const auto samples = all["sampleCount"].get<long>();
+    const auto stored = all["storedSampleCount"].get<long>();
+    const double rate = all["samplingRate"];
+    add("type", all["type"]["name"].get<std::string>() + " (" +
+                    std::to_string(all["type"]["number"].get<int>()) + ")");
+    add("channels", std::to_string(all["channels"].size()) + " at " + shortestText(rate) + " Hz");
+    add("samples", std::to_string(samples) + ", " + clockText(all["duration"]));
+    if (stored != samples)
+        add("stored", std::to_string(stored) + ", " +
+                          clockText(rate > 0 ? static_cast<double>(stored) / rate : 0.0) +
+                          " (what lies beyond reads as zeros)");
+    add("start", clockText(all["startClock"]) + " local time");
+    for (const Json& anchor : all["sampleTimes"])
+        add("anchor", "sample " + std::to_string(anchor["sample"].get<int>()) + " at " +
+                          clockText(anchor["time"]));
+    const bool referential = all["referential"];
+    const std::string reference = all["refGrid"];
+    add("reference", !referential        ? "none in common (recorded pairs)"
+                     : reference.empty() ? "common, without a name"
+                                         : "common, " + reference);
+    for (const Json& montage : all["montages"])
+        add("montage", montage);
+    if (all.contains("patient"))
+        for (const auto& [key, value] : all["patient"].items())
+            if (!value.get<std::string>().empty())
+                add("patient " + key, value);
+    return table(rows, {false, false});
+}
+
+void print(const std::string& text) { std::fwrite(text.data(), 1, text.size(), stdout); }
+
+int run(const InfoOptions& options) {
+    setQuiet(options.quiet);
+    const std::optional<int> type = typeFromName(options.type);
+    if (!type)
+        return exitWrongUsage;
+    int exitCode = exitWell;
+    Json list = Json::array();
+    for (const std::string& file : options.files) {
+        const std::optional<Recording> recording = openRecording(file, *type);
+        if (!recording) {
+            exitCode = exitFailed;
+            continue;
+        }
+        const Json all = facts(*recording, options.showPatient);
+        if (options.json)
+            list.push_back(all);
+        else
+            print(toUtf8(file) + "\n" + summary(all) + "\n" + channelTable(all["channels"]) + "\n");
+        if (const OpenFinding* finding = recording->unusable()) {
+            complain(file + ": " + finding->text);
+            exitCode = exitFailed;
+        }
+    }
+    // One file gives one object, several give a list.
+    if (options.json && !list.empty())
+        print((options.files.size() == 1 ? list.front() : list).dump(2) + "\n");
+    return exitCode;
+}
+
+} // namespace
+
+void addInfoCommand(CLI::App& app, int& exitCode) {
+    auto options = std::make_shared<InfoOptions>();
+    CLI::App* command = app.add_subcommand("info", "Show what is in recordings");
+    command->add_option("FILE", options->files, "Recordings")->required();
+    command->add_option("--type", options->type, "Type name that overrules detection");
+    command->add_flag("--json", options->json, "Machine-readable output");
+    command->add_flag("--show-patient", options->showPatient, "Show who was recorded");
+    command->add_flag("-q,--quiet", options->quiet, "No remarks");
+    command->callback([options, &exitCode] { exitCode = run(*options); });
+}
+
+} // namespace kvsig::tool

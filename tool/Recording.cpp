@@ -1,0 +1,58 @@
+#include "tool/Recording.h"
+
+#include "kvsig/registry/FormatTable.h"
+#include "kvsig/registry/FrontDoor.h"
+#include "tool/Words.h"
+
+#include <algorithm>
+
+namespace kvsig::tool {
+
+using Severity = OpenFinding::Severity;
+
+const OpenFinding* Recording::unusable() const {
+    const auto& findings = details->openFindings();
+    const auto found = std::find_if(findings.begin(), findings.end(), [](const OpenFinding& f) {
+        return f.severity == Severity::unusable;
+    });
+    return found == findings.end() ? nullptr : &*found;
+}
+
+std::optional<int> typeFromName(const std::string& name) {
+    if (name.empty())
+        return 0;
+    if (const FormatRow* row = formatByName(name))
+        return row->type;
+    std::string known;
+    for (const FormatRow& row : readableFormats())
+        known += (known.empty() ? "" : ", ") + std::string(row.typeName());
+    complain("--type " + name + ": no such type; this build reads " + known);
+    return std::nullopt;
+}
+
+std::optional<Recording> openRecording(const std::string& path, int type) {
+    std::string error;
+    Recording recording{path, openReader(path.c_str(), type, &error), nullptr};
+    if (!recording.reader) {
+        complain(error);
+        return std::nullopt;
+    }
+    recording.details = dynamic_cast<DataReader*>(recording.reader.get());
+    for (const OpenFinding& finding : recording.details->openFindings())
+        if (finding.severity == Severity::warning)
+            remark(path + ": " + finding.text);
+    return recording;
+}
+
+std::optional<Recording> openUsableRecording(const std::string& path, int type) {
+    std::optional<Recording> recording = openRecording(path, type);
+    if (!recording)
+        return std::nullopt;
+    if (const OpenFinding* finding = recording->unusable()) {
+        complain(path + ": " + finding->text);
+        return std::nullopt;
+    }
+    return recording;
+}
+
+} // namespace kvsig::tool

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "tool/Rows.h"
+
+#include <vector>
+
+namespace kvsig::tool {
+
+/// Delivers the values of rows window by window, in order, with the filters' state carried on from
+/// one window to the next, so that the result does not depend on where windows end. Holds at most
+/// about four MiB of samples.
+class RowStream {
+  public:
+    RowStream(const std::vector<Row>& rows, SampleRange range);
+
+    /// Computes the next window; false at the end.
+    bool next();
+
+    /// The samples of the current window, inclusive, and a row's values for them: physical units,
+    /// or with `kernelValues` the kernel's own numbers at gain 1.
+    [[nodiscard]] SampleRange window() const { return m_window; }
+    [[nodiscard]] const float* values(std::size_t row) const {
+        return m_values.data() + row * m_windowLength;
+    }
+
+    /// To be called before the first next().
+    void setKernelValues(bool kernelValues) { m_kernelValues = kernelValues; }
+
+  private:
+    const std::vector<Row>* m_rows;
+    SampleRange m_range;
+    SampleRange m_window;
+    std::size_t m_windowLength;
+    bool m_kernelValues = false;
+    bool m_started = false;
+    std::vector<float> m_values;
+};
+
+} // namespace kvsig::tool

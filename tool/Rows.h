@@ -1,0 +1,67 @@
+#pragma once
+
+#include "kvsig/filters/IIRNotch.h"
+#include "kvsig/montage/AvgSource.h"
+#include "kvsig/montage/G1G2Source.h"
+#include "kvsig/montage/MontageContext.h"
+#include "tool/Recording.h"
+#include "tool/SignalOptions.h"
+
+#include <deque>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kvsig::tool {
+
+/// One row of an export or a picture: a source, and how its values become physical ones.
+struct Row {
+    std::unique_ptr<DataSource> source;
+    std::string name;
+    std::string units;
+    int channel = -1;    ///< the recorded channel, or -1 for a derivation
+    double gain = 1.0;   ///< the scale that gives physical units
+    double offset = 0.0; ///< added to the scaled values; 0 for derivations
+    bool microvolts = true;
+};
+
+/// The rows of a selection, with the averages that they refer to and the filters that they share.
+/// Refers to its recording, which must outlive it; does not move.
+class Rows final : public MontageContext {
+  public:
+    explicit Rows(const Recording& recording) : m_recording(&recording) {}
+    Rows(const Rows&) = delete;
+    Rows& operator=(const Rows&) = delete;
+
+    /// Adds the rows that the options select; false with a complaint when one cannot be made.
+    bool select(const SignalOptions& options);
+    [[nodiscard]] const std::vector<Row>& rows() const { return m_rows; }
+
+    AvgSource* averageReference(int index) override;
+    int rowOf(const DataSource& source) override;
+
+  private:
+    bool add(const std::string& text);
+    void addRecorded(int channel);
+    bool addDerivation(const std::string& text, const std::string& first,
+                       const std::string& second);
+    bool addAverage(const std::string& text);
+    bool append(std::unique_ptr<DataSource> source, const std::vector<int>& channels,
+                const std::string& text);
+
+    [[nodiscard]] int channelOf(const std::string& label) const;
+    void remarkOnTwins(int channel) const;
+    /// Index of the average of that name or definition, made when needed; -1 when it cannot be.
+    int averageOf(const std::string& label);
+    [[nodiscard]] std::unique_ptr<AvgSource> makeAverage(const std::string& defn) const;
+    void complainUnknown(const std::string& label) const;
+    void applyFilters(const SignalOptions& options);
+
+    const Recording* m_recording;
+    std::vector<Row> m_rows;
+    std::vector<std::unique_ptr<AvgSource>> m_averages;
+    std::deque<IIRNotch> m_notches;
+};
+
+} // namespace kvsig::tool

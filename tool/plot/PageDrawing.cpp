@@ -1,0 +1,207 @@
+#include "tool/plot/PageDrawing.h"
+
+#include "kvsig/filters/DisplayText.h"
+#include "kvsig/util/NumberText.h"
+#include "kvsig/util/Text.h"
+#include "tool/Words.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace kvsig::tool {
+namespace {
+
+constexpr Colour ink{0.08, 0.08, 0.16};
+constexpr Colour words{0.15, 0.15, 0.15};
+constexpr Colour faint{0.45, 0.45, 0.45};
+constexpr Colour majorLine{0.72, 0.76, 0.84};
+constexpr Colour minorLine{0.91, 0.93, 0.96};
+constexpr double ownScaleRoom = 0.8; // of the row spacing
+
+// Value to millimetres below the row's centre.
+struct RowScale {
+    double centre = 0.0;    ///< the value on the row's centre line
+    double mmPerUnit = 0.0; ///< negative: positive values go up
+    std::string note;       ///< what stands under the label
+};
+
+RowScale scaleOf(const Row& row, const TraceReducer& trace, const PageContent& content,
+                 double rowSpacing) {
+    const double span = double{trace.highest()} - double{trace.lowest()};
+    const double room = ownScaleRoom * rowSpacing;
+    RowScale scale;
+    if (row.microvolts) {
+        const bool own = hasOwnScale(row);
+        const double sensitivity = own ? fittingSensitivity(span, room) : content.sensitivity;
+        scale.mmPerUnit = 1.0 / sensitivity;
+        // Without a low filter the electrodes' offset would carry the trace off the page.
+        scale.centre = content.signals->lowFilter > 0 ? 0.0 : trace.mean();
+        if (own)
+            scale.note = shortestText(sensitivity) + " uV/mm";
+        return scale;
+    }
+    scale.centre = trace.lowest() + 0.5 * span;
+    scale.mmPerUnit = span > 0 ? -room / span : 0.0;
+    scale.note = generalText(trace.lowest(), 4) + (span > 0 ? " … " : "") +
+                 (span > 0 ? generalText(trace.highest(), 4) : "") + " " + row.units;
+    return scale;
+}
+
+class PagePainter {
+  public:
+    PagePainter(Canvas& canvas, const PageLayout& layout, const PageContent& content)
+        : m_canvas(canvas),
+          m_layout(layout),
+          m_content(content),
+          m_rate(content.recording->reader->samplingRate()),
+          m_start(static_cast<double>(content.range.first) / m_rate),
+          m_duration(static_cast<double>(content.range.length()) / m_rate),
+          m_grid(m_duration, layout.traceWidth()) {}
+
+    void paint() {
+        drawGrid();
+        const auto& rows = m_content.rows->rows();
+        for (std::size_t i = 0; i < rows.size(); ++i)
+            drawRow(i, rows[i], (*m_content.traces)[i]);
+        drawScaleBar();
+        drawCaption();
+    }
+
+  private:
+    [[nodiscard]] double xOf(double seconds) const {
+        return m_layout.left + (seconds - m_start) / m_duration * m_layout.traceWidth();
+    }
+
+    // Calls draw(seconds) for each multiple of the step inside the page.
+    template <typename Draw>
+    void everyStep(double step, Draw draw) const {
+        for (double k = std::ceil(m_start / step - 1e-9); k * step <= m_start + m_duration + 1e-9;
+             k += 1.0)
+            draw(k * step);
+    }
+
+    void drawGrid() {
+        const auto vertical = [this](double width, Colour colour) {
+            return [this, width, colour](double seconds) {
+                m_canvas.line(xOf(seconds), m_layout.top, xOf(seconds), m_layout.bottom, width,
+                              colour);
+            };
+        };
+        if (m_grid.minor > 0)
+            everyStep(m_grid.minor, vertical(0.1, minorLine));
+        everyStep(m_grid.major, vertical(0.15, majorLine));
+        m_canvas.line(m_layout.left, m_layout.bottom, m_layout.right, m_layout.bottom, 0.2, faint);
+        everyStep(m_grid.labelEvery, [this](double seconds) {
+            const double clock = m_content.recording->reader->getClockTime(seconds);
+            m_canvas.line(xOf(seconds), m_layout.bottom, xOf(seconds), m_layout.bottom + 1.2, 0.2,
+                          faint);
+            m_canvas.text(xOf(seconds), m_layout.bottom + 4.6, clockText(std::fmod(clock, 86400.0)),
+                          2.7, Align::centre, words);
+        });
+    }
+
+    void drawRow(std::size_t index, const Row& row, const TraceReducer& trace) {
+        const double centre = m_layout.rowCentre(index);
+        const RowScale scale = scaleOf(row, trace, m_content, m_layout.rowSpacing);
+        const double nameSize = std::min(3.1, 0.75 * m_layout.rowSpacing);
+        const double labelRight = m_layout.left - 2.0;
+        const double labelRoom = m_layout.left - 4.0;
+        const bool note = !scale.note.empty() && m_layout.rowSpacing > 5.0;
+        m_canvas.text(labelRight, centre + (note ? 0.0 : 0.35 * nameSize), row.name, nameSize,
+                      Align::right, words, labelRoom);
+        if (note)
+            m_canvas.text(labelRight, centre + 2.9, scale.note, 2.2, Align::right, faint,
+                          labelRoom);
+        drawTrace(trace, centre, scale);
+    }
+
+    void drawTrace(const TraceReducer& trace, double centre, const RowScale& scale) {
+        cairo_t* context = m_canvas.context();
+        cairo_save(context);
+        cairo_rectangle(context, m_layout.left, m_layout.top - 2.0, m_layout.traceWidth(),
+                        m_layout.bottom - m_layout.top + 4.0);
+        cairo_clip(context);
+        cairo_set_source_rgb(context, ink.red, ink.green, ink.blue);
+        cairo_set_line_width(context, 0.18);
+        // Far off the page a coordinate means nothing more, and the picture's formats overflow.
+        constexpr double farAway = 2000.0;
+        for (const TracePoint& point : trace.points()) {
+            const double y = (double{point.value} - scale.centre) * scale.mmPerUnit;
+            cairo_line_to(context, m_layout.left + point.position * m_layout.traceWidth(),
+                          centre + std::clamp(y, -farAway, farAway));
+        }
+        cairo_stroke(context);
+        cairo_restore(context);
+    }
+
+    void drawScaleBar() {
+        const auto& rows = m_content.rows->rows();
+        if (std::all_of(rows.begin(), rows.end(), hasOwnScale))
+            return;
+        const double microvolts = scaleBarLength(m_content.sensitivity);
+        const double length = microvolts / m_content.sensitivity;
+        const double x = m_layout.right - 1.5;
+        const double low = m_layout.height - 2.0;
+        m_canvas.line(x, low, x, low - length, 0.35, ink);
+        for (const double y : {low, low - length})
+            m_canvas.line(x - 0.8, y, x + 0.8, y, 0.35, ink);
+        m_canvas.text(x - 1.8, low - 0.5 * length + 1.0, shortestText(microvolts) + " uV", 2.9,
+                      Align::right, words);
+    }
+
+    [[nodiscard]] std::string filterWords() const {
+        const auto hertz = [](double value) {
+            char text[filterTextSize];
+            return std::string(value > 0 ? FreqAsText(text, value) : "off");
+        };
+        const SignalOptions& signals = *m_content.signals;
+        return "low filter " + hertz(signals.lowFilter) + "   high filter " +
+               hertz(signals.highFilter) + "   notch " + hertz(signals.notch) +
+               (signals.notch > 0 ? " (2 Hz wide at -3 dB)" : "");
+    }
+
+    void drawCaption() {
+        IDataReader& reader = *m_content.recording->reader;
+        const std::string& path = m_content.recording->path;
+        const std::string file = toUtf8(path.substr(path.find_last_of('/') + 1));
+        m_canvas.text(2.0, 6.0, file, 3.6, Align::left, ink, 150.0);
+        m_canvas.text(m_layout.right, 6.0,
+                      clockText(std::fmod(reader.getClockTime(m_start), 86400.0)) + ", " +
+                          clockText(m_start) + " into the recording, " +
+                          generalText(m_duration, 6) + " s shown",
+                      3.0, Align::right, words);
+        const double speed = m_layout.traceWidth() / m_duration;
+        m_canvas.text(2.0, 11.0,
+                      shortestText(m_content.sensitivity) + " uV/mm, negative up   " +
+                          generalText(speed, 3) + " mm/s   " + filterWords(),
+                      3.0, Align::left, words);
+        const bool meanTaken = m_content.signals->lowFilter <= 0;
+        std::string remarks = meanTaken ? "each trace's mean is taken off" : "";
+        const auto& rows = m_content.rows->rows();
+        if (std::any_of(rows.begin(), rows.end(), [](const Row& r) { return !r.microvolts; }))
+            remarks +=
+                std::string(remarks.empty() ? "" : "; ") + "other units: own scale, positive up";
+        m_canvas.text(2.0, m_layout.height - 2.5, remarks, 2.5, Align::left, faint);
+    }
+
+    Canvas& m_canvas;
+    const PageLayout& m_layout;
+    const PageContent& m_content;
+    double m_rate;
+    double m_start;
+    double m_duration;
+    TimeGrid m_grid;
+};
+
+} // namespace
+
+bool hasOwnScale(const Row& row) {
+    return !row.microvolts || startsWithNoCase(row.name, "ECG") ||
+           startsWithNoCase(row.name, "EKG");
+}
+
+void drawPage(Canvas& canvas, const PageLayout& layout, const PageContent& content) {
+    PagePainter(canvas, layout, content).paint();
+}
+
+} // namespace kvsig::tool
