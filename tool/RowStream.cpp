@@ -7,6 +7,9 @@ namespace {
 
 constexpr std::size_t mostValues = std::size_t{1} << 20;
 constexpr std::size_t shortestWindow = 64;
+// The filters' own run-in leaves a trace of what it cut off; so many times its length leaves none.
+constexpr long runInLengths = 4;
+constexpr long longestRunIn = 1L << 20;
 
 std::size_t windowLengthFor(std::size_t rows, long samples) {
     const std::size_t affordable =
@@ -33,7 +36,7 @@ bool RowStream::next() {
         const double gain = m_kernelValues ? 1.0 : row.gain;
         float* out = m_values.data() + i * m_windowLength;
         if (!m_started)
-            row.source->iterSetPosition(m_window.first, gain);
+            runIn(row, gain, out);
         row.source->iterGetData(m_window.length(), out, gain);
         if (!m_kernelValues && row.offset != 0.0)
             std::transform(out, out + m_window.length(), out,
@@ -41,6 +44,18 @@ bool RowStream::next() {
     }
     m_started = true;
     return true;
+}
+
+void RowStream::runIn(const Row& row, double gain, float* work) {
+    const bool filtered = row.source->useFilter();
+    const long wanted = filtered ? runInLengths * row.source->filters()->nPrePts() : 0;
+    long position = std::max(m_range.first - std::min(wanted, longestRunIn), 0L);
+    row.source->iterSetPosition(position, gain);
+    while (position < m_range.first) {
+        const long count = std::min(static_cast<long>(m_windowLength), m_range.first - position);
+        row.source->iterGetData(count, work, gain);
+        position += count;
+    }
 }
 
 } // namespace kvsig::tool

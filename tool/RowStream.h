@@ -7,8 +7,8 @@
 namespace kvsig::tool {
 
 /// Delivers the values of rows window by window, in order, with the filters' state carried on from
-/// one window to the next, so that the result does not depend on where windows end. Holds at most
-/// about four MiB of samples.
+/// one window to the next, so that the result does not depend on where windows end. The filters run
+/// in on the samples before the range. Holds at most about four MiB of samples.
 class RowStream {
   public:
     RowStream(const std::vector<Row>& rows, SampleRange range);
@@ -27,6 +27,8 @@ class RowStream {
     void setKernelValues(bool kernelValues) { m_kernelValues = kernelValues; }
 
   private:
+    void runIn(const Row& row, double gain, float* work);
+
     const std::vector<Row>* m_rows;
     SampleRange m_range;
     SampleRange m_window;
