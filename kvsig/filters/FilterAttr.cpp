@@ -1,6 +1,5 @@
 #include "kvsig/filters/FilterAttr.h"
 
-#include "kvsig/filters/DisplayText.h"
 #include "kvsig/util/NumberText.h"
 #include "kvsig/util/Text.h"
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kvsig/filters/DisplayText.h"
 #include "kvsig/util/Export.h"
 
 namespace kvsig {

@@ -1,0 +1,100 @@
+#include "kvsig/filters/Convolve.h"
+
+#include <climits>
+#include <gtest/gtest.h>
+#include <memory>
+#include <random>
+#include <vector>
+
+namespace kvsig {
+namespace {
+
+struct Result {
+    std::unique_ptr<float[]> values;
+    int count = -1;
+    std::vector<float> list() const { return {values.get(), values.get() + count}; }
+};
+
+Result run(std::vector<float> x, std::vector<float> h, int nh, int step, int sign, int symmetric) {
+    Result result;
+    result.values.reset(convolve(x.data(), static_cast<int>(x.size()), h.data(), nh, step, sign,
+                                 symmetric, &result.count));
+    return result;
+}
+
+using Values = std::vector<float>;
+
+TEST(Convolve, WeightsEveryPosition) {
+    EXPECT_EQ(run({1, 2, 3, 4, 5}, {1, 10, 100}, 3, 1, +1, 0).list(), (Values{321, 432, 543}));
+    EXPECT_EQ(run({1, 2, 3, 4, 5, 6}, {1, 10}, 2, 2, -1, 0).list(), (Values{21, 43, 65}))
+        << "the sign is for symmetric weights";
+    EXPECT_EQ(run({1, 2, 3, 4, 5, 6, 7}, {1, 10}, 2, 3, +1, 0).list(), (Values{21, 54}));
+}
+
+TEST(Convolve, FoldsSymmetricWeights) {
+    const Values x{1, 2, 4, 8, 16, 32};
+    EXPECT_EQ(run(x, {1, 10, 100}, 5, 1, +1, 1).list(), (Values{17 + 100 + 400, 34 + 200 + 800}));
+    EXPECT_EQ(run(x, {1, 10}, 4, 1, +1, 1).list(), (Values{9 + 60, 18 + 120, 36 + 240}));
+    EXPECT_EQ(run(x, {1, 10, 100}, 5, 1, -1, 1).list(), (Values{-15 - 60, -30 - 120}))
+        << "no centre weight in an antisymmetric filter";
+    EXPECT_EQ(run(x, {1, 10}, 4, 2, -1, 1).list(), (Values{-7 - 20, -28 - 80}));
+    EXPECT_EQ(run(x, {1, 10, 100}, 5, 1, 0, 1).list(), run(x, {1, 10, 100}, 5, 1, +1, 1).list());
+}
+
+TEST(Convolve, SumsInSinglePrecisionInTheGivenOrder) {
+    const float big = 16777216.0F; // 2^24: adding 1 is lost
+    EXPECT_EQ(run({big, 1, 1, -big}, {1, 1, 1, 1}, 4, 1, +1, 0).list(), (Values{0}));
+    EXPECT_EQ(run({big, -big, 1, 1}, {1, 1, 1, 1}, 4, 1, +1, 0).list(), (Values{2}));
+    EXPECT_EQ(run({0.25, big, 0.25, 0, 0.25}, {1, 1, 1}, 5, 1, +1, 1).list(), (Values{big}));
+}
+
+TEST(Convolve, IsTheSameForLongAndShortRuns) {
+    std::mt19937 random(7);
+    std::uniform_real_distribution<float> value(-100.0F, 100.0F);
+    Values x(301);
+    Values h(9);
+    for (float& sample : x)
+        sample = value(random);
+    for (float& weight : h)
+        weight = value(random);
+    for (const int step : {1, 2, 7}) {
+        const Values whole = run(x, h, 9, step, +1, 0).list();
+        ASSERT_EQ(whole.size(), static_cast<std::size_t>((301 - 9) / step + 1));
+        for (std::size_t k = 0; k < whole.size(); ++k) {
+            const auto from = x.begin() + static_cast<std::ptrdiff_t>(k) * step;
+            ASSERT_EQ(whole[k], run(Values(from, from + 9), h, 9, 1, +1, 0).list().at(0));
+        }
+    }
+}
+
+TEST(Convolve, HasRoomForEveryStepAndClearsTheRest) {
+    const Result result = run({1, 1, 1, 1, 1, 1, 1}, {1, 1, 1}, 3, 2, +1, 0);
+    EXPECT_EQ(result.list(), (Values{3, 3, 3}));
+    EXPECT_EQ(result.values[3], 0.0F) << "7 / 2 + 1 values";
+
+    // A step beyond the missing samples must not make an output out of them.
+    const Result tooShort = run({1, 1}, {1, 1, 1}, 3, 5, +1, 0);
+    EXPECT_EQ(tooShort.count, 0);
+    ASSERT_NE(tooShort.values, nullptr);
+    EXPECT_EQ(tooShort.values[0], 0.0F);
+}
+
+TEST(Convolve, RefusesWhatCannotBeComputed) {
+    float x[2] = {1, 2};
+    float h[1] = {1};
+    int count = 9;
+    EXPECT_EQ(convolve(nullptr, 2, h, 1, 1, 1, 0, &count), nullptr);
+    EXPECT_EQ(count, 0);
+    EXPECT_EQ(convolve(x, 2, nullptr, 1, 1, 1, 0, &count), nullptr);
+    EXPECT_EQ(convolve(x, 2, h, -1, 1, 1, 0, &count), nullptr);
+    for (const int step : {0, -1, INT_MIN})
+        EXPECT_EQ(convolve(x, 2, h, 1, step, 1, 0, &count), nullptr);
+    const std::unique_ptr<float[]> negative(convolve(x, INT_MIN, h, INT_MAX, 1, 1, 0, &count));
+    EXPECT_NE(negative, nullptr);
+    EXPECT_EQ(count, 0);
+    const std::unique_ptr<float[]> uncounted(convolve(x, 2, h, 1, INT_MAX, 1, 0, nullptr));
+    EXPECT_EQ(uncounted[0], 1.0F);
+}
+
+} // namespace
+} // namespace kvsig

@@ -1,0 +1,195 @@
+#include "kvsig/filters/FIRLowPass.h"
+#include "kvsig/filters/KaiserLowPass.h"
+#include "tests/support/Sine.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+#include <numbers>
+#include <numeric>
+#include <utility>
+#include <vector>
+
+namespace kvsig {
+namespace {
+
+constexpr double pi = std::numbers::pi;
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+// The mean of exp(x cos(angle)) over the circle is the Bessel function I0(x); sampling it at equal
+// steps is exact to the last digits for the arguments used here.
+double besselI0(double x) {
+    double sum = 0.0;
+    for (int i = 0; i < 256; ++i)
+        sum += std::exp(x * std::cos(2.0 * pi * i / 256));
+    return sum / 256;
+}
+
+void expectKaiserSinc(const std::vector<float>& weights, int taps, double cutoff, double beta) {
+    const int middle = taps / 2;
+    for (int i = 1; i <= middle; ++i) {
+        const double x = i - (taps % 2 == 0 ? 0.5 : 0.0);
+        const double r = 2.0 * x / taps;
+        const double expected = std::sin(2.0 * pi * cutoff * x) / (pi * x) *
+                                besselI0(beta * std::sqrt(1.0 - r * r)) / besselI0(beta);
+        EXPECT_NEAR(static_cast<double>(weights.at(static_cast<std::size_t>(middle - i))), expected,
+                    1e-7)
+            << "tap " << i << " from the centre";
+    }
+}
+
+TEST(FIRFilter, TakesItsLengthFromWidthAndAttenuation) {
+    FIRLowPass filter;
+    EXPECT_EQ(filter.isDesigned(), 0);
+    EXPECT_EQ(filter.type(), Filter::lowPass);
+    EXPECT_EQ(filter.design(0.1, 0.05, 40.0), 1);
+    EXPECT_EQ(filter.isDesigned(), 1);
+    EXPECT_EQ(filter.nNumerWeights(), 45) << "32 / 0.71785 = 44.6, cut, made odd";
+    EXPECT_EQ(filter.nPrePts(), 24);
+    EXPECT_EQ(filter.nPstPts(), 24);
+    EXPECT_EQ(filter.nDenomWeights(), 0);
+    EXPECT_EQ(filter.getDenomWeight(0), 0.0);
+    EXPECT_EQ(filter.freqCutoff(), 0.1);
+    EXPECT_EQ(filter.freqTransition(), 0.05);
+    EXPECT_EQ(filter.attenuation(), 40.0);
+
+    EXPECT_EQ(filter.design(0.2, 0.1, 8.0), 1);
+    EXPECT_EQ(filter.nNumerWeights(), 1);
+    EXPECT_FLOAT_EQ(static_cast<float>(filter.getNumerWeight(0)), 0.4F);
+    EXPECT_EQ(filter.design(0.2, 0.1, 7.0), 1) << "a fraction below 0 is cut to 0";
+    EXPECT_EQ(filter.nNumerWeights(), 1);
+}
+
+TEST(FIRFilter, MirrorsItsWeightsAboutTheCentre) {
+    FIRLowPass filter;
+    filter.design(0.1, 0.05, 40.0);
+    EXPECT_FLOAT_EQ(static_cast<float>(filter.getNumerWeight(22)), 0.2F);
+    for (int i = 0; i < 22; ++i)
+        EXPECT_EQ(filter.getNumerWeight(i), filter.getNumerWeight(44 - i));
+    EXPECT_EQ(filter.getNumerWeight(-1), 0.0);
+    EXPECT_EQ(filter.getNumerWeight(45), 0.0);
+    double sum = 0.0;
+    for (int i = 0; i < 45; ++i)
+        sum += filter.getNumerWeight(i);
+    EXPECT_NEAR(sum, 1.0, 0.01);
+}
+
+TEST(KaiserLowPass, IsAWindowedSinc) {
+    // At 20 dB the window is rectangular, at 40 and 60 dB it has the shapes computed here.
+    const double beta40 = 0.5842 * std::pow(19.0, 0.4) + 0.07886 * 19.0;
+    const double beta60 = 0.1102 * 51.3;
+    expectKaiserSinc(kaiserLowPass(45, 0.1, 40.0), 45, 0.1, beta40);
+    expectKaiserSinc(kaiserLowPass(45, 0.1, -60.0), 45, 0.1, beta60);
+    expectKaiserSinc(kaiserLowPass(31, 0.23, 20.0), 31, 0.23, 0.0);
+    expectKaiserSinc(kaiserLowPass(12, 0.23, 40.0), 12, 0.23, beta40);
+    EXPECT_EQ(kaiserLowPass(12, 0.23, 40.0).size(), 7u);
+    EXPECT_EQ(kaiserLowPass(12, 0.23, 40.0).back(), 0.0F);
+}
+
+TEST(FIRFilter, PassesAndStopsAsDesigned) {
+    constexpr std::size_t size = 4000;
+    constexpr std::size_t period = 3000;
+    for (const double attenuation : {40.0, 70.0}) {
+        const double ripple = std::pow(10.0, -attenuation / 20.0);
+        FIRLowPass filter;
+        filter.design(0.1, 0.05, attenuation);
+        for (const auto& [frequency, gain] :
+             {std::pair{0.02, 1.0}, {0.07, 1.0}, {0.1, 0.5}, {0.13, 0.0}, {0.2, 0.0}, {0.4, 0.0}}) {
+            std::vector<float> samples = sine(frequency, size);
+            ASSERT_EQ(filter.apply(samples.data(), static_cast<int>(size)), 1);
+            EXPECT_NEAR(amplitudeAt(frequency, samples, 500, period), gain,
+                        gain == 0.5 ? 0.01 : 1.1 * ripple)
+                << frequency << " at " << attenuation << " dB";
+        }
+    }
+}
+
+TEST(FIRFilter, IsCentredAndClearsItsMargins) {
+    FIRLowPass filter;
+    filter.design(0.1, 0.05, 40.0);
+    std::vector<float> impulse(101, 0.0F);
+    impulse[0] = 100.0F; // reaches only margins and the first output
+    impulse[60] = 1.0F;
+    EXPECT_EQ(filter.apply(impulse.data(), 101), 1);
+    for (std::size_t i = 0; i < 22; ++i) {
+        EXPECT_EQ(impulse[i], 0.0F);
+        EXPECT_EQ(impulse[100 - i], 0.0F);
+    }
+    EXPECT_FLOAT_EQ(impulse[22], static_cast<float>(100.0 * filter.getNumerWeight(0)));
+    for (int i = -18; i <= 18; ++i)
+        EXPECT_EQ(static_cast<double>(impulse[static_cast<std::size_t>(60 + i)]),
+                  filter.getNumerWeight(22 + i));
+}
+
+TEST(FIRFilter, LeavesBlocksAloneThatItCannotFilter) {
+    FIRLowPass filter;
+    std::vector<float> samples = sine(0.3, 45);
+    const std::vector<float> before = samples;
+    EXPECT_EQ(filter.apply(samples.data(), 45), 0) << "undesigned";
+    filter.design(0.1, 0.05, 40.0);
+    EXPECT_EQ(filter.apply(nullptr, 45), 0);
+    for (const int count : {44, 1, 0, -1, std::numeric_limits<int>::min()})
+        EXPECT_EQ(filter.apply(samples.data(), count), 0) << count;
+    EXPECT_EQ(samples, before);
+    EXPECT_EQ(filter.apply(samples.data(), 45), 1);
+    EXPECT_NE(samples[22], before[22]);
+}
+
+TEST(FIRFilter, DoesNotStream) {
+    FIRLowPass filter;
+    filter.design(0.2, 0.2, 21.0);
+    std::vector<float> samples = sine(0.3, 45);
+    const std::vector<float> before = samples;
+    filter.iterSetPosition(7, samples.data(), 45);
+    EXPECT_EQ(filter.iterGetPosition(), -1);
+    EXPECT_EQ(filter.iterApply(samples.data(), 45), 0);
+    EXPECT_EQ(samples, before);
+}
+
+TEST(FIRFilter, RefusesAbsurdDesigns) {
+    const double nan = std::nan("");
+    const double bad[][2] = {{0.0, 40.0},   {-0.05, 40.0},  {nan, 40.0}, {0.05, nan},
+                             {1e-9, 40.0},  {0.05, -40.0},  {0.0, 8.0},  {0.05, infinity},
+                             {0.05, 1e300}, {1e300, 1e300}, {1e4, 1e5}};
+    for (const auto& [width, attenuation] : bad) {
+        FIRLowPass filter;
+        filter.design(0.1, 0.05, 40.0);
+        EXPECT_EQ(filter.design(0.1, width, attenuation), 0) << width << ' ' << attenuation;
+        EXPECT_EQ(filter.isDesigned(), 0);
+        EXPECT_EQ(filter.nNumerWeights(), 0);
+        EXPECT_EQ(filter.getNumerWeight(0), 0.0);
+        float sample = 1.0F;
+        EXPECT_EQ(filter.apply(&sample, 1), 0);
+    }
+}
+
+TEST(FIRFilter, GivesOtherTypesTapsWithoutWeights) {
+    FIRFilter filter(Filter::highPass);
+    EXPECT_EQ(filter.design(0.1, 0.05, 40.0), 0);
+    EXPECT_EQ(filter.nNumerWeights(), 45);
+    EXPECT_EQ(filter.getNumerWeight(22), 0.0);
+    EXPECT_EQ(filter.isDesigned(), 1);
+}
+
+TEST(FIRFilter, CopiesItsWeights) {
+    FIRLowPass filter;
+    filter.design(0.1, 0.05, 40.0);
+    const double centre = filter.getNumerWeight(22);
+    const FIRLowPass copy = filter;
+    FIRLowPass assigned;
+    assigned.design(0.3, 0.2, 60.0);
+    assigned = filter;
+    assigned = *&assigned;
+    EXPECT_TRUE(copy == filter);
+    filter.reset();
+    filter.reset();
+    EXPECT_EQ(filter.isDesigned(), 0);
+    EXPECT_EQ(filter.nPrePts(), 2);
+    EXPECT_EQ(copy.getNumerWeight(22), centre);
+    EXPECT_EQ(assigned.getNumerWeight(22), centre);
+    EXPECT_EQ(assigned.nNumerWeights(), 45);
+    EXPECT_EQ(filter.design(0.1, 0.05, 40.0), 1) << "after a reset";
+}
+
+} // namespace
+} // namespace kvsig

@@ -1,0 +1,155 @@
+#include "kvsig/filters/FilterAttr.h"
+
+#include "kvsig/filters/DisplayText.h"
+
+#include <array>
+#include <clocale>
+#include <cmath>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <limits>
+#include <locale>
+#include <string>
+
+namespace kvsig {
+namespace {
+
+using Buffer = std::array<char, filterTextSize>;
+
+std::string cutFreqText(const FilterAttr& attr) { return attr.getCutFreqAsText(Buffer{}.data()); }
+
+std::string timeConstantText(const FilterAttr& attr) {
+    return attr.getTimeConstantAsText(Buffer{}.data());
+}
+
+// Reads by value: a packed field does not bind to a reference.
+double cutoffOf(FilterAttr attr) { return attr.cutoff; }
+bool isOn(FilterAttr attr) { return attr.use; }
+
+// The decimal mark is a comma while this lives, in streams and, where installed, in C.
+class CommaDecimals {
+  public:
+    CommaDecimals()
+        : m_streams(std::locale::global(std::locale(std::locale::classic(), new Comma))),
+          m_numeric(std::setlocale(LC_NUMERIC, nullptr)) {
+        for (const char* name : {"de_DE.UTF-8", "de_DE", "fr_FR.UTF-8"})
+            if (std::setlocale(LC_NUMERIC, name))
+                break;
+    }
+    CommaDecimals(const CommaDecimals&) = delete;
+    CommaDecimals& operator=(const CommaDecimals&) = delete;
+    ~CommaDecimals() {
+        std::locale::global(m_streams);
+        std::setlocale(LC_NUMERIC, m_numeric.c_str());
+    }
+
+  private:
+    struct Comma : std::numpunct<char> {
+        char do_decimal_point() const override { return ','; }
+    };
+    std::locale m_streams;
+    std::string m_numeric;
+};
+
+TEST(FilterAttr, IsARecordWithoutGaps) {
+    FilterAttr attr;
+    EXPECT_EQ(attr, (FilterAttr{false, 0.0, 0.0, 0.0}));
+    attr = FilterAttr{true, 30.0, 5.0, 40.0};
+    std::array<char, sizeof(FilterAttr)> bytes{};
+    std::memcpy(bytes.data(), &attr, bytes.size());
+    EXPECT_EQ(bytes[0], 1);
+    std::array<double, 3> fields{};
+    std::memcpy(fields.data(), bytes.data() + 1, sizeof fields);
+    EXPECT_EQ(fields, (std::array<double, 3>{30.0, 5.0, 40.0}));
+}
+
+TEST(FilterAttr, EqualityComparesEveryField) {
+    const FilterAttr attr{true, 30.0, 5.0, 40.0};
+    EXPECT_EQ(attr, (FilterAttr{true, 30.0, 5.0, 40.0}));
+    EXPECT_FALSE(attr == (FilterAttr{false, 30.0, 5.0, 40.0}));
+    EXPECT_FALSE(attr == (FilterAttr{true, 31.0, 5.0, 40.0}));
+    EXPECT_FALSE(attr == (FilterAttr{true, 30.0, 6.0, 40.0}));
+    EXPECT_FALSE(attr == (FilterAttr{true, 30.0, 5.0, 41.0}));
+    FilterAttr unset = attr;
+    unset.second = std::nan("");
+    const FilterAttr copy = unset;
+    EXPECT_FALSE(copy == unset);
+}
+
+TEST(FilterAttr, OffKeepsTheCutoff) {
+    FilterAttr attr{true, 30.0, 5.0, 40.0};
+    attr.setCutFreqAsText("(OFF)");
+    EXPECT_EQ(attr, (FilterAttr{false, 30.0, 5.0, 40.0}));
+    EXPECT_EQ(cutFreqText(attr), "(off)");
+    EXPECT_EQ(timeConstantText(attr), "(off)");
+    attr.use = true;
+    attr.setTimeConstantAsText("(Off)");
+    EXPECT_EQ(attr, (FilterAttr{false, 30.0, 5.0, 40.0}));
+    attr.setCutFreqAsText("70 Hz");
+    EXPECT_EQ(attr, (FilterAttr{true, 70.0, 5.0, 40.0}));
+    EXPECT_EQ(cutFreqText(attr), "70 Hz");
+}
+
+TEST(FilterAttr, ReadsTheLeadingNumber) {
+    for (const char* noNumber : {"", "off", "(off) ", " (off)", "(of", "Hz"}) {
+        FilterAttr attr{false, 30.0};
+        attr.setCutFreqAsText(noNumber);
+        EXPECT_EQ(attr, (FilterAttr{true, 0.0})) << noNumber;
+    }
+    FilterAttr attr{false, 30.0};
+    attr.setCutFreqAsText(nullptr);
+    EXPECT_EQ(attr, (FilterAttr{true, 0.0}));
+    attr.setCutFreqAsText("  -1.5e1 Hz");
+    EXPECT_EQ(cutoffOf(attr), -15.0);
+}
+
+TEST(FilterAttr, TimeConstantsAreTheOtherSideOfTheCutoff) {
+    FilterAttr attr;
+    attr.setTimeConstantAsText("0.3");
+    EXPECT_TRUE(isOn(attr));
+    EXPECT_DOUBLE_EQ(cutoffOf(attr), 1.6 / 3.0);
+    EXPECT_EQ(timeConstantText(attr), "0.3 sec");
+    EXPECT_EQ(cutFreqText(attr), "0.533 Hz");
+    attr.cutoff = 1.6;
+    EXPECT_EQ(timeConstantText(attr), "0.1 sec");
+    for (const char* nothing : {"", "0", "sec"}) {
+        attr.setTimeConstantAsText(nothing);
+        EXPECT_EQ(cutoffOf(attr), std::numeric_limits<double>::infinity());
+    }
+    attr.setTimeConstantAsText(nullptr);
+    EXPECT_TRUE(isOn(attr));
+    EXPECT_EQ(timeConstantText(FilterAttr{true, 0.0}), "inf sec");
+}
+
+TEST(FilterAttr, IgnoresTheLocale) {
+    const CommaDecimals commas;
+    FilterAttr attr;
+    attr.setCutFreqAsText("0.5 Hz");
+    EXPECT_EQ(cutoffOf(attr), 0.5);
+    EXPECT_EQ(cutFreqText(attr), "0.5 Hz");
+    attr.setTimeConstantAsText("0.1");
+    EXPECT_DOUBLE_EQ(cutoffOf(attr), 1.6);
+    EXPECT_EQ(timeConstantText(attr), "0.1 sec");
+    attr.setCutFreqAsText("1,5 Hz");
+    EXPECT_EQ(cutoffOf(attr), 1.0) << "a comma ends the number";
+}
+
+TEST(DisplayText, ShowsValuesWithTheirUnits) {
+    Buffer buffer{};
+    char* const buf = buffer.data();
+    EXPECT_EQ(FreqAsText(buf, 70.0), buf);
+    EXPECT_STREQ(buf, "70 Hz");
+    EXPECT_STREQ(FreqAsText(buf, static_cast<double>(0.053333335F)), "0.0533 Hz");
+    EXPECT_STREQ(FreqAsText(buf, 1000.0), "1e+03 Hz");
+    EXPECT_STREQ(TimeConstantAsText(buf, 0.1), "0.1 sec");
+    EXPECT_STREQ(TimeConstantAsText(buf, 0.125), "0.12 sec");
+    EXPECT_STREQ(UvPerMMAsText(buf, 7.0), "7 uV");
+    EXPECT_STREQ(UvPerMMAsText(buf, 1234.6), "1235 uV");
+    EXPECT_STREQ(UvPerMMAsText(buf, -1.2345e-300), "-1.234e-300 uV") << "the longest text";
+    for (char* (*const write)(char*, double) : {FreqAsText, TimeConstantAsText, UvPerMMAsText})
+        EXPECT_EQ(write(nullptr, 1.0), nullptr);
+    EXPECT_EQ(FilterAttr{}.getCutFreqAsText(nullptr), nullptr);
+}
+
+} // namespace
+} // namespace kvsig
