@@ -73,16 +73,14 @@ DataPage* PageCache::pageAt(long index, PageSource& source) {
     }
 
     const bool roomLeft = std::cmp_less(m_pages.size(), maxPages);
-    Page page;
-    if (m_pages.empty() || roomLeft)
-        page = std::make_unique<DataPage>();
-    else if (index > m_pages.back()->end)
-        page = recycledFrom(true);
-    else if (index < m_pages.front()->start)
-        page = recycledFrom(false);
-    else // A gap between cached pages is filled regardless of the limit.
-        page = std::make_unique<DataPage>();
-    return readInto(std::move(page), index, source);
+    if (!m_pages.empty() && !roomLeft) {
+        if (index > m_pages.back()->end)
+            return readInto(takeFront(), index, source);
+        if (index < m_pages.front()->start)
+            return readInto(takeBack(), index, source);
+    }
+    // A gap between cached pages is filled regardless of the limit.
+    return readInto(std::make_unique<DataPage>(), index, source);
 }
 
 DataPage* PageCache::readInto(Page page, long index, PageSource& source) {
@@ -94,12 +92,15 @@ DataPage* PageCache::readInto(Page page, long index, PageSource& source) {
     return m_pages.insert(place, std::move(page))->get();
 }
 
-PageCache::Page PageCache::recycledFrom(bool front) {
-    Page page = std::move(front ? m_pages.front() : m_pages.back());
-    if (front)
-        m_pages.pop_front();
-    else
-        m_pages.pop_back();
+PageCache::Page PageCache::takeFront() {
+    Page page = std::move(m_pages.front());
+    m_pages.pop_front();
+    return page;
+}
+
+PageCache::Page PageCache::takeBack() {
+    Page page = std::move(m_pages.back());
+    m_pages.pop_back();
     return page;
 }
 

@@ -57,7 +57,8 @@ class KVSIG_API PageCache {
     using Page = std::unique_ptr<DataPage>;
 
     DataPage* readInto(Page page, long index, PageSource& source);
-    Page recycledFrom(bool front);
+    Page takeFront();
+    Page takeBack();
 
     std::deque<Page> m_pages;
     FrameLayout m_layout;

@@ -29,12 +29,6 @@ std::string fieldText(const std::string& name, std::int64_t offset, const std::s
     return name + " (offset " + std::to_string(offset) + ") is " + quoted(value);
 }
 
-// Getters hand out pointers to these; the kernel copies the texts at once.
-const char* shared(const std::string& text, std::string& buffer) {
-    buffer = text;
-    return buffer.c_str();
-}
-
 // dd.mm.yy as yyyy.mm.dd; what is no date stays as it is.
 std::string fullDate(const std::string& text, int centuryPivot) {
     const DottedTriple date = dottedTriple(text);
@@ -273,11 +267,12 @@ std::string EDF90Reader::channelText(edf::SignalField field, int channel) {
 }
 
 const char* EDF90Reader::_channelName(int channel) {
-    thread_local std::string name;
+    thread_local char name[labelSize];
     if (!isChannel(channel))
         return "";
     const std::string label = channelText(edf::label, channel);
-    return shared(startsWithNoCase(label, "EEG ") ? label.substr(4) : label, name);
+    copyText(name, startsWithNoCase(label, "EEG ") ? label.substr(4) : label);
+    return name;
 }
 
 const char* EDF90Reader::_grid1(int channel) {
@@ -315,8 +310,11 @@ short EDF90Reader::_channelType(int channel) {
 }
 
 const char* EDF90Reader::_channelUnits(int channel) {
-    thread_local std::string units;
-    return isChannel(channel) ? shared(channelText(edf::units, channel), units) : nullptr;
+    thread_local char units[labelSize];
+    if (!isChannel(channel))
+        return nullptr;
+    copyText(units, channelText(edf::units, channel));
+    return units;
 }
 
 // Switch-like channels carry words in place of their limits.

@@ -38,6 +38,9 @@ class KVSIG_API EDF90Reader : public DataReader {
     double storedSamplingRate(int channel) override;
 
   protected:
+    /// Bytes of the thread_local buffers in which texts are handed out; the widest is a label.
+    static constexpr int labelSize = 17;
+
     const char* _grid1(int channel) override;
     const char* _grid2(int channel) override;
     const char* _channelName(int channel) override;

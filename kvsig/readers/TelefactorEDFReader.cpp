@@ -9,10 +9,10 @@ namespace kvsig {
 // The label of the file signal with the channel's own number, on purpose: annotation signals before
 // it are not skipped here.
 const char* TelefactorEDFReader::_channelName(int channel) {
-    thread_local std::string name;
+    thread_local char name[labelSize];
     const std::vector<std::string> words = splitWords(signalLabel(channel), ' ');
-    name = words.empty() ? "" : words.front();
-    return name.c_str();
+    copyText(name, words.empty() ? std::string() : words.front());
+    return name;
 }
 
 } // namespace kvsig

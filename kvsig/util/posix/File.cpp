@@ -47,9 +47,7 @@ bool File::open(const char* path, std::string* reason) {
     // O_NONBLOCK: opening a FIFO must not wait for a writer; it means nothing to regular files.
     const int handle = ::open(path ? path : "", O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     struct stat info {};
-    if (handle < 0)
-        why = errorWords(errno);
-    else if (::fstat(handle, &info) != 0)
+    if (handle < 0 || ::fstat(handle, &info) != 0)
         why = errorWords(errno);
     else if (!S_ISREG(info.st_mode))
         why = whyNotRegular(info.st_mode);
