@@ -67,7 +67,8 @@ DataPage* PageCache::pageAt(long index, PageSource& source) {
         return nullptr;
 
     const auto held = static_cast<std::int64_t>(m_pages.size());
-    if (held > maxPages && (index < m_pages.front()->start || held > std::int64_t{10} * maxPages)) {
+    if (held > std::max<std::int64_t>(maxPages, 0) &&
+        (index < m_pages.front()->start || held > std::int64_t{10} * maxPages)) {
         logMessage(logInfo, "DataReader: Removing all pages");
         m_pages.clear();
     }

@@ -113,10 +113,13 @@ TEST_F(PageCache, TenTimesTheLimitIsTheEnd) {
 }
 
 TEST_F(PageCache, ALimitOfNothingStillReads) {
-    reader.setMaxPages(0);
-    EXPECT_THAT(touch({0}), ElementsAre(0));
-    EXPECT_THAT(touch({0}), IsEmpty());
-    EXPECT_THAT(touch({1}), (removedAllThen(1)));
+    for (short limit : {short{0}, short{-1}, short{-32768}}) {
+        reader.flushPages(false);
+        reader.setMaxPages(limit);
+        EXPECT_THAT(touch({0}), ElementsAre(0)) << limit;
+        EXPECT_THAT(touch({0}), IsEmpty()) << limit;
+        EXPECT_THAT(touch({1}), (removedAllThen(1))) << limit;
+    }
 }
 
 TEST_F(PageCache, PagesAreFetchedChunkByChunk) {
