@@ -16,6 +16,7 @@
 #include <cmath>
 #include <limits>
 #include <string_view>
+#include <utility>
 
 namespace kvsig {
 namespace {
@@ -330,18 +331,19 @@ int DataReader::chunkPts() { return _minReadPts(); }
 // overrides neither, the second default finds the first one at work and there is no data.
 int DataReader::getSampleChunk(long firstSample, short* buffer) {
     const std::int64_t frameBytes = m_state->frameLayout().frameBytes();
-    if (m_state->inChunkDefault || frameBytes <= 0)
+    const bool inRange = firstSample >= 0 && std::in_range<std::int32_t>(firstSample);
+    if (m_state->inChunkDefault || frameBytes <= 0 || !inRange)
         return 0;
     m_state->inChunkDefault = true;
     const int bytes = getChunk(saturate<long>(firstSample * frameBytes), buffer,
-                               saturate<int>(chunkPts() * frameBytes));
+                               saturate<int>(std::max(chunkPts(), 1) * frameBytes));
     m_state->inChunkDefault = false;
     return saturate<int>(bytes / frameBytes);
 }
 
 int DataReader::getChunk(long bytePos, short* buffer, int) {
     const std::int64_t frameBytes = m_state->frameLayout().frameBytes();
-    if (m_state->inChunkDefault || frameBytes <= 0)
+    if (m_state->inChunkDefault || frameBytes <= 0 || bytePos < 0)
         return 0;
     m_state->inChunkDefault = true;
     const int samples = getSampleChunk(saturate<long>(bytePos / frameBytes), buffer);

@@ -77,7 +77,8 @@ INSTANTIATE_TEST_SUITE_P(Flavours, DataAccess,
                                          Flavour{"Frames32", FakeChunks::bySample, 4, 7.9},
                                          Flavour{"Bytes16", FakeChunks::byByte, 2, 16.0},
                                          Flavour{"Bytes32", FakeChunks::byByte, 4, 3.0},
-                                         Flavour{"BelowOneHertz", FakeChunks::bySample, 2, 0.3}),
+                                         Flavour{"Frames16Slow", FakeChunks::bySample, 2, 0.3},
+                                         Flavour{"Bytes16Slow", FakeChunks::byByte, 2, 0.3}),
                          [](const auto& param) { return std::string(param.param.name); });
 
 class DataAccessRules : public testing::Test {
@@ -180,6 +181,18 @@ TEST_F(DataAccessRules, EitherChunkReadServesTheOther) {
     EXPECT_EQ(frames[3], firstOfFrame(31));
     EXPECT_EQ(reader.getSampleChunk(995, frames), 5);
     EXPECT_EQ(reader.getSampleChunk(1000, frames), 0);
+}
+
+TEST_F(DataAccessRules, ChunkPositionsOutsideTheIndexRangeHaveNoData) {
+    constexpr long most = std::numeric_limits<long>::max();
+    short frames[30];
+    reader.takeCalls();
+    EXPECT_EQ(reader.getChunk(-6, frames, 60), 0);
+    EXPECT_EQ(reader.takeCalls("getSampleChunk").size(), 0U);
+    reader.file.chunks = FakeChunks::byByte;
+    for (long first : {-1L, -most - 1, 2147483648L, most})
+        EXPECT_EQ(reader.getSampleChunk(first, frames), 0) << first;
+    EXPECT_EQ(reader.takeCalls("getChunk").size(), 0U) << "no byte position tells it";
 }
 
 TEST_F(DataAccessRules, AReaderWithoutAnyChunkReadHasNoData) {
