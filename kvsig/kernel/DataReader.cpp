@@ -566,21 +566,23 @@ bool DataReader::loadChannelInfo() {
     setDefChannelInfo();
     m_state->map1010 = false;
     for (int i = 0; i < channelCount(); ++i) {
-        ChannelRecord& record = *channelRecord(i);
+        ChannelRecord* record = channelRecord(i);
+        if (!record)
+            break;
         if (m_state->hasChannelMap == 0) {
-            copyText(record.grid1, _grid1(i));
-            copyText(record.grid2, _grid2(i));
-            copyText(record.name, _channelName(i));
+            copyText(record->grid1, _grid1(i));
+            copyText(record->grid2, _grid2(i));
+            copyText(record->name, _channelName(i));
         }
-        record.type = _channelType(i);
-        copyText(record.units, _channelUnits(i));
-        record.physioLow = _physioLow(i);
-        record.physioHigh = _physioHigh(i);
-        record.digitalLow = _digitalLow(i);
-        record.digitalHigh = _digitalHigh(i);
-        record.calibration = _calibration(i);
-        record.dcOffset = _dcOffset(i);
-        if (isOnly1010(record.grid1))
+        record->type = _channelType(i);
+        copyText(record->units, _channelUnits(i));
+        record->physioLow = _physioLow(i);
+        record->physioHigh = _physioHigh(i);
+        record->digitalLow = _digitalLow(i);
+        record->digitalHigh = _digitalHigh(i);
+        record->calibration = _calibration(i);
+        record->dcOffset = _dcOffset(i);
+        if (isOnly1010(record->grid1))
             m_state->map1010 = true;
     }
     m_state->mapReferential = _isMapReferential();
