@@ -373,7 +373,7 @@ int DataReader::forEachRun(int channel, long first, long last, Consume consume) 
             consume(done, count - done, static_cast<const PageRun*>(nullptr));
             break;
         }
-        const std::int64_t length = std::min<std::int64_t>(count - done, page->end - index + 1);
+        const std::int64_t length = std::min(count - done, std::int64_t{page->end} - index + 1);
         const PageRun run{*page, m_state->frameLayout(), channel, index, length};
         consume(done, length, &run);
         done += length;

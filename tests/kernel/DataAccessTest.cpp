@@ -98,6 +98,21 @@ TEST_F(DataAccessRules, SamplesOutsideTheRecordingAreZeros) {
     EXPECT_EQ(dataOf(reader, 0, -most - 1, -most), std::vector<float>(2, 0.0F));
 }
 
+class OverlongReader : public FakeReader {
+  public:
+    long maxDataIndex() override { return 1L << 40; }
+};
+
+// Sample indices have 32 bits: a page past them has no place to start.
+TEST_F(DataAccessRules, SamplesPast32BitIndicesAreZeros) {
+    OverlongReader longReader;
+    longReader.file.raw = [](int, long) { return 9; };
+    longReader.file.stored = 1L << 41;
+    ASSERT_TRUE(longReader.open("a"));
+    EXPECT_EQ(dataOf(longReader, 0, 2147483646, 2147483649), (std::vector<float>{9, 9, 0, 0}));
+    EXPECT_EQ(dataOf(longReader, 0, 1L << 33, (1L << 33) + 1), std::vector<float>(2, 0.0F));
+}
+
 TEST_F(DataAccessRules, EmptyAndImpossibleRangesWriteNothing) {
     constexpr long most = std::numeric_limits<long>::max();
     float value = untouched;
