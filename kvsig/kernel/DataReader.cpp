@@ -63,7 +63,8 @@ struct DataReader::State final : PageSource {
     explicit State(DataReader& owner) : reader(owner) {}
 
     FrameLayout frameLayout() override {
-        return {channelCount, reader.bytesPerSample(), std::max(reader._minReadPts(), 1)};
+        const int bytesPerSample = reader.bytesPerSample() == 2 ? 2 : 4;
+        return {channelCount, bytesPerSample, std::max(reader._minReadPts(), 1)};
     }
     int largestChunk() override { return reader.chunkPts(); }
     long maxDataIndex() override { return reader.maxDataIndex(); }

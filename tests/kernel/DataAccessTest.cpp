@@ -171,6 +171,24 @@ TEST_F(DataAccessRules, SixteenBitExtremesKeepTheirSign) {
     EXPECT_EQ(dataOf(reader, 2, 0, 1), (std::vector<float>{-32768, 32767}));
 }
 
+class OddWidthReader : public FakeReader {
+  public:
+    int bytesPerSample() override { return width; }
+    int width = 4;
+};
+
+TEST_F(DataAccessRules, WhatIsNot16BitIsReadAs32Bit) {
+    OddWidthReader odd;
+    odd.file.sampleBytes = 4;
+    odd.file.raw = [](int, long i) { return static_cast<std::int32_t>(i) - 2000000000; };
+    ASSERT_TRUE(odd.open("a"));
+    for (int width : {4, 3, 1, 0, -4}) {
+        odd.width = width;
+        odd.flushPages(false);
+        EXPECT_EQ(dataOf(odd, 2, 49, 51), expected(odd, 2, 49, 51)) << width;
+    }
+}
+
 TEST_F(DataAccessRules, RawCountsFollowTheSameRules) {
     std::int32_t counts[7];
     ASSERT_EQ(reader.getRawData(2, 995, 1001, counts), 7);
