@@ -2,7 +2,9 @@
 
 #include "kvsig/util/Text.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <limits>
 #include <string>
 
@@ -41,6 +43,15 @@ TEST(ClientEvent, LongTextsAreCutToTheField) {
     const std::string text = stateText(3, label.c_str(), true, std::numeric_limits<double>::max());
     EXPECT_EQ(text.size(), sizeof(ClientEvent::stateText) - 1);
     EXPECT_TRUE(text.starts_with("Sensitivity " + label + " 17976931348623157"));
+}
+
+TEST(ClientEvent, AFullLabelEndsWithItsField) {
+    ClientEvent event;
+    event.kind = 7;
+    std::fill(std::begin(event.label), std::end(event.label), 'x');
+    copyText(event.stateText, "as it was");
+    SetDefStateText(event);
+    EXPECT_EQ(event.stateText, "Reset " + std::string(32, 'x'));
 }
 
 } // namespace

@@ -4,6 +4,8 @@
 #include "support/FakeReader.h"
 
 #include <algorithm>
+#include <cstring>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <iomanip>
 #include <sstream>
@@ -105,6 +107,19 @@ TEST(PatientRec, InfoOfAWholeNameLeavesThePartsEmpty) {
         infoOf(patient),
         std::string("Name: Smith-Jones, Ann Beatrice, of Some Place\nFirst: \nMI: \nLast: \n") +
             linesAfterTheName);
+}
+
+// Records filled by others: texts that leave no room for a terminator end with their field.
+TEST(PatientRec, FullFieldsEndWhereTheyEnd) {
+    PatientRec patient{};
+    std::memset(&patient, 'x', sizeof patient);
+    patient.fullName = 0;
+    EXPECT_EQ(nameOf(patient), std::string(32, 'x') + ", " + std::string(32, 'x'));
+    const std::string text = infoOf(patient);
+    EXPECT_THAT(text, testing::HasSubstr("\nSex: xxxxxxxx\nHand: xxxxxxxx\n"));
+    EXPECT_TRUE(text.ends_with("\nComments2: " + std::string(200, 'x') + "\n")) << text;
+    patient.fullName = 1;
+    EXPECT_EQ(nameOf(patient), std::string(66, 'x'));
 }
 
 TEST(PatientRec, InfoOfAnEmptyRecordHasTheLabelsAlone) {
