@@ -51,6 +51,9 @@ TEST(TimeBase, AGapOfManyDaysIsTakenInOneStep) {
     addTo(base, 2, 1e22);
     EXPECT_GE(addTo(base, 3, 0.0), 1e22) << "a day is below the resolution here";
     EXPECT_LT(base.anchors()[3].time, 1.001e22);
+    constexpr double most = std::numeric_limits<double>::max();
+    addTo(base, 4, most);
+    EXPECT_EQ(addTo(base, 5, -most), most) << "a gap of more than a double holds";
 }
 
 // 100 Hz; 0-10 s from 8:00:00, a pause of a minute, then 10-20 s from 8:01:10.
@@ -104,6 +107,14 @@ TEST(TimeBase, TimesBeforeALateFirstAnchorCountBackFromIt) {
     addTo(base, 512, 100.0);
     EXPECT_EQ(base.clockTime(0.0, 256.0), 98.0);
     EXPECT_EQ(base.elapsedTime(98.0, 256.0), 0.0);
+}
+
+// A clock that was set back by the length of the pause: of two segments the later one holds.
+TEST(TimeBase, OfEqualTimesTheLaterAnchorCounts) {
+    TimeBase base;
+    addTo(base, 0, 100.0);
+    addTo(base, 1000, 100.0);
+    EXPECT_EQ(base.elapsedTime(100.0, 100.0), 10.0);
 }
 
 TEST(TimeBase, AReaderHandsItsAnchorsOut) {
