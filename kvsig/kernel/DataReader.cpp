@@ -76,6 +76,7 @@ struct DataReader::State final : PageSource {
     DataReader& reader;
     std::int32_t lastError = 0;
     std::string errorText;
+    std::string defaultErrorText; ///< what stands in for an empty errorText
     std::vector<OpenFinding> findings;
     char fileName[260] = "";
     std::string path;
@@ -306,9 +307,10 @@ void DataReader::setLastError(int code) {
 }
 
 const char* DataReader::lastErrorText() {
-    if (m_state->lastError != 0 && m_state->errorText.empty())
-        m_state->errorText = filePath() + ": " + defaultErrorWords(m_state->lastError);
-    return m_state->errorText.c_str();
+    if (m_state->lastError == 0 || !m_state->errorText.empty())
+        return m_state->errorText.c_str();
+    m_state->defaultErrorText = filePath() + ": " + defaultErrorWords(m_state->lastError);
+    return m_state->defaultErrorText.c_str();
 }
 
 bool DataReader::refuse(int code, const std::string& what, const std::string& diagnostic) {

@@ -129,6 +129,8 @@ TEST(DataReader, ErrorsComeWithASentence) {
     reader.file.openFails = true;
     reader.open("folder/a.eeg");
     EXPECT_STREQ(reader.lastErrorText(), "folder/a.eeg: the file cannot be opened");
+    reader.setLastError(2);
+    EXPECT_STREQ(reader.lastErrorText(), "folder/a.eeg: no usable channels or samples");
     LogCapture log;
     EXPECT_FALSE(reader.refuse(3, "field X is 7"));
     EXPECT_EQ(reader.getLastError(), 3);
