@@ -26,7 +26,7 @@ const char* settingName(int kind) {
 } // namespace
 
 void SetDefStateText(ClientEvent& event) {
-    const std::string label = event.label;
+    const std::string label(fieldView(event.label));
     if (event.kind == 7) {
         copyText(event.stateText, "Reset " + (label.empty() ? "all" : label));
         return;

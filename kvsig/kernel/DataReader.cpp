@@ -16,6 +16,7 @@
 #include <cmath>
 #include <limits>
 #include <string_view>
+#include <utility>
 
 namespace kvsig {
 namespace {
@@ -62,7 +63,8 @@ struct DataReader::State final : PageSource {
     explicit State(DataReader& owner) : reader(owner) {}
 
     FrameLayout frameLayout() override {
-        return {channelCount, reader.bytesPerSample(), std::max(reader._minReadPts(), 1)};
+        const int bytesPerSample = reader.bytesPerSample() == 2 ? 2 : 4;
+        return {channelCount, bytesPerSample, std::max(reader._minReadPts(), 1)};
     }
     int largestChunk() override { return reader.chunkPts(); }
     long maxDataIndex() override { return reader.maxDataIndex(); }
@@ -74,6 +76,7 @@ struct DataReader::State final : PageSource {
     DataReader& reader;
     std::int32_t lastError = 0;
     std::string errorText;
+    std::string defaultErrorText; ///< what stands in for an empty errorText
     std::vector<OpenFinding> findings;
     char fileName[260] = "";
     std::string path;
@@ -304,9 +307,10 @@ void DataReader::setLastError(int code) {
 }
 
 const char* DataReader::lastErrorText() {
-    if (m_state->lastError != 0 && m_state->errorText.empty())
-        m_state->errorText = filePath() + ": " + defaultErrorWords(m_state->lastError);
-    return m_state->errorText.c_str();
+    if (m_state->lastError == 0 || !m_state->errorText.empty())
+        return m_state->errorText.c_str();
+    m_state->defaultErrorText = filePath() + ": " + defaultErrorWords(m_state->lastError);
+    return m_state->defaultErrorText.c_str();
 }
 
 bool DataReader::refuse(int code, const std::string& what, const std::string& diagnostic) {
@@ -330,18 +334,19 @@ int DataReader::chunkPts() { return _minReadPts(); }
 // overrides neither, the second default finds the first one at work and there is no data.
 int DataReader::getSampleChunk(long firstSample, short* buffer) {
     const std::int64_t frameBytes = m_state->frameLayout().frameBytes();
-    if (m_state->inChunkDefault || frameBytes <= 0)
+    const bool inRange = firstSample >= 0 && std::in_range<std::int32_t>(firstSample);
+    if (m_state->inChunkDefault || frameBytes <= 0 || !inRange)
         return 0;
     m_state->inChunkDefault = true;
     const int bytes = getChunk(saturate<long>(firstSample * frameBytes), buffer,
-                               saturate<int>(chunkPts() * frameBytes));
+                               saturate<int>(std::max(chunkPts(), 1) * frameBytes));
     m_state->inChunkDefault = false;
     return saturate<int>(bytes / frameBytes);
 }
 
 int DataReader::getChunk(long bytePos, short* buffer, int) {
     const std::int64_t frameBytes = m_state->frameLayout().frameBytes();
-    if (m_state->inChunkDefault || frameBytes <= 0)
+    if (m_state->inChunkDefault || frameBytes <= 0 || bytePos < 0)
         return 0;
     m_state->inChunkDefault = true;
     const int samples = getSampleChunk(saturate<long>(bytePos / frameBytes), buffer);
@@ -371,7 +376,7 @@ int DataReader::forEachRun(int channel, long first, long last, Consume consume) 
             consume(done, count - done, static_cast<const PageRun*>(nullptr));
             break;
         }
-        const std::int64_t length = std::min<std::int64_t>(count - done, page->end - index + 1);
+        const std::int64_t length = std::min(count - done, std::int64_t{page->end} - index + 1);
         const PageRun run{*page, m_state->frameLayout(), channel, index, length};
         consume(done, length, &run);
         done += length;
@@ -564,21 +569,23 @@ bool DataReader::loadChannelInfo() {
     setDefChannelInfo();
     m_state->map1010 = false;
     for (int i = 0; i < channelCount(); ++i) {
-        ChannelRecord& record = *channelRecord(i);
+        ChannelRecord* record = channelRecord(i);
+        if (!record)
+            break;
         if (m_state->hasChannelMap == 0) {
-            copyText(record.grid1, _grid1(i));
-            copyText(record.grid2, _grid2(i));
-            copyText(record.name, _channelName(i));
+            copyText(record->grid1, _grid1(i));
+            copyText(record->grid2, _grid2(i));
+            copyText(record->name, _channelName(i));
         }
-        record.type = _channelType(i);
-        copyText(record.units, _channelUnits(i));
-        record.physioLow = _physioLow(i);
-        record.physioHigh = _physioHigh(i);
-        record.digitalLow = _digitalLow(i);
-        record.digitalHigh = _digitalHigh(i);
-        record.calibration = _calibration(i);
-        record.dcOffset = _dcOffset(i);
-        if (isOnly1010(record.grid1))
+        record->type = _channelType(i);
+        copyText(record->units, _channelUnits(i));
+        record->physioLow = _physioLow(i);
+        record->physioHigh = _physioHigh(i);
+        record->digitalLow = _digitalLow(i);
+        record->digitalHigh = _digitalHigh(i);
+        record->calibration = _calibration(i);
+        record->dcOffset = _dcOffset(i);
+        if (isOnly1010(record->grid1))
             m_state->map1010 = true;
     }
     m_state->mapReferential = _isMapReferential();

@@ -18,13 +18,13 @@ struct ChunkRead {
 };
 
 // Chunks are asked for until one brings nothing. What a short chunk leaves open reads as zeros.
-ChunkRead readChunks(std::byte* buffer, long position, std::int64_t chunks, PageSource& source,
-                     const FrameLayout& layout) {
+ChunkRead readChunks(std::byte* buffer, std::int64_t position, std::int64_t chunks,
+                     PageSource& source, const FrameLayout& layout) {
     ChunkRead read;
     const std::int64_t chunkBytes = layout.chunkPoints * layout.frameBytes();
     for (std::int64_t i = 0; i < chunks; ++i) {
-        const int count =
-            source.readChunk(position, static_cast<short*>(static_cast<void*>(buffer)));
+        const int count = source.readChunk(saturate<long>(position),
+                                           static_cast<short*>(static_cast<void*>(buffer)));
         if (count <= 0)
             break;
         // A reader may hand out more than a chunk; only the chunk's own part is counted.
@@ -63,11 +63,12 @@ DataPage* PageCache::pageAt(long index, PageSource& source) {
     for (const Page& page : m_pages)
         if (page->start <= index && index <= page->end)
             return page.get();
-    if (index < 0 || index > source.maxDataIndex())
+    if (index < 0 || index > saturate<std::int32_t>(source.maxDataIndex()))
         return nullptr;
 
     const auto held = static_cast<std::int64_t>(m_pages.size());
-    if (held > maxPages && (index < m_pages.front()->start || held > std::int64_t{10} * maxPages)) {
+    if (held > std::max<std::int64_t>(maxPages, 0) &&
+        (index < m_pages.front()->start || held > std::int64_t{10} * maxPages)) {
         logMessage(logInfo, "DataReader: Removing all pages");
         m_pages.clear();
     }
@@ -127,7 +128,7 @@ bool PageCache::readPage(DataPage& page, long index, PageSource& source) {
     page.end = saturate<std::int32_t>(start + points - 1);
     ChunkRead read;
     if (frameBytes > 0) {
-        read = readChunks(page.buffer.data(), static_cast<long>(start), chunks, source, layout);
+        read = readChunks(page.buffer.data(), start, chunks, source, layout);
         if (read.stopped < points)
             std::memset(page.buffer.data() + read.stopped * frameBytes, 0,
                         static_cast<std::size_t>((points - read.stopped) * frameBytes));

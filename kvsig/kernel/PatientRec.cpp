@@ -39,7 +39,7 @@ std::string displayName(const PatientRec& patient) {
         return patient.name();
     if (patient.first[0] == '\0' && patient.last[0] == '\0')
         return {};
-    return std::string(patient.last) + ", " + patient.first;
+    return std::string(fieldView(patient.last)).append(", ").append(fieldView(patient.first));
 }
 
 void writePatientInfo(std::ostream& stream, const PatientRec& patient) {
@@ -50,21 +50,21 @@ void writePatientInfo(std::ostream& stream, const PatientRec& patient) {
     };
     const bool parts = patient.fullName == 0;
     line("Name: ", displayName(patient));
-    line("First: ", parts ? patient.first : "");
-    line("MI: ", parts ? patient.mi : "");
-    line("Last: ", parts ? patient.last : "");
-    line("Sex: ", patient.sex);
-    line("Hand: ", patient.hand);
-    line("BirthDate: ", patient.birthDate);
-    line("ID: ", patient.id);
-    line("TestDate: ", patient.testDate);
-    line("TestTime: ", patient.testTime);
-    line("Physician: ", patient.physician);
-    line("Technician: ", patient.technician);
-    line("Medications: ", patient.medications);
-    line("History: ", patient.history);
-    line("Comments1: ", patient.comments1);
-    line("Comments2: ", patient.comments2);
+    line("First: ", parts ? fieldView(patient.first) : "");
+    line("MI: ", parts ? fieldView(patient.mi) : "");
+    line("Last: ", parts ? fieldView(patient.last) : "");
+    line("Sex: ", fieldView(patient.sex));
+    line("Hand: ", fieldView(patient.hand));
+    line("BirthDate: ", fieldView(patient.birthDate));
+    line("ID: ", fieldView(patient.id));
+    line("TestDate: ", fieldView(patient.testDate));
+    line("TestTime: ", fieldView(patient.testTime));
+    line("Physician: ", fieldView(patient.physician));
+    line("Technician: ", fieldView(patient.technician));
+    line("Medications: ", fieldView(patient.medications));
+    line("History: ", fieldView(patient.history));
+    line("Comments1: ", fieldView(patient.comments1));
+    line("Comments2: ", fieldView(patient.comments2));
 }
 
 } // namespace kvsig

@@ -14,6 +14,8 @@ constexpr std::size_t usualAnchors = 10;
 double movedPast(double time, double last) {
     constexpr double manyDays = 1000.0;
     const double days = std::floor((last - time) / secondsPerDay);
+    if (!std::isfinite(days))
+        return last;
     if (days > manyDays)
         time += days * secondsPerDay;
     while (time < last) {

@@ -17,6 +17,13 @@ namespace kvsig {
     return text ? std::string_view(text) : std::string_view();
 }
 
+/// The text in a field of fixed size, which a full field need not terminate.
+template <std::size_t Size>
+[[nodiscard]] std::string_view fieldView(const char (&field)[Size]) {
+    const std::string_view bytes(field, Size);
+    return bytes.substr(0, bytes.find('\0'));
+}
+
 /// Copies `source` into `dest` of `size` bytes, cut to size - 1 characters and always terminated.
 /// `source` may be null, may overlap `dest` and may be `dest` itself.
 KVSIG_API void copyText(char* dest, std::size_t size, const char* source);

@@ -1,0 +1,524 @@
+#include "kvsig/kernel/DataReader.h"
+
+#include "kvsig/util/Text.h"
+#include "support/FakeReader.h"
+#include "support/LogCapture.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <iomanip>
+#include <limits>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace kvsig {
+namespace {
+
+using test::FakeChannel;
+using test::FakeReader;
+using test::FakeRecording;
+using test::LogCapture;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+FakeRecording withChannels(std::vector<FakeChannel> channels) {
+    FakeRecording recording;
+    recording.channels = std::move(channels);
+    return recording;
+}
+
+TEST(DataReader, AFreshReaderIsEmpty) {
+    FakeReader reader;
+    EXPECT_EQ(reader.getLastError(), 0);
+    EXPECT_STREQ(reader.lastErrorText(), "");
+    EXPECT_STREQ(reader.fileName(), "");
+    EXPECT_EQ(reader.fileType(), 0);
+    EXPECT_EQ(reader.headerLength(), 0);
+    EXPECT_EQ(reader.channelCount(), 0);
+    EXPECT_EQ(reader.samplingRate(), 0.0);
+    EXPECT_EQ(reader.maxDataIndex(), -1);
+    EXPECT_EQ(reader.nPoints(), 0);
+    EXPECT_EQ(reader.sampleCount(), 0);
+    EXPECT_EQ(reader.duration(), 0.0);
+    EXPECT_EQ(reader.isMapReferential(), 1);
+    EXPECT_STREQ(reader.refGrid(), "Ref");
+    EXPECT_FALSE(reader.isMap1010());
+    EXPECT_EQ(reader.hasChannelMap(), 0);
+    EXPECT_STREQ(reader.channelMapName(), "");
+    EXPECT_FALSE(reader.gridNamesAsNumbers());
+    EXPECT_EQ(reader.getPagePts(), 0);
+    EXPECT_EQ(reader.getMaxPages(), 15);
+    EXPECT_TRUE(reader.getPaths().empty());
+    const auto* bytes = static_cast<const std::byte*>(static_cast<void*>(reader.patientRec()));
+    EXPECT_TRUE(std::all_of(bytes, bytes + sizeof(PatientRec),
+                            [](std::byte b) { return b == std::byte{}; }));
+}
+
+TEST(DataReader, BaseAnswersOfTheOptionalOperations) {
+    FakeReader reader;
+    std::deque<ClientEvent> events;
+    std::stringstream stream;
+    EXPECT_EQ(reader.miscFlags(), 0U);
+    EXPECT_EQ(reader.miscFlags2(), 0U);
+    EXPECT_FALSE(reader.onEdit());
+    EXPECT_EQ(reader.hostFlag(), 1);
+    EXPECT_EQ(reader.hostItemFlag(1, 2, 3), 1);
+    EXPECT_EQ(reader.hostChannelFlag(1, 2), 1);
+    EXPECT_THAT(reader.hostRecordA(1).words, ElementsAre(0, 0, 0, 0, 0));
+    EXPECT_THAT(reader.hostRecordB(1).words, ElementsAre(0, 0, 0, 0, 0));
+    EXPECT_TRUE(reader.hasPatientInfo());
+    EXPECT_EQ(reader.readEvents(events), 0);
+    EXPECT_FALSE(reader.updateState(ClientEvent()));
+    EXPECT_FALSE(reader.updateState(ClientEvent(), 0));
+    EXPECT_EQ(reader.montageCount(), 0);
+    EXPECT_EQ(reader.montageIndex("Recorded"), -1);
+    EXPECT_STREQ(reader.builtinChannelMapName(0), "(Default)");
+    EXPECT_STREQ(reader.builtinChannelMapName(1), "(Private)");
+    EXPECT_STREQ(reader.builtinChannelMapName(2), "");
+    EXPECT_STREQ(reader.builtinChannelMapName(-1), "");
+}
+
+TEST(DataReader, OpeningFollowsItsSequence) {
+    FakeReader reader(withChannels({{"Fp1"}}));
+    reader.setLastError(3);
+    ASSERT_TRUE(reader.open("folder/a.eeg"));
+    EXPECT_STREQ(reader.fileName(), "folder/a.eeg");
+    EXPECT_EQ(reader.getLastError(), 0);
+    EXPECT_THAT(reader.takeCalls(),
+                ElementsAre("openFile", "loadChannelInfo", "_grid1(0)", "_grid2(0)",
+                            "_channelName(0)", "_grid1(0)", "_grid2(0)", "_channelType(0)",
+                            "_channelUnits(0)", "_physioLow(0)", "_physioHigh(0)", "_digitalLow(0)",
+                            "_digitalHigh(0)", "_calibration(0)", "_dcOffset(0)", "readSampleInfo",
+                            "getPatientRec", "setPageDuration(5.000000)"));
+}
+
+TEST(DataReader, AFailedOpenEndsWhereItFailed) {
+    FakeRecording recording = withChannels({});
+    recording.openFails = true;
+    FakeReader closed(recording);
+    EXPECT_FALSE(closed.open("a"));
+    EXPECT_THAT(closed.takeCalls(), ElementsAre("openFile"));
+    EXPECT_EQ(closed.getLastError(), 1) << "the format's own code";
+
+    recording.openFails = false;
+    recording.channelInfoFails = true;
+    FakeReader channelless(recording);
+    EXPECT_FALSE(channelless.open("a"));
+    EXPECT_THAT(channelless.takeCalls(), ElementsAre("openFile", "loadChannelInfo", "close"));
+    EXPECT_EQ(channelless.getLastError(), 2);
+
+    recording.channelInfoFails = false;
+    recording.sampleInfoFails = true;
+    FakeReader sampleless(recording);
+    EXPECT_FALSE(sampleless.open("a"));
+    EXPECT_THAT(sampleless.takeCalls(),
+                ElementsAre("openFile", "loadChannelInfo", "readSampleInfo", "close"));
+    EXPECT_EQ(sampleless.getLastError(), 2);
+
+    sampleless.file.sampleInfoFails = false;
+    EXPECT_TRUE(sampleless.open("a")) << "a later attempt starts afresh";
+    EXPECT_EQ(sampleless.getLastError(), 0);
+}
+
+TEST(DataReader, ErrorsComeWithASentence) {
+    FakeReader reader;
+    reader.file.openFails = true;
+    reader.open("folder/a.eeg");
+    EXPECT_STREQ(reader.lastErrorText(), "folder/a.eeg: the file cannot be opened");
+    reader.setLastError(2);
+    EXPECT_STREQ(reader.lastErrorText(), "folder/a.eeg: no usable channels or samples");
+    LogCapture log;
+    EXPECT_FALSE(reader.refuse(3, "field X is 7"));
+    EXPECT_EQ(reader.getLastError(), 3);
+    EXPECT_STREQ(reader.lastErrorText(), "folder/a.eeg: field X is 7");
+    EXPECT_THAT(log.take(logWarning), ElementsAre("folder/a.eeg: field X is 7"));
+    reader.file.openFails = false;
+    reader.open("folder/b.eeg");
+    EXPECT_STREQ(reader.lastErrorText(), "");
+}
+
+TEST(DataReader, LongPathsAreCutForTheHostOnly) {
+    FakeReader reader;
+    const std::string path(1000, 'p');
+    ASSERT_TRUE(reader.open(path.c_str()));
+    EXPECT_EQ(std::string(reader.fileName()), path.substr(0, 259));
+    EXPECT_EQ(reader.filePath(), path);
+    ASSERT_TRUE(reader.open(reader.fileName())) << "its own text";
+    EXPECT_EQ(reader.filePath(), path.substr(0, 259));
+    ASSERT_TRUE(reader.open(nullptr));
+    EXPECT_STREQ(reader.fileName(), "");
+}
+
+// Every getter's answer for one channel in one line.
+std::string factsOf(DataReader& reader, int channel) {
+    std::ostringstream out;
+    out << reader.channelName(channel) << '|' << reader.grid1(channel) << '|'
+        << reader.grid2(channel) << '|' << reader.channelType(channel) << '|'
+        << reader.channelSubType(channel) << '|' << reader.channelUnits(channel) << '|'
+        << reader.calibration(channel) << '|' << reader.dcOffset(channel) << '|'
+        << reader.physioLow(channel) << '|' << reader.physioHigh(channel) << '|'
+        << reader.digitalLow(channel) << '|' << reader.digitalHigh(channel) << '|'
+        << reader.zeroChannel(channel);
+    return out.str();
+}
+
+FakeChannel temperature() {
+    FakeChannel channel{"Temp", "", 0.5, -3.0};
+    channel.name = "Rectal temperature";
+    channel.units = "degC";
+    channel.type = std::int16_t{100};
+    channel.physioLow = 30.5;
+    channel.physioHigh = 42.0;
+    channel.digitalLow = -32768;
+    channel.digitalHigh = 32767;
+    return channel;
+}
+
+TEST(DataReader, ChannelFactsAreTheFilesOrTheDefaults) {
+    FakeReader reader(withChannels({{"C3", "A2"}, temperature()}));
+    ASSERT_TRUE(reader.open("a"));
+    EXPECT_EQ(factsOf(reader, 0), "C3-A2|C3|A2|1|0|uV|1|0|-1|1|-2048|2048|0");
+    EXPECT_EQ(factsOf(reader, 1),
+              "Rectal temperature|Temp||100|0|degC|0.5|-3|30.5|42|-32768|32767|0");
+    EXPECT_EQ(reader.channelSamplingRate(1), 10.0);
+    EXPECT_EQ(reader.channelSampleCount(1), 1000);
+}
+
+TEST(DataReader, ClassDefaultsAreThoseOfAFreshRecord) {
+    FakeReader reader;
+    reader.setChannelCount(2);
+    ASSERT_TRUE(reader.setDefChannelInfo());
+    EXPECT_EQ(factsOf(reader, 1), "Ch2|||1|0|uV|1|0|-1|1|-2048|2048|0");
+    EXPECT_EQ(DataReader::m_defChannelType, 1);
+    EXPECT_STREQ(DataReader::m_defChannelUnits, "uV");
+    EXPECT_EQ(DataReader::m_defDigitalHigh, 2048);
+    EXPECT_EQ(DataReader::m_defDigitalLow, -2048);
+    EXPECT_EQ(DataReader::m_defPhysioHigh, 1.0);
+    EXPECT_EQ(DataReader::m_defPhysioLow, -1.0);
+}
+
+TEST(DataReader, GettersOutOfRangeAnswerNothing) {
+    const std::string nothing = "|||0|0||0|0|0|0|0|0|0";
+    FakeReader reader(withChannels({temperature(), temperature()}));
+    EXPECT_EQ(factsOf(reader, 0), nothing) << "not open";
+    ASSERT_TRUE(reader.open("a"));
+    constexpr int most = std::numeric_limits<int>::max();
+    for (bool numbers : {false, true}) {
+        reader.setGridNamesAsNumbers(numbers);
+        for (int channel : {-1, 2, most, -most - 1}) {
+            EXPECT_EQ(factsOf(reader, channel), nothing) << channel;
+            reader.setZeroChannel(channel, true);
+        }
+    }
+    reader.setChannelCount(1);
+    EXPECT_EQ(factsOf(reader, 1), nothing) << "in the table, past the count";
+    reader.setChannelCount(3);
+    EXPECT_EQ(factsOf(reader, 2), nothing) << "in the count, past the table";
+    reader.setChannelCount(100000);
+    EXPECT_EQ(reader.channelCount(), 32767);
+    reader.setChannelCount(-5);
+    EXPECT_EQ(factsOf(reader, 0), nothing);
+}
+
+// A format may answer more channels than it has set.
+class OverstatingReader : public FakeReader {
+  public:
+    short channelCount() override { return 5; }
+};
+
+TEST(DataReader, ChannelsWithoutARecordAreNotLoaded) {
+    OverstatingReader reader;
+    ASSERT_TRUE(reader.open("a"));
+    EXPECT_STREQ(reader.grid1(2), "Cz");
+    EXPECT_STREQ(reader.grid1(3), "");
+    EXPECT_EQ(reader.indexOfG1("Oz"), -1);
+    EXPECT_EQ(reader.isMapReferential(), 1);
+}
+
+TEST(DataReader, ZeroChannelIsAFlagOfTheHost) {
+    FakeReader reader;
+    ASSERT_TRUE(reader.open("a"));
+    reader.setZeroChannel(1, true);
+    EXPECT_TRUE(reader.zeroChannel(1));
+    EXPECT_FALSE(reader.zeroChannel(0));
+    float value = 0;
+    reader.getData(1, 5, 5, &value, 1.0, 0);
+    EXPECT_EQ(value, static_cast<float>(reader.rawAt(1, 5))) << "reading does not look at it";
+}
+
+TEST(DataReader, NamesAreCutToTheirFields) {
+    FakeChannel channel{std::string(20, 'g'), std::string(16, 'r')};
+    channel.units = std::string(30, 'u');
+    FakeReader reader(withChannels({channel}));
+    ASSERT_TRUE(reader.open("a"));
+    EXPECT_EQ(reader.grid1(0), std::string(15, 'g'));
+    EXPECT_EQ(reader.grid2(0), std::string(15, 'r'));
+    EXPECT_EQ(reader.channelUnits(0), std::string(15, 'u'));
+    EXPECT_EQ(reader.channelName(0), std::string(20, 'g') + "-" + std::string(10, 'r'));
+}
+
+TEST(DataReader, GridNamesAsNumbersReplaceTheTexts) {
+    FakeReader reader;
+    ASSERT_TRUE(reader.open("a"));
+    reader.setGridNamesAsNumbers(true);
+    EXPECT_STREQ(reader.grid1(1), "2");
+    EXPECT_STREQ(reader.grid2(2), "3");
+    EXPECT_STREQ(reader.channelName(2), "3-3");
+    EXPECT_EQ(reader.indexOfG1("3"), 2);
+    EXPECT_EQ(reader.indexOfG1("Fp1"), -1);
+    reader.setGridNamesAsNumbers(false);
+    EXPECT_STREQ(reader.channelName(2), "Cz-Ref") << "the texts are kept";
+}
+
+TEST(DataReader, GridsAreFoundByNameWithoutCase) {
+    FakeReader reader(withChannels({{"C3", "A2"}, {"c3", "A1"}, {"Cz", "a1"}}));
+    ASSERT_TRUE(reader.open("a"));
+    EXPECT_EQ(reader.indexOfG1("C3"), 0);
+    EXPECT_EQ(reader.indexOfG1("cZ"), 2);
+    EXPECT_EQ(reader.indexOfG2("a1"), 1);
+    EXPECT_EQ(reader.indexOfG1("C"), -1);
+    EXPECT_EQ(reader.indexOfG2("C3"), -1);
+    EXPECT_EQ(reader.indexOfG1(nullptr), -1);
+}
+
+TEST(DataReader, ScalpChannelsDecideWhetherTheMapIsReferential) {
+    struct Case {
+        const char* what;
+        std::vector<FakeChannel> channels;
+        int referential;
+        const char* reference;
+    };
+    const Case cases[] = {
+        {"one reference", {{"Fp1", "A1"}, {"fp2", "a1"}}, 1, "A1"},
+        {"two references", {{"Fp1", "A1"}, {"Fp2", "A2"}}, 0, ""},
+        {"off the scalp nothing counts", {{"EKG", "X"}, {"Fp1", "A1"}, {"EMG", "Y"}}, 1, "A1"},
+        {"no scalp channel", {{"EKG", "X"}, {"EMG", "Y"}}, 1, "Ref"},
+        {"no reference at all", {{"Fp1", ""}, {"Fp2", ""}}, 1, ""},
+        {"a missing one differs", {{"Fp1", "A1"}, {"Fp2", ""}}, 0, ""},
+        {"no channels", {}, 1, "Ref"},
+    };
+    for (const Case& c : cases) {
+        FakeReader reader(withChannels(c.channels));
+        ASSERT_TRUE(reader.open("a"));
+        EXPECT_EQ(reader.isMapReferential(), c.referential) << c.what;
+        EXPECT_STREQ(reader.refGrid(), c.reference) << c.what;
+    }
+}
+
+TEST(DataReader, OnlyNamesOfTheFinerSystemSetTheirFlag) {
+    for (const char* name : {"T7", "T8", "P7", "P8"}) {
+        FakeReader reader(withChannels({{"Fp1"}, {name}, {"O2"}}));
+        ASSERT_TRUE(reader.open("a"));
+        EXPECT_TRUE(reader.isMap1010()) << name;
+        reader.file.channels[1].grid1 = "T3";
+        ASSERT_TRUE(reader.open("a"));
+        EXPECT_FALSE(reader.isMap1010()) << "cleared by the next recording";
+    }
+    for (const char* name : {"T3", "t7", "P9", "T77", "T", "FT7", "T7 "}) {
+        FakeReader reader(withChannels({{name}}));
+        ASSERT_TRUE(reader.open("a"));
+        EXPECT_FALSE(reader.isMap1010()) << name;
+    }
+}
+
+// A format whose accessors hand out what the table already holds: the copies go onto themselves.
+class ForwardingReader : public FakeReader {
+  protected:
+    const char* _grid1(int channel) override { return grid1(channel); }
+    const char* _grid2(int channel) override { return grid2(channel); }
+    const char* _channelName(int channel) override { return channelName(channel); }
+    double _calibration(int channel) override { return calibration(channel); }
+    double _dcOffset(int channel) override { return dcOffset(channel); }
+};
+
+TEST(DataReader, ForwardingAccessorsKeepTheRecord) {
+    ForwardingReader reader;
+    ASSERT_TRUE(reader.open("a"));
+    EXPECT_EQ(factsOf(reader, 2), "Ch3|||1|0|uV|1|0|-1|1|-2048|2048|0");
+    reader.setGridNamesAsNumbers(true);
+    ASSERT_TRUE(reader.open("b"));
+    reader.setGridNamesAsNumbers(false);
+    EXPECT_EQ(factsOf(reader, 2), "3-3|3|3|1|0|uV|1|0|-1|1|-2048|2048|0");
+}
+
+TEST(DataReader, ReopeningShowsTheOtherRecording) {
+    FakeReader reader;
+    ASSERT_TRUE(reader.open("a"));
+    float value = 0;
+    reader.getData(2, 60, 60, &value, 1.0, 0);
+    EXPECT_EQ(value, static_cast<float>(reader.rawAt(2, 60)));
+
+    reader.file.channels = {{"O1", "A1"}, {"O2", "A1"}, {"Pz", "A1"}};
+    reader.file.raw = [](int, long) { return 77; };
+    reader.file.samples = 200;
+    LogCapture log;
+    ASSERT_TRUE(reader.open("b"));
+    EXPECT_THAT(log.take(), ElementsAre("DataReader: Removing all 1 pages"));
+    EXPECT_STREQ(reader.channelName(2), "Pz-A1");
+    EXPECT_STREQ(reader.refGrid(), "A1");
+    EXPECT_EQ(reader.sampleCount(), 200);
+    reader.getData(2, 60, 60, &value, 1.0, 0);
+    EXPECT_EQ(value, 77.0F) << "no sample of the recording before";
+}
+
+TEST(DataReader, DurationNeedsSamplesAndARate) {
+    FakeReader reader;
+    ASSERT_TRUE(reader.open("a"));
+    EXPECT_EQ(reader.duration(), 100.0);
+    EXPECT_EQ(reader.xStart(), 0.0);
+    for (double rate : {0.0, -10.0, std::nan(""), std::numeric_limits<double>::infinity()}) {
+        reader.setSamplingRate(rate);
+        EXPECT_EQ(reader.duration(), 0.0) << rate;
+    }
+    reader.setSamplingRate(10.0);
+    reader.setSamples(0);
+    EXPECT_EQ(reader.duration(), 0.0);
+    EXPECT_EQ(reader.maxDataIndex(), -1);
+    reader.setMaxDataIndex(std::numeric_limits<long>::max());
+    EXPECT_EQ(reader.sampleCount(), 2147483648L) << "indices are held at 32 bits";
+}
+
+TEST(DataReader, ARecordingIsItsOwnOnlyPart) {
+    FakeReader reader;
+    ASSERT_TRUE(reader.open("a"));
+    EXPECT_EQ(reader.fileCount(), 1);
+    EXPECT_STREQ(reader.partFileName(0), "a");
+    EXPECT_EQ(reader.partSampleCount(0), 1000);
+    EXPECT_EQ(reader.partDuration(0), 100.0);
+    for (int part : {-1, 1}) {
+        EXPECT_EQ(reader.partFileName(part), nullptr);
+        EXPECT_EQ(reader.partSampleCount(part), 0);
+        EXPECT_EQ(reader.partDuration(part), 0.0);
+    }
+}
+
+class LaggingReader : public FakeReader {
+  public:
+    bool hasSampleLag() override { return true; }
+    long getSampleLag() override { return m_lag; }
+    void setSampleLag(long lag) override { m_lag = lag; }
+    bool writeAttributeFile(std::ostream& stream) override {
+        writeText(stream, "attributes");
+        return true;
+    }
+
+  private:
+    long m_lag = 4;
+};
+
+std::uintptr_t addressOf(const void* object) { return reinterpret_cast<std::uintptr_t>(object); }
+
+TEST(DataReader, ItemsAreReadByNumber) {
+    FakeReader plain;
+    EXPECT_EQ(plain.getItem(1, 0, 0), 0);
+    EXPECT_EQ(plain.getItem(2, 0, 0), 0);
+    LaggingReader reader;
+    reader.file.channels[1].dcOffset = -12.5;
+    ASSERT_TRUE(reader.open("a"));
+    EXPECT_EQ(reader.getItem(0, 1, 1), 0);
+    EXPECT_EQ(reader.getItem(1, 0, 0), 1);
+    EXPECT_EQ(reader.getItem(2, 0, 0), 4);
+    for (int item : {3, 4, 999, 1000, 1002, -1, std::numeric_limits<int>::min()})
+        EXPECT_EQ(reader.getItem(item, 0, 0), item);
+    const std::intptr_t offset = reader.getItem(1001, 1, 0);
+    EXPECT_EQ(*reinterpret_cast<const double*>(offset), -12.5);
+    EXPECT_EQ(reader.getItem(1001, 7, 0), offset) << "one shared double";
+    EXPECT_EQ(*reinterpret_cast<const double*>(offset), 0.0) << "out of range";
+}
+
+TEST(DataReader, ItemsAreSetByNumber) {
+    LaggingReader reader;
+    std::ostringstream stream;
+    reader.setItem(2, 0, 0, 9);
+    EXPECT_EQ(reader.getSampleLag(), 9);
+    reader.setItem(3, 0, 0, addressOf("x;y"));
+    EXPECT_EQ(reader.getPaths().size(), 2U);
+    reader.setItem(1000, 0, 0, addressOf(static_cast<std::ostream*>(&stream)));
+    EXPECT_EQ(stream.str(), "attributes");
+    for (int item : {3, 1000}) // no text, no stream: ignored
+        reader.setItem(item, 0, 0, 0);
+    for (int item : {-1, 0, 1, 4, 1001})
+        reader.setItem(item, 0, 0, 1);
+    EXPECT_EQ(reader.getPaths().size(), 2U);
+    EXPECT_EQ(reader.getSampleLag(), 9);
+}
+
+TEST(DataReader, PathsAreSplitAtSemicolonsAndCut) {
+    FakeReader reader;
+    const std::string longest(300, 'p');
+    reader.setPaths((";/a b;;C:\\x;" + longest).c_str());
+    const std::vector<PathInfo> paths = reader.getPaths();
+    ASSERT_EQ(paths.size(), 3U);
+    EXPECT_STREQ(paths[0].path, "/a b");
+    EXPECT_STREQ(paths[1].path, "C:\\x");
+    EXPECT_EQ(paths[2].path, longest.substr(0, 260));
+    reader.setPaths(nullptr);
+    EXPECT_TRUE(reader.getPaths().empty());
+}
+
+TEST(DataReader, TestInfoSummarisesTheRecording) {
+    FakeReader reader;
+    reader.file.rate = 0.5;
+    ASSERT_TRUE(reader.open("a.eeg"));
+    std::ostringstream stream;
+    stream << std::setw(20) << std::hex;
+    EXPECT_TRUE(reader.testInfo(stream));
+    EXPECT_EQ(stream.str(), "FileName: a.eeg\nTestDuration: 00:33:20\nChannels: 3\n"
+                            "SamplingRate: 0.5\nMultiFile:\tNo\n");
+}
+
+class MontageReader : public FakeReader {
+  public:
+    int montageCount() override { return 2; }
+    const char* montageName(int index) override { return index == 0 ? "Long" : "Trans"; }
+};
+
+TEST(DataReader, MontagesOfTheFileAreFoundByNameWithoutCase) {
+    MontageReader reader;
+    EXPECT_EQ(reader.montageIndex("TRANS"), 1);
+    EXPECT_EQ(reader.montageIndex("Tran"), -1);
+    EXPECT_EQ(reader.montageIndex(nullptr), -1);
+}
+
+TEST(DataReader, InterfacesAreAnsweredByIdentifier) {
+    FakeReader reader;
+    reader.AddRef(); // the stack's own
+    void* object = nullptr;
+    EXPECT_EQ(reader.QueryInterface(IID_IDataReader, &object), S_OK);
+    EXPECT_EQ(object, static_cast<IDataReader*>(&reader));
+    object = nullptr;
+    EXPECT_EQ(reader.QueryInterface(IID_IUnknown, &object), S_OK);
+    EXPECT_EQ(object, static_cast<IUnknown*>(&reader));
+
+    GUID other = IID_IDataReader;
+    other.Data4[7] = 0x44;
+    int untouched = 0;
+    object = &untouched;
+    EXPECT_EQ(reader.QueryInterface(other, &object), static_cast<HRESULT>(0x80004002U));
+    EXPECT_EQ(object, &untouched);
+    EXPECT_EQ(reader.QueryInterface(IID_IUnknown, nullptr), E_NOINTERFACE);
+}
+
+TEST(DataReader, TheLastReleaseDestroys) {
+    bool destroyed = false;
+    auto* reader = new FakeReader;
+    reader->destroyed = &destroyed;
+    EXPECT_EQ(reader->Release(), 0U) << "never handed out";
+    EXPECT_FALSE(destroyed);
+    EXPECT_EQ(reader->AddRef(), 0U);
+    void* object = nullptr;
+    ASSERT_EQ(reader->QueryInterface(IID_IDataReader, &object), S_OK);
+    EXPECT_EQ(reader->Release(), 0U);
+    EXPECT_FALSE(destroyed);
+    LogCapture log;
+    EXPECT_EQ(static_cast<IDataReader*>(object)->Release(), 0U);
+    EXPECT_TRUE(destroyed);
+    EXPECT_THAT(log.take(), ElementsAre("DataReader: Removing all pages"));
+}
+
+} // namespace
+} // namespace kvsig
