@@ -70,12 +70,15 @@ TEST(SourceSettings, EveryFieldIsReadBack) {
         EXPECT_EQ(formatSettings(all.settings, all.scale), text);
     }
     EXPECT_EQ(scanned("0,0,1,0,2,30,0,0,0,0").settings.highPass.cutoff, 0.08);
+    EXPECT_EQ(scanned(" 1,0,+1,0,(off),(off),0,0, -.5,+2e1 uV").scale.maximum, 20.0);
     EXPECT_TRUE(scanned("0,-3,2,0,(off),(off),7,-1,0,0").scale.transparentScale);
 }
 
 TEST(SourceSettings, TheOlderFormLeavesTheScale) {
-    for (const auto* text : {"5,0,0,6,0.1,(OFF)", "5,0,0,6,0.1,(OFF),0,0,1.0",
-                             "5,0,0,6,0.1,(OFF),x,0,1.0,2.0", "5,0,0,6,0.1,(OFF),0,0,,2.0"}) {
+    for (const auto* text :
+         {"5,0,0,6,0.1,(OFF)", "5,0,0,6,0.1,(OFF),0,0,1.0", "5,0,0,6,0.1,(OFF),x,0,1.0,2.0",
+          "5,0,0,6,0.1,(OFF),0,0,,2.0", "5,0,0,6,0.1,(OFF),0,0,1x,2.0",
+          "5,0,0,6,0.1,(OFF),0.5,0,1.0,2.0", "5,0,0,6,0.1,(OFF),0,0,1.0,nan"}) {
         All all = unusual();
         ASSERT_TRUE(scan(text, all)) << text;
         All expected = unusual();
@@ -88,11 +91,25 @@ TEST(SourceSettings, TheOlderFormLeavesTheScale) {
     }
 }
 
+// Otherwise such a limit would take the flags beside it along.
+TEST(SourceSettings, ALimitThatIsNoNumberIsWrittenAsZero) {
+    All all = unusual();
+    all.scale.minimum = std::numeric_limits<double>::quiet_NaN();
+    all.scale.maximum = std::numeric_limits<double>::infinity();
+    const All back = scanned(formatSettings(all.settings, all.scale));
+    EXPECT_TRUE(back.scale.showScaling);
+    EXPECT_TRUE(back.scale.transparentScale);
+    EXPECT_EQ(back.scale.minimum, 0.0);
+    EXPECT_EQ(back.scale.maximum, 0.0);
+}
+
 TEST(SourceSettings, OtherTextsChangeNothing) {
     for (const auto* text :
          {"", "x", "|", "1", "1,0,1", "1,0,1,0", "1,0,1,0,(off)", "1,0,1,0,(off),",
           "1,0,1,0,,(off)", ",0,1,0,(off),(off)", "1,,1,0,(off),(off)", "a,0,1,0,(off),(off)",
-          "1,0,1,-,(off),(off)", "1;0;1;0;(off);(off)"}) {
+          "1,0,1,-,(off),(off)", "1;0;1;0;(off);(off)", "--1,0,1,0,(off),(off)",
+          "+-1,0,1,0,(off),(off)", "1x,0,1,0,(off),(off)", "1.5,0,1,0,(off),(off)",
+          "1 ,0,1,0,(off),(off)"}) {
         All all = unusual();
         EXPECT_FALSE(scan(text, all)) << text;
         EXPECT_EQ(all, unusual()) << text;
