@@ -69,7 +69,7 @@ TEST(SourceSettings, EveryFieldIsReadBack) {
         const All all = scanned(text);
         EXPECT_EQ(formatSettings(all.settings, all.scale), text);
     }
-    EXPECT_EQ(scanned("0,0,1,0,2,30,0,0,0,0").settings.highPass.cutoff, 0.08);
+    EXPECT_EQ(double{scanned("0,0,1,0,2,30,0,0,0,0").settings.highPass.cutoff}, 0.08);
     EXPECT_EQ(scanned(" 1,0,+1,0,(off),(off),0,0, -.5,+2e1 uV").scale.maximum, 20.0);
     EXPECT_TRUE(scanned("0,-3,2,0,(off),(off),7,-1,0,0").scale.transparentScale);
 }
@@ -123,13 +123,13 @@ TEST(SourceSettings, HostileNumbersSaturate) {
     const All huge = scanned("99999999999999999999,1,1,-99999999999,1e-999,1e999,1,1,-1e9,1e9,7");
     EXPECT_EQ(huge.settings.displayValue, std::numeric_limits<std::int32_t>::max());
     EXPECT_EQ(huge.settings.intValue, std::numeric_limits<std::int32_t>::min());
-    EXPECT_EQ(huge.settings.lowPass.cutoff, std::numeric_limits<double>::infinity());
-    EXPECT_EQ(huge.settings.highPass.cutoff, std::numeric_limits<double>::infinity());
+    EXPECT_EQ(double{huge.settings.lowPass.cutoff}, std::numeric_limits<double>::infinity());
+    EXPECT_EQ(double{huge.settings.highPass.cutoff}, std::numeric_limits<double>::infinity());
     EXPECT_EQ(huge.scale.maximum, 1e9);
     All all;
     EXPECT_FALSE(scan(std::string(1 << 20, ','), all));
     EXPECT_TRUE(scan("1,0,1,0," + std::string(1 << 20, '9') + ",(off)", all));
-    EXPECT_EQ(all.settings.highPass.cutoff, 0.0);
+    EXPECT_EQ(double{all.settings.highPass.cutoff}, 0.0);
 }
 
 struct Comma : std::numpunct<char> {
