@@ -202,7 +202,7 @@ TEST_F(DataSourceTest, FilteredCountsAreThoseBehindTheRunIn) {
         int answered, filtered, delivered;
     };
     for (const auto& [answered, filtered, delivered] :
-         {Case{60, 60, 45}, {15, 15, 0}, {12, 12, 0}, {0, 0, 0}, {900, 115, 100}}) {
+         {Case{60, 60, 45}, {15, 15, 0}, {12, 12, 0}, {0, 0, 0}, {-3, 0, 0}, {900, 115, 100}}) {
         source.answer = [answered](int) { return answered; };
         int count = -1;
         const Samples got = read(source, 100, 199, 1.0, &count);
@@ -229,6 +229,43 @@ TEST_F(DataSourceTest, ImpossibleRangesGiveNothingAndAreNotComputed) {
     EXPECT_EQ(untouched, -7.0F);
     EXPECT_EQ(source.iterGetPosition(), -1);
     EXPECT_THAT(source.calls, IsEmpty());
+}
+
+// Run-in and run-out would lie beyond what an index can say.
+TEST_F(DataSourceTest, TheEndsOfTheIndexRangeAreSafe) {
+    PlaceFilter filter;
+    source.filters()->addNext(&filter);
+    for (const long first : {LONG_MIN, LONG_MIN + 9, LONG_MAX - 4, LONG_MAX - 8}) {
+        int delivered = -1;
+        EXPECT_THAT(read(source, first, first + 4, 1.0, &delivered), Each(0.0F)) << first;
+        EXPECT_EQ(delivered, 0);
+    }
+    EXPECT_THAT(source.calls, IsEmpty());
+    source.iterSetPosition(LONG_MAX, 1.0);
+    EXPECT_EQ(source.iterGetPosition(), INT_MAX);
+    EXPECT_THAT(source.takeCalls(),
+                ElementsAre(test::SourceCall{INT_MAX - 10L, INT_MAX - 1L, 1.0}));
+    source.iterSetPosition(LONG_MIN, 1.0);
+    EXPECT_EQ(source.iterGetPosition(), INT_MIN);
+    source.setUseFilter(false);
+    EXPECT_THAT(read(source, LONG_MAX - 1, LONG_MAX), Each(testing::Gt(0.0F)));
+}
+
+class Boaster : public ScriptedSource {
+  public:
+    using ScriptedSource::ScriptedSource;
+    int claim = 0;
+    int readCache(long, long, float*, double) override { return claim; }
+};
+
+TEST_F(DataSourceTest, ACacheThatClaimsTooMuchIsNotBelieved) {
+    Boaster boaster(reader);
+    for (const int claim : {11, INT_MAX, -1, INT_MIN}) {
+        boaster.claim = claim;
+        int delivered = 0;
+        read(boaster, 0, 9, 1.0, &delivered);
+        EXPECT_EQ(delivered, 10) << claim;
+    }
 }
 
 TEST_F(DataSourceTest, ABlockComputedAtScaleZeroIsNoHelp) {
@@ -384,7 +421,6 @@ TEST_F(DataSourceTest, OwnFiltersFollowTheSettings) {
     source.filters()->removeAll();
     settings.lowPass = setting(3.0);
     source.setSettings(settings);
-    ScriptedSource rateless = source;
     source.appendOwnFilters(10.0);
     ASSERT_EQ(source.filters()->count(), 2);
     EXPECT_EQ(source.filters()->filter(0)->type(), Filter::lowPass);

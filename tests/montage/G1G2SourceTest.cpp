@@ -6,6 +6,7 @@
 #include "montage/ScriptedSource.h"
 #include "support/FakeReader.h"
 
+#include <climits>
 #include <gmock/gmock.h>
 #include <string>
 
@@ -80,6 +81,11 @@ TEST_F(G1G2SourceTest, EqualChannelsAreAFlatLineThatReadsNothing) {
         EXPECT_EQ(delivered, 100);
     }
     EXPECT_THAT(reader.takeCalls("getSampleChunk"), IsEmpty());
+    G1G2Source source(reader, 0, 0);
+    float sample = -7.0F;
+    EXPECT_EQ(source._getData(5, 4, &sample, 1.0), 0);
+    EXPECT_EQ(source._getData(LONG_MIN, LONG_MAX, &sample, 1.0), 0);
+    EXPECT_EQ(sample, -7.0F);
 }
 
 TEST_F(G1G2SourceTest, AChannelThatIsNotThereIsLeftOut) {
