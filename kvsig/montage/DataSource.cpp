@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cmath>
 #include <memory>
 #include <new>
 #include <string>
@@ -113,10 +114,13 @@ bool DataSource::allocCache(long first, long last, double scale) {
 }
 
 int DataSource::readCache(long first, long last, float* buf, double scale) {
-    // A block computed at scale 0 holds nothing that could be rescaled.
-    if (!m_cache.holds(first) || last < first || m_cache.dScale == 0.0)
+    // What was computed at scale 0, or at one that cannot be undone, is of no use at another.
+    if (!m_cache.holds(first) || last < first || m_cache.dScale == 0.0 ||
+        !std::isfinite(m_cache.dScale))
         return 0;
     const double factor = scale / m_cache.dScale;
+    if (!std::isfinite(factor))
+        return 0;
     const auto count = static_cast<int>(std::min<long>(last, m_cache.nLast) - first + 1);
     const float* held = m_cache.pData + (first - m_cache.nFirst);
     std::transform(held, held + count, buf,
