@@ -217,6 +217,7 @@ void DataSource::appendOwnFilters(double samplingRate) {
         if (!attr.use)
             return;
         setUseFilter(true);
+        flushCache();
         m_filters.addNext(&filter);
         designFilter(filter, attr, samplingRate);
     };

@@ -437,6 +437,16 @@ TEST_F(DataSourceTest, OwnFiltersFollowTheSettings) {
     EXPECT_EQ(source.filters()->isDesigned(), 1);
 }
 
+TEST_F(DataSourceTest, AGrownChainDoesNotServeWhatWasCachedBefore) {
+    SourceSettings settings;
+    settings.lowPass = setting(0.0); // lets nothing through but the first sample
+    source.setSettings(settings);
+    EXPECT_TRUE(source.useFilter());
+    read(source, 0, 9);
+    source.appendOwnFilters(10.0);
+    EXPECT_THAT(read(source, 0, 9), Each(1000.0F));
+}
+
 TEST_F(DataSourceTest, WithoutARateOwnFiltersStayUndesigned) {
     SourceSettings settings;
     settings.lowPass = setting(3.0);
