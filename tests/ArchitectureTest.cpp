@@ -3,7 +3,6 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <map>
-#include <regex>
 #include <set>
 #include <string>
 #include <vector>
@@ -18,7 +17,7 @@ using Includes = std::map<std::string, std::vector<std::string>>;
 // Every source of the library by its path ("kvsig/util/Text.h") with what it includes of it.
 Includes readIncludes() {
     const fs::path root = KVSIG_SOURCE_DIR;
-    const std::regex line(R"re(^#include "(kvsig/[^"]+)")re");
+    const std::string start = "#include \"";
     Includes includes;
     for (const auto& entry : fs::recursive_directory_iterator(root / "kvsig")) {
         const std::string extension = entry.path().extension().string();
@@ -26,10 +25,9 @@ Includes readIncludes() {
             continue;
         auto& found = includes[fs::relative(entry.path(), root).generic_string()];
         std::ifstream stream(entry.path());
-        std::smatch match;
         for (std::string text; std::getline(stream, text);)
-            if (std::regex_search(text, match, line))
-                found.push_back(match[1]);
+            if (text.starts_with(start + "kvsig/"))
+                found.push_back(text.substr(start.size(), text.rfind('"') - start.size()));
     }
     return includes;
 }

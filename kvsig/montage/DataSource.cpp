@@ -2,13 +2,17 @@
 
 #include "kvsig/kernel/DataReader.h"
 #include "kvsig/montage/FilterDesign.h"
+#include "kvsig/util/LogSink.h"
+#include "kvsig/util/SampleRange.h"
 #include "kvsig/util/Saturate.h"
 
 #include <algorithm>
 #include <atomic>
-#include <limits>
+#include <cmath>
 #include <memory>
 #include <new>
+#include <string>
+#include <utility>
 
 namespace kvsig {
 namespace {
@@ -16,21 +20,14 @@ namespace {
 std::atomic<bool> defaultUseCache{true};
 std::atomic<bool> defaultUseFilter{true};
 
-// Samples of an inclusive range; 0 when it is empty or longer than a count can say.
-int rangeLength(long first, long last) {
-    if (first > last)
-        return 0;
-    const std::uint64_t steps =
-        static_cast<std::uint64_t>(last) - static_cast<std::uint64_t>(first);
-    return steps < static_cast<std::uint64_t>(std::numeric_limits<int>::max())
-               ? static_cast<int>(steps + 1)
-               : 0;
-}
-
 bool isCacheIndex(long sample) { return std::in_range<std::int32_t>(sample); }
 
-std::unique_ptr<float[]> workBlock(std::int64_t count) {
-    return std::unique_ptr<float[]>(new (std::nothrow) float[static_cast<std::size_t>(count)]);
+std::unique_ptr<float[]> workBlock(int count) {
+    std::unique_ptr<float[]> block(new (std::nothrow) float[static_cast<std::size_t>(count)]);
+    if (!block)
+        logMessage(logWarning,
+                   "DataSource: No memory to filter " + std::to_string(count) + " samples");
+    return block;
 }
 
 // Counts of subclasses are not believed beyond what was asked for; the missing part is zeros.
@@ -117,10 +114,13 @@ bool DataSource::allocCache(long first, long last, double scale) {
 }
 
 int DataSource::readCache(long first, long last, float* buf, double scale) {
-    // A block computed at scale 0 holds nothing that could be rescaled.
-    if (!m_cache.holds(first) || last < first || m_cache.dScale == 0.0)
+    // What was computed at scale 0, or at one that cannot be undone, is of no use at another.
+    if (!m_cache.holds(first) || last < first || m_cache.dScale == 0.0 ||
+        !std::isfinite(m_cache.dScale))
         return 0;
     const double factor = scale / m_cache.dScale;
+    if (!std::isfinite(factor))
+        return 0;
     const auto count = static_cast<int>(std::min<long>(last, m_cache.nLast) - first + 1);
     const float* held = m_cache.pData + (first - m_cache.nFirst);
     std::transform(held, held + count, buf,
@@ -149,7 +149,7 @@ int DataSource::getData(long first, long last, float* buf, double scale) {
     const int wanted = rangeLength(first, last);
     if (wanted == 0 || !buf)
         return 0;
-    const int cached = useCache() ? readCache(first, last, buf, scale) : 0;
+    const int cached = useCache() ? std::clamp(readCache(first, last, buf, scale), 0, wanted) : 0;
     if (cached == wanted)
         return cached;
     float* rest = buf + cached;
@@ -167,14 +167,13 @@ int DataSource::getData(long first, long last, float* buf, double scale) {
 int DataSource::filteredData(long first, long last, float* buf, double scale) {
     const int before = m_filters.nPrePts();
     const int after = m_filters.nPstPts();
-    const std::int64_t length = std::int64_t{last} - first + 1 + before + after;
-    if (length > std::numeric_limits<int>::max())
-        return 0;
-    const auto work = workBlock(length);
+    const int length =
+        canWiden(first, last, before, after) ? rangeLength(first - before, last + after) : 0;
+    const auto work = length > 0 ? workBlock(length) : nullptr;
     if (!work)
         return 0;
-    const int got = std::min(_getData(first - before, last + after, work.get(), scale),
-                             static_cast<int>(length));
+    const int got =
+        std::clamp(_getData(first - before, last + after, work.get(), scale), 0, length);
     m_filters.apply(work.get(), got);
     const int kept = std::max(got - before - after, 0);
     std::copy_n(work.get() + before, kept, buf);
@@ -186,16 +185,17 @@ void DataSource::iterSetPosition(long position, double scale) {
     if (!useFilter())
         return;
     const int before = m_filters.nPrePts();
-    const auto work = workBlock(before);
-    if (!work)
-        return;
-    const int got = before > 0 ? _getData(position - before, position - 1, work.get(), scale) : 0;
-    m_filters.iterSetPosition(position, work.get(), std::clamp(got, 0, before));
+    const bool warm = before > 0 && canWiden(m_position, m_position, before, 0);
+    const auto work = warm ? workBlock(before) : nullptr;
+    const int got =
+        work ? _getData(long{m_position} - before, long{m_position} - 1, work.get(), scale) : 0;
+    // Without a run-in too, the filters must forget the stream before.
+    m_filters.iterSetPosition(m_position, work.get(), std::clamp(got, 0, before));
 }
 
 int DataSource::iterGetData(long count, float* buf, double scale) {
     const int wanted = rangeLength(1, count);
-    if (wanted == 0 || !buf)
+    if (wanted == 0 || !buf || !canWiden(m_position, m_position, 0, wanted))
         return 0;
     const int got = withZerosBehind(_getData(m_position, long{m_position} + count - 1, buf, scale),
                                     wanted, buf);
@@ -217,6 +217,7 @@ void DataSource::appendOwnFilters(double samplingRate) {
         if (!attr.use)
             return;
         setUseFilter(true);
+        flushCache();
         m_filters.addNext(&filter);
         designFilter(filter, attr, samplingRate);
     };

@@ -20,7 +20,8 @@ KVSIG_API void SetDataSourceDefaults(bool useCache, bool useFilter);
 /// A displayed channel: computes samples from a reader, runs them through its filter chain and
 /// keeps the last block computed. Sample ranges are inclusive at both ends and count at the
 /// reader's common rate. The reader and the montage are not owned and must outlive the source.
-/// One source is used from one thread at a time, its reader and montage with it.
+/// One source is used from one thread at a time, its reader and montage with it. Texts handed out
+/// are valid until the next call of the source or its reader.
 class KVSIG_API DataSource {
   public:
     virtual ~DataSource();
@@ -43,6 +44,8 @@ class KVSIG_API DataSource {
     /// The raw computation: samples `first`..`last` times `scale` into `buf`, unfiltered. Returns
     /// how many were delivered.
     virtual int _getData(long first, long last, float* buf, double scale) = 0;
+    /// Makes room for a range and notes it as held at `scale`. False, and the cache is as it was,
+    /// without memory and for a range that is empty or has indices of more than 32 bits.
     virtual bool allocCache(long first, long last, double scale);
     /// Copies the part of the request that the cache holds from its start on, rescaled, and returns
     /// its length.
@@ -57,10 +60,13 @@ class KVSIG_API DataSource {
 
     /// Samples `first`..`last` times `scale` into `buf` (last - first + 1 floats), filtered when
     /// useFilter() is on. Returns how many were delivered; what is missing is zeros. An empty range
-    /// and one of more than 2^31 - 1 samples give 0.
+    /// and one of more than 2^31 - 1 samples give 0 and leave `buf` alone; one that leaves no
+    /// indices or no memory for what the filters want around it is all zeros and gives 0.
     int getData(long first, long last, float* buf, double scale);
 
-    /// Streaming: sets the next sample to be delivered and warms the filters up before it.
+    /// Streaming: sets the next sample to be delivered (held inside 32 bits) and warms the filters
+    /// up before it. The filters carry the stream's state: after a getData() that they had a part
+    /// in, and after one of another source that shares them, the position must be set again.
     void iterSetPosition(long position, double scale);
     /// Delivers the next `count` samples, with the filter state carried on; never uses the cache.
     int iterGetData(long count, float* buf, double scale);
@@ -82,16 +88,20 @@ class KVSIG_API DataSource {
     void setKind(std::uint16_t kind) { m_kind = kind; }
     [[nodiscard]] bool isGap() const { return (m_kind & 1U) != 0; }
 
+    /// New settings change neither the chain nor the cache; see appendOwnFilters().
     [[nodiscard]] const SourceSettings& settings() const { return m_settings; }
     void setSettings(const SourceSettings& settings) { m_settings = settings; }
     /// Appends the source's own low-pass and high-pass, as far as its settings switch them on, to
-    /// its chain, designed for `samplingRate` (hertz), and switches filtering on.
+    /// its chain, designed for `samplingRate` (hertz; at one not above 0 they stay as they are),
+    /// switches filtering on and empties the cache. The source owns these filters: the chain must
+    /// not (FilterList::deleteList()).
     void appendOwnFilters(double samplingRate);
 
   protected:
     explicit DataSource(IDataReader& reader);
     /// Copies copy the cached samples. A copied chain owns no filters; where the original's own
-    /// filters stand in it, the copy's own take their place.
+    /// filters stand in it, the copy's own take their place. An assignment first lets go of the
+    /// filters held before, deleting them when the chain owns them.
     DataSource(const DataSource& other);
     DataSource& operator=(const DataSource& other);
 

@@ -5,6 +5,7 @@
 #include "kvsig/montage/MontageContext.h"
 #include "kvsig/montage/names/Derivation.h"
 #include "kvsig/montage/names/ReservedNames.h"
+#include "kvsig/util/SampleRange.h"
 #include "kvsig/util/Text.h"
 
 #include <algorithm>
@@ -72,7 +73,7 @@ void G1G2Source::constructDefn(char* out, bool withSettings) {
 int G1G2Source::_getData(long first, long last, float* buf, double scale) {
     // A channel against itself is defined as a flat line; so is a source without channels.
     if (m_channel1 == m_channel2) {
-        const auto count = static_cast<int>(last - first + 1);
+        const int count = rangeLength(first, last);
         std::fill_n(buf, count, 0.0F);
         return count;
     }
