@@ -8,13 +8,13 @@
 #include "kvsig/montage/names/ScalpGrid.h"
 #include "kvsig/util/LogSink.h"
 #include "kvsig/util/NumberText.h"
+#include "kvsig/util/SampleRange.h"
 #include "kvsig/util/Saturate.h"
 #include "kvsig/util/Text.h"
 #include "kvsig/util/TimeText.h"
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <string_view>
 #include <utility>
 
@@ -358,13 +358,9 @@ int DataReader::getChunk(long bytePos, short* buffer, int) {
 // sample from `first`, and a null run where the recording has no samples.
 template <typename Consume>
 int DataReader::forEachRun(int channel, long first, long last, Consume consume) {
-    if (first > last)
+    const std::int64_t count = rangeLength(first, last);
+    if (count == 0)
         return 0;
-    const std::uint64_t steps =
-        static_cast<std::uint64_t>(last) - static_cast<std::uint64_t>(first);
-    if (steps >= static_cast<std::uint64_t>(std::numeric_limits<int>::max()))
-        return 0;
-    const std::int64_t count = static_cast<std::int64_t>(steps) + 1;
     const std::int64_t beforeStart = first >= 0 ? 0 : last < 0 ? count : -std::int64_t{first};
     if (beforeStart > 0)
         consume(std::int64_t{0}, beforeStart, static_cast<const PageRun*>(nullptr));
