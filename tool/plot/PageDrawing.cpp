@@ -14,8 +14,8 @@ namespace {
 constexpr Colour ink{0.08, 0.08, 0.16};
 constexpr Colour words{0.15, 0.15, 0.15};
 constexpr Colour faint{0.45, 0.45, 0.45};
-constexpr Colour majorLine{0.72, 0.76, 0.84};
-constexpr Colour minorLine{0.91, 0.93, 0.96};
+constexpr Colour majorLine{0.68, 0.72, 0.82};
+constexpr Colour minorLine{0.87, 0.90, 0.95};
 constexpr double ownScaleRoom = 0.8; // of the row spacing
 
 // Value to millimetres below the row's centre.
@@ -33,7 +33,8 @@ RowScale scaleOf(const Row& row, const TraceReducer& trace, const PageContent& c
     if (row.microvolts) {
         const bool own = hasOwnScale(row);
         const double sensitivity = own ? fittingSensitivity(span, room) : content.sensitivity;
-        scale.mmPerUnit = 1.0 / sensitivity;
+        // The ECG is read with its R wave up, whatever the electrodes' convention.
+        scale.mmPerUnit = (own ? -1.0 : 1.0) / sensitivity;
         // Without a low filter the electrodes' offset would carry the trace off the page.
         scale.centre = content.signals->lowFilter > 0 ? 0.0 : trace.mean();
         if (own)
@@ -178,9 +179,9 @@ class PagePainter {
         const bool meanTaken = m_content.signals->lowFilter <= 0;
         std::string remarks = meanTaken ? "each trace's mean is taken off" : "";
         const auto& rows = m_content.rows->rows();
-        if (std::any_of(rows.begin(), rows.end(), [](const Row& r) { return !r.microvolts; }))
-            remarks +=
-                std::string(remarks.empty() ? "" : "; ") + "other units: own scale, positive up";
+        if (std::any_of(rows.begin(), rows.end(), hasOwnScale))
+            remarks += std::string(remarks.empty() ? "" : "; ") +
+                       "rows with a scale of their own: positive up";
         m_canvas.text(2.0, m_layout.height - 2.5, remarks, 2.5, Align::left, faint);
     }
 

@@ -22,7 +22,8 @@ struct PageContent {
 
 /// Draws the page as an EEG reader expects it: negative up, rows evenly spaced, labels left, second
 /// and 200 ms lines, clock times below, a scale bar in microvolts, and a caption with sensitivity
-/// and filters. Rows in other units, and the ECG, have a scale of their own.
+/// and filters. Rows in other units, and the ECG, have a scale of their own and
+/// stand positive up.
 void drawPage(Canvas& canvas, const PageLayout& layout, const PageContent& content);
 
 /// Whether a row has a scale of its own.

@@ -12,7 +12,7 @@ struct PageLayout {
     double width = 297.0;
     double height = 0.0;
     double left = 27.0; ///< the traces' area
-    double right = 289.0;
+    double right = 287.0;
     double top = 17.0;
     double bottom = 0.0;
     double rowSpacing = 0.0;
