@@ -16,25 +16,15 @@ DataCache cacheOf(std::int32_t first, std::int32_t count) {
     return cache;
 }
 
-TEST(DataCache, StartsEmpty) {
-    const DataCache cache;
-    EXPECT_EQ(cache.nFirst, -1);
-    EXPECT_EQ(cache.nLast, -1);
-    EXPECT_EQ(cache.nAlloc, 0);
-    EXPECT_EQ(cache.pData, nullptr);
-    EXPECT_EQ(cache.dScale, 1.0);
-    EXPECT_EQ(cache.length(), 0);
-    EXPECT_FALSE(cache.holds(-1)) << "-1 says empty, it is no sample";
-}
-
 TEST(DataCache, HoldsItsRangeWithBothEnds) {
     const DataCache cache = cacheOf(-3, 6);
     EXPECT_EQ(cache.length(), 6);
-    EXPECT_TRUE(cache.holds(-3));
-    EXPECT_TRUE(cache.holds(-1));
-    EXPECT_TRUE(cache.holds(2));
-    EXPECT_FALSE(cache.holds(-4));
-    EXPECT_FALSE(cache.holds(3));
+    for (const long sample : {-3L, -1L, 2L})
+        EXPECT_TRUE(cache.holds(sample)) << sample;
+    for (const long sample : {-4L, 3L})
+        EXPECT_FALSE(cache.holds(sample)) << sample;
+    EXPECT_EQ(DataCache().length(), 0);
+    EXPECT_FALSE(DataCache().holds(-1)) << "-1 says empty, it is no sample";
     DataCache reversed = cacheOf(5, 2);
     reversed.nLast = 3;
     EXPECT_EQ(reversed.length(), 0);
