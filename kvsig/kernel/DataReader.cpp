@@ -332,8 +332,11 @@ int DataReader::getSampleChunk(long firstSample, short* buffer) {
     const std::int64_t frameBytes = m_state->frameLayout().frameBytes();
     if (m_state->inChunkDefault || frameBytes <= 0)
         return 0;
+    constexpr std::int64_t furthest = std::numeric_limits<long>::max();
+    if (firstSample > furthest / frameBytes || firstSample < -furthest / frameBytes)
+        return 0;
     m_state->inChunkDefault = true;
-    const int bytes = getChunk(saturate<long>(firstSample * frameBytes), buffer,
+    const int bytes = getChunk(static_cast<long>(firstSample * frameBytes), buffer,
                                saturate<int>(chunkPts() * frameBytes));
     m_state->inChunkDefault = false;
     return saturate<int>(bytes / frameBytes);
