@@ -150,7 +150,7 @@ void EDF90Reader::reportOddFields() {
     const std::string duration = fieldText("duration of a data record", edf::recordDuration.offset,
                                            header.text(edf::recordDuration));
     constexpr double secondsPerYear = 31557600.0;
-    if (!(samplingRate() > 0) || !std::isfinite(samplingRate()))
+    if (!(header.duration() > 0) || !std::isfinite(samplingRate()))
         report(Severity::unusable, duration + ", which gives no sampling rate");
     else if (header.duration() > secondsPerYear)
         report(Severity::unusable, duration + " seconds, more than a year");

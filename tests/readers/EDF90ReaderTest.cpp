@@ -486,6 +486,14 @@ TEST(EDF90Reader, FewerThanThreeSamplesAreRefused) {
     }
 }
 
+TEST(EDF90Reader, ARecordingOfAnnotationsAloneSaysSo) {
+    test::LogCapture log;
+    Edf reader(EdfFile().signal("EDF Annotations", 8).reserved("EDF+C").records(3));
+    EXPECT_EQ(reader.getLastError(), 2);
+    EXPECT_THAT(reader.lastErrorText(), HasSubstr("none of its 1 signals is a channel"));
+    EXPECT_EQ(log.take(logWarning).size(), 1U); // the duration, for one, is not to blame
+}
+
 TEST(EDF90Reader, InterruptedRecordingsAreRefusedWithTheGivenDiagnostic) {
     test::LogCapture log;
     Edf reader(oneSignal().reserved("EDF+D"));
