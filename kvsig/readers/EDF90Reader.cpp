@@ -260,8 +260,9 @@ bool EDF90Reader::patientInfo(std::ostream& stream, bool flag) {
 }
 
 long EDF90Reader::storedSampleCount() {
-    return saturate<long>(static_cast<double>(wholeRecords(storedSampleBytes())) *
-                          static_cast<double>(m_edf->maxRecordSamples));
+    const double stored = static_cast<double>(wholeRecords(storedSampleBytes())) *
+                          static_cast<double>(m_edf->maxRecordSamples);
+    return std::min(saturate<long>(stored), sampleCount());
 }
 
 double EDF90Reader::storedSamplingRate(int channel) {

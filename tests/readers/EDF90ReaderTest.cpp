@@ -368,6 +368,17 @@ TEST(EDF90Reader, FramesHoldAsManyChannelsAsTheReaderCounts) {
     EXPECT_EQ(rawOf(reader, 2, 17, 17).front(), file.sample(2, 17));
 }
 
+TEST(EDF90Reader, TheStoredLengthIsNotMoreThanCanBeAskedFor) {
+    const test::TempDir dir;
+    const std::string path = dir.write("long.edf", oneSignal().bytes());
+    std::filesystem::resize_file(path, 5000000512); // sparse
+    EDF90Reader reader;
+    ASSERT_TRUE(reader.open(path.c_str()));
+    EXPECT_EQ(reader.maxDataIndex(), INT32_MAX);
+    EXPECT_EQ(reader.storedSampleCount(), reader.sampleCount());
+    test::readAround(reader);
+}
+
 TEST(EDF90Reader, ARecordTooLargeToReadIsTold) {
     const test::TempDir dir;
     const auto unusable = [&](const EdfFile& made, std::uintmax_t bytes) {
