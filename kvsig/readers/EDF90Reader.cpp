@@ -241,6 +241,10 @@ bool EDF90Reader::getPatientRec() {
     // The two pivots differ on purpose: EDF has no rule, EDF+ counts two-digit years from 1985.
     const bool plus = header.kind() == edf::Kind::continuous;
     copyText(patient.testDate, fullDate(header.text(edf::startDate), plus ? 85 : 90));
+    // What this file does not tell must not be the last one's patient.
+    copyText(patient.id, "");
+    copyText(patient.sex, "");
+    copyText(patient.birthDate, "");
     const std::vector<std::string> words = splitWords(identification, ' ');
     if (plus && words.size() == 4) {
         copyText(patient.id, words[0]);

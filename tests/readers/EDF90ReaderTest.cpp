@@ -306,6 +306,42 @@ TEST(EDF90Reader, PatientWordsAreSplitInEdfPlusOnly) {
     }
 }
 
+TEST(EDF90Reader, AnotherFileInTheSameObjectStartsAfresh) {
+    EdfFile first = EdfFile().signal("EDF Annotations", 4).signal("EEG C3", 4).signal("EEG C4", 4);
+    first.records(9).reserved("EDF+C").start("01.02.03", "01.00.00").patient("A F 01-JAN-1950 Ann");
+    EdfFile second = EdfFile().signal("EEG O1", 2).signal("EEG O2", 4).records(3);
+    second.start("05.06.07", "10.00.00").patient("Bob").reserved("EDF+C");
+    second.samples([](int signal, std::int64_t index) { return 100 * (signal + 1) + index; });
+
+    Edf reader(first);
+    rawOf(reader, 0, 0, 35);
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_TRUE(reader.opens(second));
+        EXPECT_EQ(startClock(reader), 36000);
+        EXPECT_EQ(reader.sampleTimeCount(), 1);
+        EXPECT_EQ(reader.channelCount(), 2);
+        EXPECT_EQ(reader.sampleCount(), 12);
+        EXPECT_THAT(rawOf(reader, 0, 3, 5), ElementsAre(101, 102, 102));
+        EXPECT_THAT(rawOf(reader, 1, 3, 5), ElementsAre(203, 204, 205));
+        EXPECT_EQ(reader.patientRec()->name(), "Bob");
+        EXPECT_STREQ(reader.patientRec()->testDate, "2007.06.05");
+        for (const char* text :
+             {reader.patientRec()->id, reader.patientRec()->sex, reader.patientRec()->birthDate})
+            EXPECT_STREQ(text, "") << "of the patient before";
+
+        EXPECT_FALSE(reader.open("/nowhere/at all.edf"));
+        EXPECT_EQ(reader.getLastError(), 1);
+        test::readAround(reader);
+
+        ASSERT_TRUE(reader.opens(first));
+        EXPECT_EQ(reader.getLastError(), 0);
+        EXPECT_STREQ(reader.lastErrorText(), "");
+        EXPECT_EQ(startClock(reader), 3600);
+        EXPECT_EQ(rawOf(reader, 1, 35, 35).front(), first.sample(2, 35));
+        EXPECT_STREQ(reader.patientRec()->birthDate, "01-JAN-1950");
+    }
+}
+
 TEST(EDF90Reader, AnInfiniteRateIsKeptAndHarmsNothing) {
     EdfFile file = oneSignal().duration("0");
     Edf reader(file);
