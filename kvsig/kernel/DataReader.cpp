@@ -335,10 +335,12 @@ int DataReader::chunkPts() { return _minReadPts(); }
 int DataReader::getSampleChunk(long firstSample, short* buffer) {
     const std::int64_t frameBytes = m_state->frameLayout().frameBytes();
     const bool inRange = firstSample >= 0 && std::in_range<std::int32_t>(firstSample);
-    if (m_state->inChunkDefault || frameBytes <= 0 || !inRange)
+    const std::int64_t position = inRange ? firstSample * frameBytes : -1;
+    if (m_state->inChunkDefault || frameBytes <= 0 || position < 0 ||
+        !std::in_range<long>(position))
         return 0;
     m_state->inChunkDefault = true;
-    const int bytes = getChunk(saturate<long>(firstSample * frameBytes), buffer,
+    const int bytes = getChunk(static_cast<long>(position), buffer,
                                saturate<int>(std::max(chunkPts(), 1) * frameBytes));
     m_state->inChunkDefault = false;
     return saturate<int>(bytes / frameBytes);

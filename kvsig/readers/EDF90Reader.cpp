@@ -1,5 +1,6 @@
 #include "kvsig/readers/EDF90Reader.h"
 
+#include "kvsig/kernel/DataPage.h"
 #include "kvsig/montage/names/Derivation.h"
 #include "kvsig/readers/EdfHeader.h"
 #include "kvsig/readers/RecordDemux.h"
@@ -11,6 +12,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -61,7 +64,7 @@ struct EDF90Reader::State {
     std::int64_t maxRecordSamples = 0;   ///< the longest of the channels
     bool mixedRates = false;
     bool ownStartAnchor = false;
-    std::vector<std::byte> record; ///< reused by every chunk read
+    PageBuffer record; ///< reused by every chunk read
 };
 
 EDF90Reader::EDF90Reader() : m_edf(std::make_unique<State>()) {}
@@ -138,17 +141,22 @@ void EDF90Reader::layOutChannels() {
 void EDF90Reader::reportOddFields() {
     using Severity = OpenFinding::Severity;
     const edf::Header& header = m_edf->header;
-    const double rate = samplingRate();
     const std::string duration = fieldText("duration of a data record", edf::recordDuration.offset,
                                            header.text(edf::recordDuration));
     constexpr double secondsPerYear = 31557600.0;
-    if (!(rate > 0) || !std::isfinite(rate))
+    if (!(header.duration() > 0) || !std::isfinite(samplingRate()))
         report(Severity::unusable, duration + ", which gives no sampling rate");
     else if (header.duration() > secondsPerYear)
         report(Severity::unusable, duration + " seconds, more than a year");
 
     if (const std::string fault = headerLengthFault(header); !fault.empty())
         report(Severity::unusable, fault);
+    const std::int64_t largest =
+        std::max(header.recordSamples() * storedSampleBytes(),
+                 m_edf->maxRecordSamples * channelCount() * bytesPerSample());
+    if (largest > maxPageBytes)
+        report(Severity::unusable, "a data record takes " + std::to_string(largest) +
+                                       " bytes, more than can be read at once");
     for (std::int64_t i = 0; i < header.fileSignals(); ++i)
         if (header.signalSamples()[static_cast<std::size_t>(i)] < 1)
             report(Severity::unusable,
@@ -227,6 +235,10 @@ bool EDF90Reader::getPatientRec() {
     // The two pivots differ on purpose: EDF has no rule, EDF+ counts two-digit years from 1985.
     const bool plus = header.kind() == edf::Kind::continuous;
     copyText(patient.testDate, fullDate(header.text(edf::startDate), plus ? 85 : 90));
+    // What this file does not tell must not be the last one's patient.
+    copyText(patient.id, "");
+    copyText(patient.sex, "");
+    copyText(patient.birthDate, "");
     const std::vector<std::string> words = splitWords(identification, ' ');
     if (plus && words.size() == 4) {
         copyText(patient.id, words[0]);
@@ -246,8 +258,9 @@ bool EDF90Reader::patientInfo(std::ostream& stream, bool flag) {
 }
 
 long EDF90Reader::storedSampleCount() {
-    return saturate<long>(static_cast<double>(wholeRecords(storedSampleBytes())) *
-                          static_cast<double>(m_edf->maxRecordSamples));
+    const double stored = static_cast<double>(wholeRecords(storedSampleBytes())) *
+                          static_cast<double>(m_edf->maxRecordSamples);
+    return std::min(saturate<long>(stored), sampleCount());
 }
 
 double EDF90Reader::storedSamplingRate(int channel) {
@@ -358,20 +371,28 @@ std::string EDF90Reader::signalLabel(std::int64_t fileSignal) const {
 
 int EDF90Reader::getChunk(long bytePos, short* buffer, int bytes) {
     const std::int64_t chunkBytes = m_edf->maxRecordSamples * channelCount() * bytesPerSample();
-    const std::int64_t recordBytes = m_edf->header.recordSamples() * storedSampleBytes();
-    if (chunkBytes <= 0 || bytes < chunkBytes || recordBytes <= 0 ||
-        recordBytes > m_edf->file.size())
+    // The host may have set another channel count; of more channels than the file's there is
+    // nothing to frame.
+    if (chunkBytes <= 0 || bytes < chunkBytes || !isChannel(channelCount() - 1))
         return 0;
-    m_edf->record.resize(static_cast<std::size_t>(recordBytes));
-    const std::int64_t position = m_edf->header.dataOffset() + bytePos / chunkBytes * recordBytes;
+    const std::int64_t record = bytePos / chunkBytes;
+    const std::int64_t recordBytes = m_edf->header.recordSamples() * storedSampleBytes();
+    if (record < 0 || record >= wholeRecords(storedSampleBytes()) ||
+        !m_edf->record.reserve(recordBytes))
+        return 0;
+    const std::int64_t position = m_edf->header.dataOffset() + record * recordBytes;
     if (m_edf->file.readAt(position, m_edf->record.data(), recordBytes) < recordBytes)
         return 0;
-    demuxRecord(m_edf->record.data(), m_edf->record.size(), buffer);
+    demuxRecord(m_edf->record.data(), static_cast<std::size_t>(recordBytes), buffer);
+    std::memset(static_cast<std::byte*>(static_cast<void*>(buffer)) + chunkBytes, 0,
+                static_cast<std::size_t>(bytes - chunkBytes));
     return bytes;
 }
 
 void EDF90Reader::demuxRecord(const std::byte* record, std::size_t bytes, short* frames) {
-    demuxRecord16({record, bytes}, m_edf->channels, m_edf->maxRecordSamples, frames);
+    const auto channels =
+        std::span(m_edf->channels).first(static_cast<std::size_t>(channelCount()));
+    demuxRecord16({record, bytes}, channels, m_edf->maxRecordSamples, frames);
 }
 
 } // namespace kvsig

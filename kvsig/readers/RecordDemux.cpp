@@ -22,9 +22,11 @@ void demuxRecord16(std::span<const std::byte> record, std::span<const RecordChan
     const auto stride = static_cast<std::int64_t>(channels.size());
     for (const RecordChannel& channel : channels) {
         std::int16_t* out = frames++;
-        const std::int64_t inside = samplesInside(recordSamples, channel.offset, channel.samples);
+        // A count below 0 would step backward, out of the record.
+        const std::int64_t samples = std::max<std::int64_t>(channel.samples, 0);
+        const std::int64_t inside = samplesInside(recordSamples, channel.offset, samples);
         const std::byte* source = record.data() + (inside > 0 ? 2 * channel.offset : 0);
-        if (channel.samples == points) {
+        if (samples == points) {
             for (std::int64_t k = 0; k < points; ++k)
                 out[k * stride] = k < inside ? loadLittle16(source + 2 * k) : std::int16_t{0};
             continue;
@@ -32,7 +34,7 @@ void demuxRecord16(std::span<const std::byte> record, std::span<const RecordChan
         // Output k takes input i as long as k / points < (i + 1) / samples; in whole numbers that
         // is i = floor(k * samples / points).
         for (std::int64_t k = 0; k < points; ++k) {
-            const std::int64_t i = k * channel.samples / points;
+            const std::int64_t i = k * samples / points;
             out[k * stride] = i < inside ? loadLittle16(source + 2 * i) : std::int16_t{0};
         }
     }

@@ -13,7 +13,7 @@ namespace kvsig {
 /// Where a channel stands in a record, counted in samples.
 struct RecordChannel {
     std::int64_t offset = 0;  ///< of its first sample
-    std::int64_t samples = 0; ///< how many; not more than the frames' points
+    std::int64_t samples = 0; ///< how many; not more than the frames' points, below 0 none
 };
 
 /// Little-endian 16-bit samples. Writes `points` frames of channels.size() values. A channel with

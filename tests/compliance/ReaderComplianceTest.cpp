@@ -1,0 +1,251 @@
+#include "compliance/ReaderRow.h"
+#include "kvsig/registry/FormatTable.h"
+#include "kvsig/registry/FrontDoor.h"
+#include "support/Opened.h"
+#include "support/ReadAround.h"
+
+#include <climits>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <limits>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace kvsig {
+namespace {
+
+using test::rawOf;
+using test::ReaderRow;
+using test::SampleRecording;
+using test::valuesOf;
+using Counts = std::vector<std::int32_t>;
+
+class ReaderCompliance : public testing::TestWithParam<ReaderRow> {
+  protected:
+    void SetUp() override {
+        path = dir.write(file.fileName, file.bytes);
+        ASSERT_TRUE(reader->open(path.c_str())) << reader->lastErrorText();
+    }
+
+    // What the maker put there, by the rule of getData(): 0 where nothing is stored.
+    [[nodiscard]] Counts expected(int channel, long first, long last) const {
+        Counts counts;
+        for (long i = first; i <= last; ++i)
+            counts.push_back(i >= 0 && i < file.storedSampleCount ? file.raw(channel, i) : 0);
+        return counts;
+    }
+
+    const test::TempDir dir;
+    const SampleRecording file = GetParam().sample();
+    std::string path;
+    std::unique_ptr<DataReader> reader = GetParam().reader();
+};
+
+TEST_P(ReaderCompliance, TellsTheFactsOfTheRecording) {
+    EXPECT_EQ(reader->channelCount(), file.channels);
+    EXPECT_EQ(reader->samplingRate(), file.samplingRate);
+    EXPECT_EQ(reader->sampleCount(), file.sampleCount);
+    EXPECT_EQ(reader->maxDataIndex(), file.sampleCount - 1);
+    EXPECT_EQ(reader->storedSampleCount(), file.storedSampleCount);
+    EXPECT_DOUBLE_EQ(reader->duration(), static_cast<double>(file.sampleCount) / file.samplingRate);
+    EXPECT_EQ(reader->fileName(), path);
+    EXPECT_EQ(reader->partFileName(0), path);
+    EXPECT_EQ(reader->miscFlags(), GetParam().miscFlags);
+    EXPECT_EQ(reader->getLastError(), 0);
+    EXPECT_STREQ(reader->lastErrorText(), "");
+}
+
+TEST_P(ReaderCompliance, TheFrontDoorOpensItByItsType) {
+    std::string error;
+    const ReaderPtr opened = openReader(path.c_str(), GetParam().type, &error);
+    ASSERT_TRUE(opened) << error;
+    EXPECT_EQ(opened->fileType(), GetParam().type);
+    EXPECT_EQ(opened->sampleCount(), file.sampleCount);
+    EXPECT_TRUE(openReader(path.c_str())); // and by its content
+}
+
+TEST_P(ReaderCompliance, ClosesTwiceAndReopens) {
+    const Counts before = rawOf(*reader, 0, 0, 99);
+    for (int round = 0; round < 3; ++round) {
+        reader->close();
+        reader->close();
+        test::readAround(*reader);
+        EXPECT_FALSE(reader->open(dir.file("missing").c_str()));
+        EXPECT_EQ(reader->getLastError(), 1);
+        ASSERT_TRUE(reader->open(path.c_str()));
+        EXPECT_EQ(reader->getLastError(), 0);
+        ASSERT_TRUE(reader->open(path.c_str())) << "without closing";
+        EXPECT_EQ(rawOf(*reader, 0, 0, 99), before);
+        EXPECT_EQ(reader->sampleTimeCount(), 1);
+    }
+}
+
+TEST_P(ReaderCompliance, GettersAnswerNothingOutOfRange) {
+    for (const int channel : {INT_MIN, -1, file.channels, file.channels + 1, INT_MAX}) {
+        for (const char* text : {reader->channelName(channel), reader->grid1(channel),
+                                 reader->grid2(channel), reader->channelUnits(channel)})
+            EXPECT_STREQ(text, "") << channel;
+        for (const double number :
+             {reader->calibration(channel), reader->dcOffset(channel), reader->physioLow(channel),
+              reader->physioHigh(channel), reader->storedSamplingRate(channel),
+              static_cast<double>(reader->digitalLow(channel)),
+              static_cast<double>(reader->digitalHigh(channel)),
+              static_cast<double>(reader->channelType(channel))})
+            EXPECT_EQ(number, 0.0) << channel;
+        EXPECT_EQ(rawOf(*reader, channel, 0, 2), Counts(3, 0)) << channel;
+    }
+    for (int channel = 0; channel < file.channels; ++channel) {
+        EXPECT_STRNE(reader->channelName(channel), "");
+        EXPECT_STRNE(reader->grid1(channel), "");
+        EXPECT_NE(reader->calibration(channel), 0.0);
+        EXPECT_NE(reader->digitalHigh(channel), reader->digitalLow(channel));
+        EXPECT_GT(reader->storedSamplingRate(channel), 0.0);
+        EXPECT_LE(reader->storedSamplingRate(channel), reader->samplingRate());
+    }
+}
+
+TEST_P(ReaderCompliance, EveryWayOfReadingGivesTheMakersSamples) {
+    const long last = file.sampleCount - 1;
+    ASSERT_GT(last, 2 * reader->getPagePts()) << "the sample must span several pages";
+    for (const int maxPages : {15, 1, 2, 3}) {
+        reader->flushPages(false);
+        reader->setMaxPages(static_cast<short>(maxPages));
+        for (int channel = 0; channel < file.channels; ++channel) {
+            const Counts all = expected(channel, 0, last);
+            ASSERT_EQ(rawOf(*reader, channel, 0, last), all) << channel;
+            for (long i = last; i >= 0; i -= 7) // single samples, backward
+                ASSERT_EQ(rawOf(*reader, channel, i, i), expected(channel, i, i)) << i;
+            for (long first = 0; first <= last; first += 61) // blocks that cross chunks and pages
+                ASSERT_EQ(rawOf(*reader, channel, first, first + 60),
+                          expected(channel, first, first + 60));
+            for (const long i : {last, 0L, last / 2, last - 1, 1L}) // far jumps
+                ASSERT_EQ(rawOf(*reader, channel, i, i), expected(channel, i, i)) << i;
+        }
+    }
+}
+
+TEST_P(ReaderCompliance, RangesAreInclusiveAndOutsideThemAreZeros) {
+    const long last = file.sampleCount - 1;
+    EXPECT_EQ(rawOf(*reader, 0, -5, 3), expected(0, -5, 3));
+    EXPECT_EQ(rawOf(*reader, 0, last - 3, last + 5), expected(0, last - 3, last + 5));
+    EXPECT_EQ(rawOf(*reader, 0, -3, last + 3), expected(0, -3, last + 3));
+    constexpr long far = std::numeric_limits<long>::max();
+    for (const long first : {-9L, last + 1, far - 9, -far})
+        EXPECT_EQ(rawOf(*reader, 0, first, first + 8), Counts(9, 0)) << first;
+
+    float untouched = 42.0F;
+    const struct {
+        long first, last;
+    } empty[] = {{1, 0}, {0, -1}, {last + 1, last}, {far, -far}, {5, -5}, {-far, far}};
+    for (const auto& range : empty) {
+        EXPECT_EQ(reader->getData(0, range.first, range.last, &untouched, 1.0, 0), 0);
+        EXPECT_EQ(reader->getRawData(0, range.first, range.last, nullptr), 0);
+    }
+    EXPECT_EQ(untouched, 42.0F);
+    EXPECT_EQ(reader->getData(0, last, last, &untouched, 1.0, 0), 1);
+    EXPECT_NE(untouched, 42.0F);
+}
+
+TEST_P(ReaderCompliance, ChunksOutsideTheRecordingHoldNothing) {
+    const auto values = static_cast<std::size_t>(reader->chunkPts() * file.channels);
+    std::vector<short> frames(values * static_cast<std::size_t>(reader->bytesPerSample()) / 2);
+    EXPECT_EQ(reader->getSampleChunk(0, frames.data()), reader->chunkPts());
+    constexpr long far = std::numeric_limits<long>::max();
+    for (const long first : {file.sampleCount, far, far / 2, -far, -10L * reader->chunkPts()})
+        EXPECT_EQ(reader->getSampleChunk(first, frames.data()), 0) << first;
+}
+
+TEST_P(ReaderCompliance, AccumulatingTwiceDoublesWhatIsStored) {
+    for (int channel = 0; channel < file.channels; ++channel) {
+        const std::vector<float> once = valuesOf(*reader, channel, -2, 99);
+        std::vector<float> sum(once.size(), 0.0F);
+        for (int round = 0; round < 2; ++round)
+            EXPECT_EQ(reader->getData(channel, -2, 99, sum.data(), 1.0, 1), 102);
+        for (std::size_t i = 0; i < once.size(); ++i)
+            EXPECT_EQ(sum[i], 2 * once[i]);
+    }
+}
+
+TEST_P(ReaderCompliance, ValuesFollowFromCountsAndCalibration) {
+    for (int channel = 0; channel < file.channels; ++channel) {
+        const Counts raw = rawOf(*reader, channel, 0, file.sampleCount - 1);
+        const std::vector<float> values = valuesOf(*reader, channel, 0, file.sampleCount - 1, 0.5);
+        const double low = reader->physioLow(channel), high = reader->physioHigh(channel);
+        const double first = reader->digitalLow(channel), end = reader->digitalHigh(channel);
+        for (std::size_t i = 0; i < raw.size(); ++i) {
+            const double linear = (raw[i] - first) / (end - first) * (high - low) + low;
+            const double value = reader->channelType(channel) == 100 ? linear : raw[i];
+            EXPECT_FLOAT_EQ(values[i],
+                            static_cast<float>(value * reader->calibration(channel) / 2));
+        }
+    }
+}
+
+// Whatever is missing: it is told, or what opens can be read to its end.
+TEST_P(ReaderCompliance, TruncatedFilesAreToldOrRead) {
+    std::set<std::size_t> lengths = {file.bytes.size() - 1};
+    for (const std::size_t boundary : file.boundaries)
+        lengths.insert({boundary, boundary + 1, boundary - (boundary > 0)});
+    const std::size_t header = file.boundaries.back();
+    for (std::size_t length = 0; length < file.bytes.size(); length += length < header ? 13 : 101)
+        lengths.insert(length);
+    for (const std::size_t length : lengths) {
+        SCOPED_TRACE(length);
+        const std::string cut = dir.write("cut", std::string_view(file.bytes).substr(0, length));
+        const auto other = GetParam().reader();
+        if (!other->open(cut.c_str())) {
+            EXPECT_THAT(other->getLastError(), testing::AnyOf(1, 2, 3));
+            EXPECT_THAT(other->lastErrorText(), testing::StartsWith(cut + ": "));
+            EXPECT_GT(std::string(other->lastErrorText()).size(), cut.size() + 10);
+            continue;
+        }
+        EXPECT_GT(length, header);
+        EXPECT_EQ(other->getLastError(), 0);
+        EXPECT_LE(other->storedSampleCount(), other->sampleCount());
+        for (int channel = 0; channel < file.channels; ++channel) {
+            Counts whole = expected(channel, 0, other->storedSampleCount() - 1);
+            whole.resize(static_cast<std::size_t>(other->sampleCount()), 0);
+            ASSERT_EQ(rawOf(*other, channel, 0, other->sampleCount() - 1), whole);
+        }
+    }
+}
+
+TEST_P(ReaderCompliance, TwoReadersOfOneFileDoNotDisturbEachOther) {
+    const auto other = GetParam().reader();
+    ASSERT_TRUE(other->open(path.c_str()));
+    const std::string name = reader->channelName(0);
+    for (long i = 0; i < file.sampleCount; i += 37) {
+        const long mirrored = file.sampleCount - 1 - i;
+        ASSERT_EQ(rawOf(*reader, 0, i, i), expected(0, i, i));
+        ASSERT_EQ(rawOf(*other, file.channels - 1, mirrored, mirrored),
+                  expected(file.channels - 1, mirrored, mirrored));
+    }
+    other->close();
+    reader->flushPages(false);
+    EXPECT_EQ(rawOf(*reader, 0, 5, 5), expected(0, 5, 5));
+    EXPECT_EQ(reader->channelName(0), name);
+}
+
+TEST_P(ReaderCompliance, ClockAndElapsedTimeAreInverse) {
+    EXPECT_DOUBLE_EQ(reader->getClockTime(0.0), file.startClock);
+    for (const double elapsed : {0.0, 0.125, 1.0, 20.0, reader->duration()}) {
+        EXPECT_DOUBLE_EQ(reader->getClockTime(elapsed), file.startClock + elapsed);
+        EXPECT_DOUBLE_EQ(reader->getElapsedTime(file.startClock + elapsed), elapsed);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Edf, ReaderCompliance, testing::ValuesIn(test::edfRows()),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+// A format is readable when its reader has passed the kit.
+TEST(ReaderComplianceRows, CoverEveryReadableFormat) {
+    std::set<int> types;
+    for (const ReaderRow& row : test::edfRows())
+        types.insert(row.type);
+    for (const FormatRow& row : readableFormats())
+        EXPECT_TRUE(types.contains(row.type)) << row.name;
+}
+
+} // namespace
+} // namespace kvsig

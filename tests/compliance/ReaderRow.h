@@ -1,0 +1,43 @@
+#pragma once
+
+#include "kvsig/kernel/DataReader.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace kvsig::test {
+
+/// A recording made for a reader, and what the reader must make of it.
+struct SampleRecording {
+    std::string bytes;
+    std::string fileName;
+    std::vector<std::size_t> boundaries; ///< offsets at which a field of the header begins
+    int channels = 0;
+    double samplingRate = 0.0;
+    long sampleCount = 0;       ///< as the kernel counts
+    long storedSampleCount = 0; ///< from here on samples read as zeros
+    double startClock = 0.0;    ///< seconds since midnight
+    /// The raw count of a stored sample.
+    std::function<std::int32_t(int channel, long index)> raw;
+};
+
+/// A format in the compliance kit. A new format adds its rows and nothing else.
+struct ReaderRow {
+    const char* name;
+    int type;
+    std::uint32_t miscFlags;
+    std::function<SampleRecording()> sample;
+    std::function<std::unique_ptr<DataReader>()> reader;
+};
+
+inline void PrintTo(const ReaderRow& row, std::ostream* stream) { *stream << row.name; }
+
+/// The rows of the EDF family.
+std::vector<ReaderRow> edfRows();
+
+} // namespace kvsig::test

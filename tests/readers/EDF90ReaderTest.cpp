@@ -1,0 +1,580 @@
+#include "kvsig/readers/EDF90Reader.h"
+
+#include "support/LogCapture.h"
+#include "support/Opened.h"
+#include "support/ReadAround.h"
+
+#include <cmath>
+#include <filesystem>
+#include <functional>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <limits>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace kvsig {
+namespace {
+
+using test::EdfFile;
+using test::rawOf;
+using test::valuesOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using Edf = test::Opened<EDF90Reader>;
+using Severity = OpenFinding::Severity;
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+EdfFile oneSignal(const std::string& label = "EEG Fp1-Ref") {
+    return EdfFile().signal(label, 4).records(5);
+}
+
+double startClock(DataReader& reader) {
+    SampleTime anchor{-1, -1};
+    reader.getSampleTime(0, anchor);
+    EXPECT_EQ(anchor.sample, 0);
+    return anchor.time;
+}
+
+std::string findingsOf(const DataReader& reader, Severity severity) {
+    std::string texts;
+    for (const OpenFinding& finding : reader.openFindings())
+        if (finding.severity == severity)
+            texts += finding.text + "\n";
+    return texts;
+}
+
+TEST(EDF90Reader, TheAnnotationSignalIsHiddenWhereverItStands) {
+    for (int place = 0; place <= 3; ++place)
+        for (const bool plus : {true, false}) {
+            EdfFile file;
+            std::vector<int> dataSignals;
+            for (int i = 0, data = 0; i < 4; ++i)
+                if (i == place) {
+                    file.signal("EDF Annotations", 9).units("");
+                } else {
+                    file.signal("EEG C" + std::to_string(++data), 4);
+                    dataSignals.push_back(i);
+                }
+            Edf reader(file.records(3).reserved(plus ? "EDF+C" : ""));
+            ASSERT_TRUE(reader.isOpen);
+            EXPECT_EQ(reader.headerLength(), 1280);
+            ASSERT_EQ(reader.channelCount(), plus ? 3 : 4);
+            EXPECT_EQ(reader.sampleCount(), plus ? 12 : 27); // 3 records of 4, or of 9 repeated
+            EXPECT_EQ(reader.samplingRate(), plus ? 4.0 : 9.0);
+            if (!plus) {
+                EXPECT_STREQ(reader.channelName(place), "EDF Annotations");
+                EXPECT_EQ(reader.channelType(place), 100);
+                continue;
+            }
+            for (int c = 0; c < 3; ++c) {
+                EXPECT_EQ(reader.channelName(c), "C" + std::to_string(c + 1));
+                const auto raw = rawOf(reader, c, 0, 11);
+                for (int i = 0; i < 12; ++i)
+                    EXPECT_EQ(raw[static_cast<std::size_t>(i)],
+                              file.sample(dataSignals[static_cast<std::size_t>(c)], i));
+            }
+        }
+}
+
+TEST(EDF90Reader, NamesComeFromLabels) {
+    const struct {
+        const char *label, *name, *grid1, *grid2;
+    } cases[] = {
+        {"EEG C3-A2", "C3-A2", "C3", "A2"},
+        {"eEg T3", "T3", "T3", ""},
+        {"ECG", "ECG", "ECG", ""},
+        {"", "", "1", ""},
+        {"EEG", "EEG", "EEG", ""},
+        {"EEG-Fz", "EEG-Fz", "EEG", "Fz"},
+        {"EEG  Pz", " Pz", " Pz", ""},
+        {"A-B-C", "A-B-C", "A", "B-C"},
+        {"-", "-", "1", ""},
+        {"0123456789abcdef", "0123456789abcdef", "0123456789abcde", ""},
+    };
+    for (const auto& c : cases) {
+        Edf reader(oneSignal(c.label));
+        EXPECT_STREQ(reader.channelName(0), c.name) << c.label;
+        EXPECT_STREQ(reader.grid1(0), c.grid1) << c.label;
+        EXPECT_STREQ(reader.grid2(0), c.grid2) << c.label;
+    }
+}
+
+TEST(EDF90Reader, UnitsDecideTheType) {
+    const struct {
+        const char* units;
+        int type;
+    } cases[] = {{"uV", 1},   {"\xB5V", 1},     {"10 uV/mm", 1}, {"mV", 100}, {"", 100},
+                 {"UV", 100}, {"\xC2\xB5V", 1}, {"DegC", 100},   {"V", 100},  {"u V", 100}};
+    for (const auto& c : cases) {
+        Edf reader(oneSignal().units(c.units));
+        EXPECT_EQ(reader.channelType(0), c.type) << c.units;
+        EXPECT_STREQ(reader.channelUnits(0), c.units);
+    }
+}
+
+TEST(EDF90Reader, LimitsGiveRangeCalibrationAndOffset) {
+    const struct {
+        const char *units, *physicalLow, *physicalHigh, *digitalLow, *digitalHigh;
+        double low, high, calibration, offset;
+        std::int32_t lowCount, highCount;
+    } cases[] = {
+        {"uV", "-100", "100", "-1000", "1000", -100, 100, 0.1, 0, -1000, 1000},
+        {"uV", "100", "-100", "-1000", "1000", 100, -100, -0.1, 0, -1000, 1000},
+        {"mV", "0", "10.24", "0", "1024", 0, 10.24, 0.01, 5.12, 0, 1024},
+        {"uV", "1e2", "+3e2", "-1.9", "2.9", 100, 300, 200.0 / 3, 200, -1, 2},
+        // Switches carry words; those of other units do, microvolt channels have no words.
+        {"", "off", "on", "0", "1", 0, 0, 0, 0, 0, 1},
+        {"", "?", "?", "0", "1", -1, 1, 2, 0, 0, 1},
+        {"", "Off", "ON", "0", "1", 0, 0, 0, 0, 0, 1},
+        {"", "on", "off", "0", "1", 0, 0, 0, 0, 0, 1},
+        {"", "??", "?1", "0", "1", 0, 0, 0, 0, 0, 1},
+        {"uV", "?", "?", "0", "1", 0, 0, 0, 0, 0, 1},
+        // Equal digital limits trap nothing; numbers beyond 32 bits are held at the limit.
+        {"uV", "0", "1", "5", "5", 0, 1, infinity, 0.5, 5, 5},
+        {"uV", "1", "0", "x", "", 1, 0, -infinity, 0.5, 0, 0},
+        {"uV", "0", "1", "-9e99999", "9e99999", 0, 1, 1 / 4294967295.0, 0.5, INT32_MIN, INT32_MAX},
+    };
+    for (const auto& c : cases) {
+        Edf reader(oneSignal()
+                       .units(c.units)
+                       .physical(c.physicalLow, c.physicalHigh)
+                       .digital(c.digitalLow, c.digitalHigh));
+        ASSERT_TRUE(reader.isOpen);
+        SCOPED_TRACE(std::string(c.units) + " " + c.physicalLow + " " + c.digitalLow);
+        EXPECT_DOUBLE_EQ(reader.physioLow(0), c.low);
+        EXPECT_DOUBLE_EQ(reader.physioHigh(0), c.high);
+        EXPECT_DOUBLE_EQ(reader.calibration(0), c.calibration);
+        EXPECT_DOUBLE_EQ(reader.dcOffset(0), c.offset);
+        EXPECT_EQ(reader.digitalLow(0), c.lowCount);
+        EXPECT_EQ(reader.digitalHigh(0), c.highCount);
+    }
+}
+
+// raw 500: 500 * 0.1 = 50 microvolts; of another unit ((500 + 1000) * 200 / 2000 - 100) * 0.1 = 5.
+TEST(EDF90Reader, MicrovoltsAreScaledAndOtherUnitsMapped) {
+    EdfFile file = EdfFile().signal("a", 4).physical("-100", "100").digital("-1000", "1000");
+    file.signal("b", 4).units("mV").physical("-100", "100").digital("-1000", "1000");
+    Edf reader(file.samples([](int, std::int64_t index) { return index == 1 ? -1000 : 500; }));
+    EXPECT_THAT(valuesOf(reader, 0, 0, 1), ElementsAre(50.0F, -100.0F));
+    EXPECT_THAT(valuesOf(reader, 0, 0, 1, 2.0), ElementsAre(100.0F, -200.0F));
+    EXPECT_THAT(valuesOf(reader, 1, 0, 1), ElementsAre(5.0F, -10.0F));
+    EXPECT_THAT(valuesOf(reader, 1, 0, 1, 1 / reader.calibration(1)), ElementsAre(50.0F, -100.0F));
+}
+
+TEST(EDF90Reader, TheFastestChannelGivesTheRateAndSlowerOnesAreRepeated) {
+    EdfFile file = EdfFile().signal("EDF Annotations", 50).signal("slow", 3).signal("fast", 8);
+    file.signal("half", 4).duration("0.5").records(6).reserved("EDF+C");
+    Edf reader(file);
+    ASSERT_TRUE(reader.isOpen);
+    EXPECT_EQ(reader.samplingRate(), 16.0);
+    EXPECT_EQ(reader.sampleCount(), 48);
+    EXPECT_EQ(reader.storedSampleCount(), 48);
+    EXPECT_EQ(reader.chunkPts(), 8);
+    const double stored[] = {6.0, 16.0, 8.0};
+    for (int c = 0; c < 3; ++c) {
+        EXPECT_EQ(reader.channelSamplingRate(c), 16.0);
+        EXPECT_EQ(reader.storedSamplingRate(c), stored[c]);
+    }
+    EXPECT_EQ(reader.storedSamplingRate(-1), 0.0);
+    EXPECT_EQ(reader.storedSamplingRate(3), 0.0);
+    const auto slow = rawOf(reader, 0, 0, 47), fast = rawOf(reader, 1, 0, 47),
+               half = rawOf(reader, 2, 0, 47);
+    // Three samples on eight: thirds of a record begin at 0, 2.67 and 5.33 of its samples.
+    const std::int64_t third[] = {0, 0, 0, 1, 1, 1, 2, 2};
+    for (std::size_t i = 0; i < 48; ++i) {
+        const auto index = static_cast<std::int64_t>(i);
+        EXPECT_EQ(slow[i], file.sample(1, index / 8 * 3 + third[i % 8])) << i;
+        EXPECT_EQ(fast[i], file.sample(2, index)) << i;
+        EXPECT_EQ(half[i], file.sample(3, index / 2)) << i;
+    }
+}
+
+TEST(EDF90Reader, TheFileLengthGivesTheNumberOfRecords) {
+    const struct {
+        std::size_t cut; // bytes off the end of five records of 8 bytes
+        const char *count, *tail;
+        long samples;
+    } cases[] = {
+        {0, "5       ", "", 20}, {0, "-1      ", "", 20},   {0, "99999999", "", 20},
+        {0, "0       ", "", 20}, {1, "5       ", "", 16},   {8, "5       ", "", 16},
+        {9, "5       ", "", 12}, {0, "5       ", "\n", 20}, {0, "5       ", "12345678", 24},
+    };
+    for (const auto& c : cases) {
+        Edf reader(oneSignal()
+                       .poke(236, c.count)
+                       .append(c.tail)
+                       .truncate(c.cut ? 512 + 40 - c.cut : std::string::npos));
+        EXPECT_TRUE(reader.isOpen);
+        EXPECT_EQ(reader.sampleCount(), c.samples);
+        EXPECT_EQ(reader.storedSampleCount(), c.samples);
+    }
+}
+
+TEST(EDF90Reader, AHeaderLongerThanItsSignalsNeedIsSkipped) {
+    // Two records' worth of padding declared as header.
+    Edf reader(oneSignal().poke(184, "528     "));
+    ASSERT_TRUE(reader.isOpen);
+    EXPECT_EQ(reader.headerLength(), 528);
+    EXPECT_EQ(reader.sampleCount(), 12);
+    EXPECT_EQ(rawOf(reader, 0, 0, 11), rawOf(*std::make_unique<Edf>(oneSignal()), 0, 8, 19));
+}
+
+TEST(EDF90Reader, TheStartTimeAnchorsSampleZero) {
+    const struct {
+        const char* time;
+        double clock;
+    } cases[] = {
+        {"00.00.00", 0},     {"23.05.07", 83107}, {"1.2.3", 3723}, {" 1. 2. 3", 3723},
+        {"26.00.99", 93699}, {"23:05:07", 0},     {"23.05", 0},    {"", 0},
+        {"ab.cd.ef", 0},     {"12.34.5x", 45245}, {"23.05.", 0},
+    };
+    for (const auto& c : cases) {
+        Edf reader(oneSignal().start("04.07.89", c.time));
+        EXPECT_EQ(reader.sampleTimeCount(), 1) << c.time;
+        EXPECT_EQ(startClock(reader), c.clock) << c.time;
+        EXPECT_STREQ(reader.patientRec()->testTime, c.time);
+    }
+    EDF90Reader anchored;
+    SampleTime own{0, 100.0};
+    anchored.addSampleTime(own);
+    const test::TempDir dir;
+    ASSERT_TRUE(anchored.open(dir.write("a.edf", oneSignal().bytes()).c_str()));
+    EXPECT_EQ(startClock(anchored), 100.0);
+}
+
+TEST(EDF90Reader, DatesGetTheirCenturyByTheFormatsOwnPivot) {
+    const struct {
+        const char *date, *plain, *plus;
+    } cases[] = {
+        {"04.07.89", "2089.07.04", "1989.07.04"},
+        {"01.12.84", "2084.12.01", "2084.12.01"},
+        {"01.12.85", "2085.12.01", "1985.12.01"},
+        {"31.01.90", "1990.01.31", "1990.01.31"},
+        {"1.2.3", "2003.02.01", "2003.02.01"},
+        {"04-07-89", "04-07-89", "04-07-89"},
+        {"04.07", "04.07", "04.07"},
+        {"", "", ""},
+        {"42.00.00", "2000.00.42", "2000.00.42"},
+        {"1.1.1989", "3889.01.01", "3889.01.01"},
+    };
+    for (const auto& c : cases) {
+        Edf plain(oneSignal().start(c.date, "00.00.00"));
+        Edf plus(oneSignal().start(c.date, "00.00.00").reserved("EDF+C"));
+        EXPECT_STREQ(plain.patientRec()->testDate, c.plain) << c.date;
+        EXPECT_STREQ(plus.patientRec()->testDate, c.plus) << c.date;
+    }
+}
+
+TEST(EDF90Reader, PatientWordsAreSplitInEdfPlusOnly) {
+    const std::string seventy(70, 'n');
+    const struct {
+        bool plus;
+        std::string patient;
+        const char *id, *sex, *birthDate;
+        std::string name;
+    } cases[] = {
+        {true, "MCH-02 F 02-MAY-1951 Haagse_Harry", "MCH-02", "F", "02-MAY-1951", "Haagse_Harry"},
+        {true, "MCH-02  F 02-MAY-1951   Harry", "MCH-02", "F", "02-MAY-1951", "Harry"},
+        {true, "X X X X more", "", "", "", "X X X X more"},
+        {true, "Harry", "", "", "", "Harry"},
+        {true, "", "", "", "", ""},
+        {true, "12345678901234567890123 12345678 1234567890123 N", "1234567890123456789", "1234567",
+         "12345678901", "N"},
+        {false, "MCH-02 F 02-MAY-1951 Harry", "Startdate X 2 3 too", "", "",
+         "MCH-02 F 02-MAY-1951 Harry"},
+        {false, seventy, "Startdate X 2 3 too", "", "", seventy.substr(0, 66)},
+    };
+    for (const auto& c : cases) {
+        Edf reader(oneSignal()
+                       .patient(c.patient)
+                       .recording("Startdate X 2 3 toolong for an id")
+                       .reserved(c.plus ? "EDF+C" : ""));
+        const PatientRec& patient = *reader.patientRec();
+        SCOPED_TRACE(c.patient);
+        EXPECT_TRUE(reader.hasPatientInfo());
+        EXPECT_STREQ(patient.id, c.id);
+        EXPECT_STREQ(patient.sex, c.sex);
+        EXPECT_STREQ(patient.birthDate, c.birthDate);
+        EXPECT_EQ(patient.name(), c.name);
+        EXPECT_EQ(patient.rawPatient, c.patient);
+        EXPECT_STREQ(patient.rawRecording, "Startdate X 2 3 toolong for an id");
+        char name[PatientRec::displayNameSize] = "";
+        EXPECT_EQ(reader.getPatientName(name), !c.name.empty());
+        EXPECT_EQ(name, c.name);
+    }
+}
+
+TEST(EDF90Reader, AnotherFileInTheSameObjectStartsAfresh) {
+    EdfFile first = EdfFile().signal("EDF Annotations", 4).signal("EEG C3", 4).signal("EEG C4", 4);
+    first.records(9).reserved("EDF+C").start("01.02.03", "01.00.00").patient("A F 01-JAN-1950 Ann");
+    EdfFile second = EdfFile().signal("EEG O1", 2).signal("EEG O2", 4).records(3);
+    second.start("05.06.07", "10.00.00").patient("Bob").reserved("EDF+C");
+    second.samples([](int signal, std::int64_t index) { return 100 * (signal + 1) + index; });
+
+    Edf reader(first);
+    rawOf(reader, 0, 0, 35);
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_TRUE(reader.opens(second));
+        EXPECT_EQ(startClock(reader), 36000);
+        EXPECT_EQ(reader.sampleTimeCount(), 1);
+        EXPECT_EQ(reader.channelCount(), 2);
+        EXPECT_EQ(reader.sampleCount(), 12);
+        EXPECT_THAT(rawOf(reader, 0, 3, 5), ElementsAre(101, 102, 102));
+        EXPECT_THAT(rawOf(reader, 1, 3, 5), ElementsAre(203, 204, 205));
+        EXPECT_EQ(reader.patientRec()->name(), "Bob");
+        EXPECT_STREQ(reader.patientRec()->testDate, "2007.06.05");
+        for (const char* text :
+             {reader.patientRec()->id, reader.patientRec()->sex, reader.patientRec()->birthDate})
+            EXPECT_STREQ(text, "") << "of the patient before";
+
+        EXPECT_FALSE(reader.open("/nowhere/at all.edf"));
+        EXPECT_EQ(reader.getLastError(), 1);
+        test::readAround(reader);
+
+        ASSERT_TRUE(reader.opens(first));
+        EXPECT_EQ(reader.getLastError(), 0);
+        EXPECT_STREQ(reader.lastErrorText(), "");
+        EXPECT_EQ(startClock(reader), 3600);
+        EXPECT_EQ(rawOf(reader, 1, 35, 35).front(), first.sample(2, 35));
+        EXPECT_STREQ(reader.patientRec()->birthDate, "01-JAN-1950");
+    }
+}
+
+TEST(EDF90Reader, AnInfiniteRateIsKeptAndHarmsNothing) {
+    EdfFile file = oneSignal().duration("0");
+    Edf reader(file);
+    ASSERT_TRUE(reader.isOpen);
+    EXPECT_EQ(reader.samplingRate(), infinity);
+    EXPECT_EQ(reader.duration(), 0.0);
+    EXPECT_EQ(reader.getPagePts(), 4);
+    EXPECT_EQ(rawOf(reader, 0, 19, 19).front(), file.sample(0, 19));
+    EXPECT_THAT(findingsOf(reader, Severity::unusable),
+                HasSubstr("duration of a data record (offset 244) is \"0\""));
+}
+
+struct Exposed : Edf {
+    using Edf::Edf;
+    using EDF90Reader::getChunk;
+};
+
+TEST(EDF90Reader, AChunkIsTheRecordThatHoldsTheByte) {
+    EdfFile file = EdfFile().signal("a", 4).signal("b", 2).records(5);
+    Exposed reader(file);
+    constexpr int chunkBytes = 4 * 2 * 2; // points, channels, bytes
+    const auto expectRecord = [&](long bytePos, int bytes, int record) {
+        std::vector<short> frames(12, -99);
+        EXPECT_EQ(reader.getChunk(bytePos, frames.data(), bytes), bytes) << bytePos;
+        for (std::size_t k = 0; k < 4; ++k) {
+            const auto index = static_cast<std::int64_t>(k) + 4 * record;
+            EXPECT_EQ(frames[2 * k], file.sample(0, index)) << bytePos;
+            EXPECT_EQ(frames[2 * k + 1], file.sample(1, index / 2)) << bytePos;
+        }
+    };
+    expectRecord(0, chunkBytes, 0);
+    expectRecord(chunkBytes - 1, chunkBytes, 0);
+    expectRecord(4 * chunkBytes, chunkBytes, 4);
+    expectRecord(3 * chunkBytes + 5, chunkBytes + 8, 3);
+
+    std::vector<short> frames(8, -99);
+    const std::vector<short> before = frames;
+    for (const long bytePos : {5L * chunkBytes, -1L * chunkBytes, -100L * chunkBytes,
+                               std::numeric_limits<long>::max(), std::numeric_limits<long>::min()})
+        EXPECT_EQ(reader.getChunk(bytePos, frames.data(), chunkBytes), 0) << bytePos;
+    for (const int bytes : {0, chunkBytes - 1, -chunkBytes})
+        EXPECT_EQ(reader.getChunk(0, frames.data(), bytes), 0) << bytes;
+    reader.close();
+    EXPECT_EQ(reader.getChunk(0, frames.data(), chunkBytes), 0);
+    EXPECT_EQ(frames, before);
+}
+
+// A host may set another count than the file's. Fewer channels are the first ones; of more there is
+// nothing to frame.
+TEST(EDF90Reader, FramesHoldAsManyChannelsAsTheReaderCounts) {
+    EdfFile file = EdfFile().signal("a", 4).signal("b", 4).signal("c", 4).records(5);
+    Edf reader(file);
+    reader.setChannelCount(2);
+    for (const int channel : {0, 1})
+        EXPECT_EQ(rawOf(reader, channel, 17, 17).front(), file.sample(channel, 17));
+    reader.setChannelCount(4);
+    reader.setDefChannelInfo();
+    EXPECT_THAT(rawOf(reader, 1, 5, 6), ElementsAre(0, 0));
+    reader.setChannelCount(3);
+    EXPECT_EQ(rawOf(reader, 2, 17, 17).front(), file.sample(2, 17));
+}
+
+TEST(EDF90Reader, TheStoredLengthIsNotMoreThanCanBeAskedFor) {
+    const test::TempDir dir;
+    const std::string path = dir.write("long.edf", oneSignal().bytes());
+    std::filesystem::resize_file(path, 5000000512); // sparse
+    EDF90Reader reader;
+    ASSERT_TRUE(reader.open(path.c_str()));
+    EXPECT_EQ(reader.maxDataIndex(), INT32_MAX);
+    EXPECT_EQ(reader.storedSampleCount(), reader.sampleCount());
+    test::readAround(reader);
+}
+
+TEST(EDF90Reader, ARecordTooLargeToReadIsTold) {
+    const test::TempDir dir;
+    const auto unusable = [&](const EdfFile& made, std::uintmax_t bytes) {
+        const std::string path = dir.write("wide.edf", made.bytes());
+        std::filesystem::resize_file(path, bytes); // sparse
+        EDF90Reader reader;
+        EXPECT_TRUE(reader.open(path.c_str()));
+        test::readAround(reader);
+        return findingsOf(reader, Severity::unusable);
+    };
+    // Frames of 200 channels, all at the rate of the first.
+    EdfFile frames = EdfFile().signal("fast", 0).records(0);
+    for (int i = 1; i < 200; ++i)
+        frames.signal("slow", 1);
+    frames.poke(frames.fieldOffset(216, 8, 0), "4000000 ");
+    EXPECT_THAT(unusable(frames, 8100000), HasSubstr("data record takes 1600000000 bytes"));
+    // Texts between a few samples.
+    EdfFile record = EdfFile().signal("a", 4).records(0).reserved("EDF+C");
+    for (int i = 0; i < 7; ++i)
+        record.signal("EDF Annotations", 0);
+    for (int i = 1; i <= 7; ++i)
+        record.poke(record.fieldOffset(216, 8, i), "99999999");
+    EXPECT_THAT(unusable(record, 1500000000), HasSubstr("data record takes 1399999994 bytes"));
+}
+
+// The fields of a recording of two signals and five records: 768 bytes of header, 80 of data.
+struct BadInput {
+    const char* name;
+    std::function<void(EdfFile&)> spoil;
+    int code;
+    const char* words; // of the sentence, or of the findings when it opens
+};
+
+void PrintTo(const BadInput& input, std::ostream* stream) { *stream << input.name; }
+
+std::function<void(EdfFile&)> poke(std::size_t offset, const char* text) {
+    return [=](EdfFile& file) { file.poke(offset, text); };
+}
+std::function<void(EdfFile&)> cut(std::size_t length) {
+    return [=](EdfFile& file) { file.truncate(length); };
+}
+
+class EDF90ReaderBadInput : public testing::TestWithParam<BadInput> {};
+
+TEST_P(EDF90ReaderBadInput, IsToldInOneSentenceAndSurvived) {
+    EdfFile file = EdfFile().signal("a", 4).signal("b", 4).records(5).patient("Secret Name");
+    GetParam().spoil(file);
+    test::LogCapture log;
+    Edf reader(file);
+    EXPECT_EQ(reader.isOpen, GetParam().code == 0);
+    EXPECT_EQ(reader.getLastError(), GetParam().code);
+    const std::string sentence = reader.lastErrorText();
+    const std::vector<std::string> warnings = log.take(logWarning);
+    if (reader.isOpen) {
+        EXPECT_EQ(sentence, "");
+        EXPECT_THAT(findingsOf(reader, Severity::unusable), HasSubstr(GetParam().words));
+    } else {
+        EXPECT_THAT(sentence, testing::StartsWith(reader.path + ": "));
+        EXPECT_THAT(sentence, HasSubstr(GetParam().words));
+        EXPECT_THAT(warnings, testing::Contains(HasSubstr(GetParam().words)));
+    }
+    for (const std::string& line : warnings)
+        EXPECT_THAT(line, testing::Not(HasSubstr("Secret")));
+    test::readAround(reader);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Fields, EDF90ReaderBadInput,
+    testing::Values(
+        BadInput{"NoSignals", poke(252, "0   "), 2, "number of signals (offset 252) is \"0\""},
+        BadInput{"NegativeSignals", poke(252, "-1  "), 2,
+                 "number of signals (offset 252) is \"-1\""},
+        BadInput{"SignalsInWords", poke(252, "two "), 2,
+                 "number of signals (offset 252) is \"two\""},
+        BadInput{"ManySignals", poke(252, "9999"), 2, "header of 9999 signals takes 2560000 bytes"},
+        BadInput{"HeaderLength0", poke(184, "0       "), 0, "header length (offset 184) is \"0\""},
+        BadInput{"HeaderLengthNegative", poke(184, "-9999999"), 0, "is \"-9999999\""},
+        BadInput{"HeaderLengthInWords", poke(184, "long    "), 0, "is \"long\""},
+        BadInput{"HeaderLengthPastTheEnd", poke(184, "99999999"), 2,
+                 "but the file ends after 848 bytes"},
+        BadInput{"HeaderLengthAtTheEnd", poke(184, "848     "), 2,
+                 "the file ends with its header of 848 bytes"},
+        BadInput{"SamplesSumTo0", poke(688, "-4      "), 2, "(from offset 688) add up to 0"},
+        BadInput{"SamplesSumBelow0", poke(688, "-9999999"), 2, "add up to -9999995"},
+        BadInput{"Samples0", poke(688, "0       "), 0,
+                 "samples per record of signal 1 (offset 688) is \"0\""},
+        BadInput{"SamplesOfLastNegative", poke(696, "-3      "), 0,
+                 "samples per record of signal 2 (offset 696) is \"-3\""},
+        BadInput{"SamplesInWords", poke(696, "many    "), 0, "is \"many\""},
+        BadInput{"SamplesHuge", poke(688, "99999999"), 2,
+                 "no whole data record: one takes 100000003 samples"},
+        BadInput{"Duration0", poke(244, "0       "), 0, "which gives no sampling rate"},
+        BadInput{"DurationNegative", poke(244, "-1      "), 0,
+                 "duration of a data record (offset 244) is \"-1\""},
+        BadInput{"DurationInWords", poke(244, "nan     "), 0, "is \"nan\""},
+        BadInput{"DurationTiny", poke(244, "1e-320  "), 0, "which gives no sampling rate"},
+        BadInput{"DurationHuge", poke(244, "9e999   "), 0, "more than a year"},
+        BadInput{"Interrupted", poke(192, "EDF+D"), 3, "is Interrupted EDF+"},
+        BadInput{"Empty", cut(0), 2, "the file ends after 0 bytes"},
+        BadInput{"HalfFixedHeader", cut(100), 2, "the file ends after 100 bytes"},
+        BadInput{"HalfSignalHeaders", cut(500), 2, "but the file ends after 500 bytes"},
+        BadInput{"HeaderOnly", cut(768), 2, "no data records"},
+        BadInput{"HalfARecord", cut(783), 2,
+                 "no whole data record: one takes 8 samples, 15 bytes"}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+TEST(EDF90Reader, FewerThanThreeSamplesAreRefused) {
+    for (const int samples : {1, 2, 3}) {
+        Edf reader(EdfFile().signal("a", 1).records(samples));
+        EXPECT_EQ(reader.isOpen, samples == 3);
+        EXPECT_EQ(reader.getLastError(), samples == 3 ? 0 : 2);
+        if (!reader.isOpen) {
+            EXPECT_THAT(reader.lastErrorText(),
+                        HasSubstr("holds " + std::to_string(samples) + " samples, at least 3"));
+        }
+    }
+}
+
+TEST(EDF90Reader, ARecordingOfAnnotationsAloneSaysSo) {
+    test::LogCapture log;
+    Edf reader(EdfFile().signal("EDF Annotations", 8).reserved("EDF+C").records(3));
+    EXPECT_EQ(reader.getLastError(), 2);
+    EXPECT_THAT(reader.lastErrorText(), HasSubstr("none of its 1 signals is a channel"));
+    EXPECT_EQ(log.take(logWarning).size(), 1U); // the duration, for one, is not to blame
+}
+
+TEST(EDF90Reader, InterruptedRecordingsAreRefusedWithTheGivenDiagnostic) {
+    test::LogCapture log;
+    Edf reader(oneSignal().reserved("EDF+D"));
+    EXPECT_EQ(reader.getLastError(), 3);
+    const std::string words =
+        "File " + reader.path + " is Interrupted EDF+. This format is not supported.";
+    EXPECT_THAT(log.take(logWarning), ElementsAre(words));
+    EXPECT_EQ(reader.lastErrorText(), reader.path + ": " + words);
+    // No signals at all is found first.
+    EXPECT_FALSE(reader.opens(oneSignal().reserved("EDF+D").poke(252, "0   ")));
+    EXPECT_EQ(reader.getLastError(), 2);
+}
+
+// Any number field with any odd value: told or survived, never a crash.
+TEST(EDF90Reader, OddNumbersInAnyFieldAreSurvived) {
+    const std::size_t fields[] = {184,       236,       244,       252,       256 + 208, 256 + 216,
+                                  256 + 224, 256 + 232, 256 + 240, 256 + 256, 688,       696};
+    for (const std::size_t field : fields)
+        for (std::string value : {"0", "-1", "-7", "3", "9", "1e9", "99999999", "-9999999", "9e999",
+                                  "1e-9", "abc", "", "\x00\xFF", "4.9"}) {
+            value.resize(field == 252 ? 4 : 8, ' ');
+            for (const char* kind : {"", "EDF+C"}) {
+                Edf reader(EdfFile()
+                               .signal("EDF Annotations", 4)
+                               .signal("b", 4)
+                               .records(5)
+                               .reserved(kind)
+                               .poke(field, value));
+                EXPECT_EQ(reader.isOpen, reader.getLastError() == 0);
+                EXPECT_EQ(reader.isOpen, std::string(reader.lastErrorText()).empty());
+                test::readAround(reader);
+            }
+        }
+}
+
+} // namespace
+} // namespace kvsig

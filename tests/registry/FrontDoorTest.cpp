@@ -1,0 +1,204 @@
+#include "kvsig/registry/FrontDoor.h"
+
+#include "kvsig/readers/BDFReader.h"
+#include "kvsig/readers/LifelinesReader.h"
+#include "kvsig/readers/TelefactorEDFReader.h"
+#include "kvsig/registry/FormatTable.h"
+#include "support/Opened.h"
+#include "support/ReadAround.h"
+
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/stat.h>
+#include <typeinfo>
+#include <unistd.h>
+#include <utility>
+
+namespace kvsig {
+namespace {
+
+using test::EdfFile;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+class FrontDoor : public testing::Test {
+  protected:
+    std::string write(const char* name, const EdfFile& file) const {
+        return dir.write(name, file.bytes());
+    }
+    test::TempDir dir;
+    EdfFile edf = EdfFile().signal("EEG C3-A2", 4).records(3);
+    std::string error = "untouched";
+};
+
+TEST_F(FrontDoor, TellsFormatsByContentNotByName) {
+    const struct {
+        const char* name;
+        EdfFile file;
+        int type;
+    } cases[] = {
+        {"a.edf", edf, 6},
+        {"a.bdf", edf, 6},
+        {"no extension", edf, 6},
+        {"b.edf", EdfFile().bdf().signal("a", 4).records(3), 48},
+        {"c.edf", EdfFile(edf).poke(0, "1"), 0},
+        {"d.edf", EdfFile(edf).poke(0, "0       0"), 6},
+        {"e.edf", EdfFile(edf).poke(0, "00"), 0},
+        {"f.edf", EdfFile(edf).truncate(0), 0},
+    };
+    for (const auto& c : cases) {
+        const std::string path = write(c.name, c.file);
+        EXPECT_EQ(DetectFileType(path.c_str()), c.type) << c.name;
+        const ReaderPtr reader = openReader(path.c_str(), 0, &error);
+        ASSERT_EQ(static_cast<bool>(reader), c.type != 0) << c.name;
+        if (reader) {
+            EXPECT_EQ(reader->fileType(), c.type);
+            EXPECT_EQ(reader->fileName(), path);
+            EXPECT_EQ(reader->sampleCount(), c.type == 48 ? 16 : 12);
+        } else {
+            EXPECT_THAT(error, StartsWith(path + ": not a recording of a known format"));
+        }
+    }
+}
+
+TEST_F(FrontDoor, AGivenTypeChoosesTheReader) {
+    const std::string path = write("a.edf", edf);
+    const struct {
+        int type;
+        const char* name;
+        const std::type_info& reader;
+    } cases[] = {
+        {6, "EDF90", typeid(EDF90Reader)},
+        {41, "Lifelines", typeid(LifelinesReader)},
+        {47, "TelefactorEDF", typeid(TelefactorEDFReader)},
+        {48, "BDF", typeid(BDFReader)},
+    };
+    EXPECT_EQ(readableFormats().size(), std::size(cases));
+    for (const auto& c : cases) {
+        const ReaderPtr reader = openReader(path.c_str(), c.type, &error);
+        ASSERT_TRUE(reader) << error;
+        const IDataReader& made = *reader;
+        EXPECT_EQ(typeid(made), c.reader);
+        EXPECT_EQ(reader->fileType(), c.type);
+        EXPECT_TRUE(KrnlIsReadable(c.type));
+        ASSERT_NE(formatByType(c.type), nullptr);
+        EXPECT_EQ(formatByType(c.type)->typeName(), c.name);
+    }
+    EXPECT_EQ(formatByName("bdf"), formatByType(48));
+    EXPECT_EQ(formatByName("BDF (*.bdf)"), nullptr);
+    for (const int type : {0, -1, 7, 66, 0x20006006}) {
+        EXPECT_FALSE(KrnlIsReadable(type));
+        EXPECT_EQ(formatByType(type), nullptr);
+        if (type != 0) {
+            EXPECT_FALSE(openReader(path.c_str(), type, &error));
+            EXPECT_THAT(error,
+                        HasSubstr("does not read recordings of type " + std::to_string(type)));
+        }
+    }
+}
+
+TEST_F(FrontDoor, OnlyRegularFilesOpen) {
+    const std::string fifo = dir.file("fifo");
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    const std::string target = write("target.edf", edf);
+    std::filesystem::create_symlink(target, dir.file("link.edf"));
+    const struct {
+        std::string path;
+        const char* words;
+    } cases[] = {
+        {dir.file("missing.edf"), "no such file"},
+        {dir.path().string(), "is a directory, not a recording"},
+        {fifo, "is not a regular file"}, // and it blocks nobody
+        {"/dev/null", "is not a regular file"},
+        {"", "no such file"},
+        {target + "/below", "ot a directory"},
+    };
+    for (const auto& c : cases)
+        for (const int type : {0, 6, 48}) {
+            EXPECT_EQ(DetectFileType(c.path.c_str()), 0);
+            EXPECT_FALSE(openReader(c.path.c_str(), type, &error));
+            EXPECT_THAT(error, StartsWith(c.path + ": "));
+            EXPECT_THAT(error, HasSubstr(c.words));
+            EDF90Reader reader;
+            EXPECT_FALSE(reader.open(c.path.c_str()));
+            EXPECT_EQ(reader.getLastError(), 1);
+        }
+    EXPECT_FALSE(openReader(nullptr));
+    EXPECT_EQ(DetectFileType(nullptr), 0);
+    EXPECT_TRUE(openReader(dir.file("link.edf").c_str()));
+}
+
+TEST_F(FrontDoor, AFileWithoutPermissionSaysSo) {
+    const std::string path = write("a.edf", edf);
+    std::filesystem::permissions(path, std::filesystem::perms::none);
+    if (::geteuid() == 0)
+        GTEST_SKIP() << "root reads everything";
+    EXPECT_FALSE(openReader(path.c_str(), 0, &error));
+    EXPECT_THAT(error, HasSubstr("permission denied"));
+}
+
+TEST_F(FrontDoor, WhatFailsToOpenHandsOutTheReadersSentence) {
+    const std::string cut = write("cut.edf", EdfFile(edf).truncate(400));
+    EXPECT_FALSE(openReader(cut.c_str(), 0, &error));
+    EXPECT_EQ(error,
+              cut + ": header length (offset 184) is \"512\", but the file ends after 400 bytes");
+    EXPECT_FALSE(openReader(write("d.edf", EdfFile(edf).reserved("EDF+D")).c_str(), 0, &error));
+    EXPECT_THAT(error, HasSubstr("is Interrupted EDF+. This format is not supported."));
+    EXPECT_FALSE(openReader(cut.c_str())); // nobody asks why
+}
+
+// The wrong reader by force reads nonsense, but safely.
+TEST_F(FrontDoor, AnyBytesByAnyReaderAreSurvived) {
+    std::string noise;
+    for (unsigned i = 0, state = 1; i < 4000; ++i) {
+        state = state * 1103515245U + 12345U;
+        noise.push_back(static_cast<char>(state >> 16));
+    }
+    const std::string paths[] = {write("a.edf", edf),
+                                 write("b.bdf", EdfFile().bdf().signal("a", 5).records(3)),
+                                 dir.write("noise", noise),
+                                 dir.write("blanks", std::string(3000, ' ')),
+                                 dir.write("digits", std::string(3000, '9')),
+                                 dir.write("nuls", std::string(3000, '\0'))};
+    for (const std::string& path : paths)
+        for (const FormatRow& row : readableFormats())
+            if (const ReaderPtr reader = openReader(path.c_str(), row.type, &error))
+                test::readAround(dynamic_cast<DataReader&>(*reader));
+}
+
+struct Counted : EDF90Reader {
+    explicit Counted(int& balance) : count(balance) { ++count; }
+    ~Counted() override { --count; }
+    ULONG AddRef() override { return ++references, EDF90Reader::AddRef(); }
+    ULONG Release() override { return --references, EDF90Reader::Release(); }
+    int& count;
+    int references = 0;
+};
+
+TEST(ReaderPtr, HoldsExactlyOneReferenceEach) {
+    int alive = 0;
+    {
+        auto* reader = new Counted(alive);
+        ReaderPtr first(reader);
+        EXPECT_EQ(reader->references, 1);
+        ReaderPtr second = first;
+        EXPECT_EQ(reader->references, 2);
+        const ReaderPtr moved = std::move(first);
+        EXPECT_EQ(reader->references, 2);
+        second = second;
+        EXPECT_EQ(reader->references, 2);
+        second = ReaderPtr(new Counted(alive));
+        EXPECT_EQ(reader->references, 1);
+        EXPECT_EQ(alive, 2);
+        second = ReaderPtr();
+        EXPECT_FALSE(second);
+        EXPECT_EQ(alive, 1);
+        EXPECT_EQ(moved.get(), reader);
+    }
+    EXPECT_EQ(alive, 0);
+}
+
+} // namespace
+} // namespace kvsig
