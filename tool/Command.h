@@ -4,7 +4,7 @@ namespace CLI {
 class App;
 }
 
-/// The subcommands: one file each, which main() knows by one function alone.
+/// The subcommands: one file pair each, which main() knows by one function alone.
 ///
 /// Such a function adds its subcommand to `app`, with a callback that runs after parsing and sets
 /// `exitCode`. Both arguments outlive the parse. A callback reports on its own:

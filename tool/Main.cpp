@@ -4,36 +4,53 @@
 #include <exception>
 #include <iostream>
 #include <string>
+#include <vector>
 
 namespace {
+
+// The parser's own words miss an unknown command, and it lists what is left over backwards.
+std::string reasonOf(const CLI::App& app, const CLI::Error& error) {
+    const std::vector<std::string> unknown = app.remaining(true);
+    if (unknown.empty())
+        return error.what();
+    const bool command = app.get_subcommands().empty() && !unknown.front().starts_with('-');
+    return (command ? "unknown command " : "unknown argument ") + unknown.front();
+}
 
 std::string usageFailure(const CLI::App* app, const CLI::Error& error) {
     std::string called = "kvsig";
     if (const auto chosen = app->get_subcommands(); !chosen.empty())
         called += " " + chosen.front()->get_name();
-    return "kvsig: " + std::string(error.what()) + "\nSee '" + called + " --help'.\n";
+    return "kvsig: " + reasonOf(*app, error) + "\nSee '" + called + " --help'.\n";
+}
+
+int runTool(int argc, const char* const* argv) {
+    CLI::App app("Reads, filters and draws EEG and polygraphic recordings.", "kvsig");
+    app.set_version_flag("--version", "kvsig " KVSIG_VERSION);
+    app.require_subcommand(1);
+    app.failure_message(usageFailure);
+    int exitCode = kvsig::tool::exitWell;
+    kvsig::tool::addInfoCommand(app, exitCode);
+    kvsig::tool::addExportCommand(app, exitCode);
+    kvsig::tool::addPlotCommand(app, exitCode);
+    kvsig::tool::addSynthCommand(app, exitCode);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        // Help and version arrive as errors of code 0.
+        if (app.exit(error, std::cout, std::cerr) != 0)
+            exitCode = kvsig::tool::exitWrongUsage;
+    }
+    return exitCode;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    CLI::App app("Reads, filters and draws EEG and polygraphic recordings.", "kvsig");
-    int exitCode = kvsig::tool::exitWell;
     try {
-        app.set_version_flag("--version", "kvsig " KVSIG_VERSION);
-        app.require_subcommand(1);
-        app.failure_message(usageFailure);
-        kvsig::tool::addInfoCommand(app, exitCode);
-        kvsig::tool::addExportCommand(app, exitCode);
-        kvsig::tool::addPlotCommand(app, exitCode);
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        // Help and version arrive as errors of code 0.
-        return app.exit(error, std::cout, std::cerr) == 0 ? kvsig::tool::exitWell
-                                                          : kvsig::tool::exitWrongUsage;
+        return runTool(argc, argv);
     } catch (const std::exception& error) {
         std::cerr << "kvsig: " << error.what() << '\n';
         return kvsig::tool::exitFailed;
     }
-    return exitCode;
 }

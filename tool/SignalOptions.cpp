@@ -2,8 +2,7 @@
 
 #include "kvsig/util/NumberText.h"
 #include "kvsig/util/Saturate.h"
-#include "kvsig/util/Text.h"
-#include "kvsig/util/TimeText.h"
+#include "tool/TimeOption.h"
 #include "tool/Words.h"
 
 #include <algorithm>
@@ -11,10 +10,6 @@
 
 namespace kvsig::tool {
 namespace {
-
-bool isWholeNumber(const std::string& text) {
-    return !text.empty() && std::all_of(text.begin(), text.end(), isDigit);
-}
 
 // The sample at or after a time. Times that are sample times up to rounding keep their sample.
 double sampleAt(double seconds, double rate) {
@@ -24,15 +19,18 @@ double sampleAt(double seconds, double rate) {
                                                                                  : std::ceil(exact);
 }
 
-std::optional<double> timeOption(const Recording& recording, const char* option,
-                                 const std::string& text, double otherwise) {
-    if (text.empty())
+// The options are checked when they are parsed.
+double secondsOf(const std::string& text, double otherwise) {
+    double seconds = otherwise;
+    if (!text.empty() && !readTime(text, seconds))
         return otherwise;
-    const std::optional<double> seconds = secondsFromText(text);
-    if (!seconds)
-        complain(recording.path + ": " + option + " " + text +
-                 ": not a time; write seconds or [d:]h:m:s");
     return seconds;
+}
+
+std::string timeFault(const std::string& text) {
+    double seconds = 0.0;
+    return readTime(text, seconds) ? std::string()
+                                   : "\"" + text + "\" is no time: give seconds or [d:]h:m:s";
 }
 
 } // namespace
@@ -41,8 +39,10 @@ void addSignalOptions(CLI::App& command, SignalOptions& options) {
     command.add_option("--channels", options.channels,
                        "Channel names, #indexes and derivations, e.g. Fp1-F7,C3-A1+A2 (default: "
                        "all recorded channels)");
-    command.add_option("--from", options.from, "Start: seconds or [d:]h:m:s from the beginning");
-    command.add_option("--to", options.to, "End, not included (default: the end)");
+    command.add_option("--from", options.from, "Start: seconds or [d:]h:m:s from the beginning")
+        ->check(timeFault);
+    command.add_option("--to", options.to, "End, not included (default: the end)")
+        ->check(timeFault);
     command.add_option("--low-filter", options.lowFilter, "High-pass cutoff in Hz")
         ->check(CLI::PositiveNumber);
     command.add_option("--high-filter", options.highFilter, "Low-pass cutoff in Hz")
@@ -55,40 +55,21 @@ void addSignalOptions(CLI::App& command, SignalOptions& options) {
     command.add_flag("-q,--quiet", options.quiet, "No remarks");
 }
 
-std::optional<double> secondsFromText(const std::string& text) {
-    double plain = 0.0;
-    if (wholeDouble(text, plain))
-        return std::isfinite(plain) ? std::optional(plain) : std::nullopt;
-    std::size_t colons = 0;
-    std::string rest = text;
-    for (std::size_t colon = rest.find(':'); colon != std::string::npos; colon = rest.find(':')) {
-        if (!isWholeNumber(rest.substr(0, colon)) || ++colons > 3)
-            return std::nullopt;
-        rest = rest.substr(colon + 1);
-    }
-    if (colons == 0 || rest.empty() || !isDigit(rest.front()) || !wholeDouble(rest, plain) ||
-        text.size() > 32)
-        return std::nullopt;
-    return TimeToReal(text.c_str());
-}
-
 std::optional<SampleRange> sampleRange(const Recording& recording, const SignalOptions& options) {
     const double rate = recording.reader->samplingRate();
     const long stored = recording.storedSamples();
     const double end = static_cast<double>(stored) / rate;
-    const auto from = timeOption(recording, "--from", options.from, 0.0);
-    const auto to = timeOption(recording, "--to", options.to, end);
-    if (!from || !to)
-        return std::nullopt;
-    if (*from < 0 || *to > end + 0.5 / rate)
-        remark(recording.path + ": the range " + shortestText(*from) + " to " + shortestText(*to) +
+    const double from = secondsOf(options.from, 0.0);
+    const double to = secondsOf(options.to, end);
+    if (to > end + 0.5 / rate)
+        remark(recording.path + ": the range " + shortestText(from) + " to " + shortestText(to) +
                " s is clipped to the recording, 0 to " + shortestText(end) + " s");
     SampleRange range;
-    range.first = std::max(saturate<long>(sampleAt(*from, rate)), 0L);
-    range.last = std::min(saturate<long>(sampleAt(*to, rate) - 1.0), stored - 1);
+    range.first = std::max(saturate<long>(sampleAt(from, rate)), 0L);
+    range.last = std::min(saturate<long>(sampleAt(to, rate) - 1.0), stored - 1);
     if (range.last < range.first) {
-        complain(recording.path + ": no samples from " + shortestText(*from) + " to " +
-                 shortestText(*to) + " s; the recording ends at " + shortestText(end) + " s");
+        complain(recording.path + ": no samples from " + shortestText(from) + " to " +
+                 shortestText(to) + " s; the recording ends at " + shortestText(end) + " s");
         return std::nullopt;
     }
     return range;

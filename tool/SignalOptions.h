@@ -30,9 +30,6 @@ struct SampleRange {
     [[nodiscard]] long length() const { return last - first + 1; }
 };
 
-/// Seconds from "[d:]h:m:s", "m:s" or plain seconds; empty when the text is none of these.
-[[nodiscard]] std::optional<double> secondsFromText(const std::string& text);
-
 /// The asked-for range, clipped to the samples that the file holds; says so when it had to. Empty
 /// with a complaint when nothing is left or a time is none. `to` is exclusive.
 [[nodiscard]] std::optional<SampleRange> sampleRange(const Recording& recording,

@@ -1,0 +1,123 @@
+#include "kvsig/util/OutputFile.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <string>
+
+namespace kvsig {
+namespace {
+
+namespace fs = std::filesystem;
+
+class OutputFileTest : public testing::Test {
+  protected:
+    OutputFileTest() {
+        std::string pattern = (fs::temp_directory_path() / "kvsig-output-XXXXXX").string();
+        folder = ::mkdtemp(pattern.data());
+    }
+    ~OutputFileTest() override { fs::remove_all(folder); }
+
+    static void store(const fs::path& path, const std::string& text) {
+        std::ofstream(path, std::ios::binary) << text;
+    }
+    static std::string contentOf(const fs::path& path) {
+        std::ifstream stream(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(stream), {}};
+    }
+    auto entries() const { return std::distance(fs::directory_iterator(folder), {}); }
+
+    fs::path folder;
+};
+
+TEST_F(OutputFileTest, AppearsOnlyWhenCommitted) {
+    const fs::path path = folder / "new.edf";
+    OutputFile file;
+    ASSERT_TRUE(file.open(path.c_str())) << file.error();
+    EXPECT_TRUE(file.write("header"));
+    EXPECT_FALSE(fs::exists(path));
+    EXPECT_TRUE(file.commit());
+    EXPECT_EQ(contentOf(path), "header");
+    EXPECT_EQ(entries(), 1) << "no temporary stays behind";
+    EXPECT_FALSE(file.write("more")) << "closed";
+    EXPECT_FALSE(file.commit());
+    EXPECT_EQ(contentOf(path), "header");
+}
+
+TEST_F(OutputFileTest, WithoutCommitTheOldFileStaysWhole) {
+    const fs::path path = folder / "old.edf";
+    store(path, "old");
+    {
+        OutputFile file;
+        ASSERT_TRUE(file.open(path.c_str()));
+        EXPECT_TRUE(file.write(std::string(1 << 20, 'x')));
+        EXPECT_EQ(entries(), 2) << "the temporary stands beside the target";
+    }
+    EXPECT_EQ(contentOf(path), "old");
+    EXPECT_EQ(entries(), 1);
+}
+
+TEST_F(OutputFileTest, AppendedAndPlacedBytesKeepTheirPlaces) {
+    const fs::path path = folder / "mixed.bin";
+    const std::string large(400'000, 'b');
+    OutputFile file;
+    ASSERT_TRUE(file.open(path.c_str()));
+    EXPECT_TRUE(file.write("aaaa"));
+    EXPECT_TRUE(file.writeAt(1, "XY", 2)) << "over bytes that are still buffered";
+    EXPECT_TRUE(file.write(large)) << "longer than any buffer";
+    EXPECT_TRUE(file.write("c"));
+    EXPECT_TRUE(file.writeAt(4 + 400'000 + 3, "end", 3)) << "behind the end";
+    EXPECT_TRUE(file.write("d"));
+    ASSERT_TRUE(file.commit());
+    EXPECT_EQ(contentOf(path), "aXYa" + large + "cd" + std::string(1, '\0') + "end");
+}
+
+TEST_F(OutputFileTest, KeepsLinksAndPermissions) {
+    const fs::path goal = folder / "goal.csv";
+    const fs::path link = folder / "link.csv";
+    store(goal, "old");
+    fs::permissions(goal, fs::perms::owner_read | fs::perms::owner_write);
+    fs::create_symlink("goal.csv", link);
+    OutputFile file;
+    ASSERT_TRUE(file.open(link.c_str()));
+    EXPECT_TRUE(file.write("new"));
+    ASSERT_TRUE(file.commit());
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_EQ(contentOf(goal), "new");
+    EXPECT_EQ(fs::status(goal).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST_F(OutputFileTest, SaysWhyInWords) {
+    OutputFile file;
+    EXPECT_FALSE(file.open((folder / "none" / "x.csv").c_str()));
+    EXPECT_EQ(file.error(), "no such directory");
+    EXPECT_FALSE(file.open(folder.c_str()));
+    EXPECT_EQ(file.error(), "is a directory");
+    EXPECT_FALSE(file.open(nullptr));
+    EXPECT_EQ(file.error(), "no file name");
+    EXPECT_TRUE(file.open((folder / "x.csv").c_str()));
+    EXPECT_EQ(file.error(), "");
+    EXPECT_FALSE(file.writeAt(-1, "x", 1));
+    EXPECT_FALSE(file.commit()) << "a failure before is not forgotten";
+    EXPECT_EQ(entries(), 0);
+}
+
+TEST_F(OutputFileTest, WritesThroughToWhatIsNoRegularFile) {
+    OutputFile file;
+    ASSERT_TRUE(file.open("/dev/null"));
+    EXPECT_TRUE(file.write("gone"));
+    EXPECT_TRUE(file.commit());
+    EXPECT_FALSE(fs::is_regular_file("/dev/null"));
+
+    if (!fs::exists("/dev/full"))
+        GTEST_SKIP() << "this system has no device that is always full";
+    ASSERT_TRUE(file.open("/dev/full"));
+    EXPECT_TRUE(file.write("buffered"));
+    EXPECT_FALSE(file.commit());
+    EXPECT_EQ(file.error(), "no space left on the disk");
+}
+
+} // namespace
+} // namespace kvsig
