@@ -1,5 +1,6 @@
 #include "tool/Command.h"
 #include "tool/ExportWriters.h"
+#include "tool/LongWork.h"
 #include "tool/Output.h"
 #include "tool/Recording.h"
 #include "tool/RowStream.h"
@@ -37,9 +38,9 @@ bool rawIsPossible(const Recording& recording, const Rows& rows, const ExportOpt
     return true;
 }
 
-bool writeRaw(const Recording& recording, const Rows& rows, SampleRange range,
-              TableWriter& writer) {
-    constexpr long window = 8192;
+bool writeRaw(const Recording& recording, const Rows& rows, SampleRange range, TableWriter& writer,
+              LongWork& work) {
+    const long window = windowLengthFor(rows.rows(), range);
     std::vector<std::vector<std::int32_t>> columns(rows.rows().size());
     for (long first = range.first; first <= range.last; first += window) {
         const SampleRange part{first, std::min(range.last, first + window - 1)};
@@ -48,17 +49,18 @@ bool writeRaw(const Recording& recording, const Rows& rows, SampleRange range,
             recording.details->getRawData(rows.rows()[i].channel, part.first, part.last,
                                           columns[i].data());
         }
-        if (!writer.writeRaw(part, columns))
+        if (!goOn(work, part, range) || !writer.writeRaw(part, columns))
             return false;
     }
     return true;
 }
 
-bool writeValues(const Rows& rows, SampleRange range, bool kernelValues, TableWriter& writer) {
+bool writeValues(const Rows& rows, SampleRange range, bool kernelValues, TableWriter& writer,
+                 LongWork& work) {
     RowStream stream(rows.rows(), range);
     stream.setKernelValues(kernelValues);
     while (stream.next())
-        if (!writer.writeValues(stream, rows.rows().size()))
+        if (!goOn(work, stream.window(), range) || !writer.writeValues(stream, rows.rows().size()))
             return false;
     return true;
 }
@@ -80,17 +82,20 @@ int run(const ExportOptions& options) {
         return exitWrongUsage;
 
     Output output;
+    LongWork work("exporting " + options.file, options.signals.quiet);
     bool written = output.open(options.output);
     if (written) {
         const auto writer = makeTableWriter(
             options.format, output, {&rows.rows(), *range, recording->reader->samplingRate(), raw});
+        const bool kernelValues = options.values == "kernel";
         written = writer->writeHead() &&
-                  (raw ? writeRaw(*recording, rows, *range, *writer)
-                       : writeValues(rows, *range, options.values == "kernel", *writer)) &&
+                  (raw ? writeRaw(*recording, rows, *range, *writer, work)
+                       : writeValues(rows, *range, kernelValues, *writer, work)) &&
                   output.commit();
     }
     if (!written)
-        complain(output.error());
+        complain(work.interrupted() ? options.file + ": interrupted, nothing is written"
+                                    : output.error());
     return written ? exitWell : exitFailed;
 }
 

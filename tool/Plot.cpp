@@ -1,4 +1,5 @@
 #include "tool/Command.h"
+#include "tool/LongWork.h"
 #include "tool/Output.h"
 #include "tool/Recording.h"
 #include "tool/RowStream.h"
@@ -27,13 +28,17 @@ struct PlotOptions {
     SignalOptions signals;
 };
 
-std::vector<TraceReducer> reduceTraces(const Rows& rows, SampleRange range) {
+// Fewer traces than rows when the user has interrupted the work.
+std::vector<TraceReducer> reduceTraces(const Rows& rows, SampleRange range, LongWork& work) {
     std::vector<TraceReducer> traces(rows.rows().size(),
                                      TraceReducer(range.length(), traceColumns));
     RowStream stream(rows.rows(), range);
-    while (stream.next())
+    while (stream.next()) {
+        if (!goOn(work, stream.window(), range))
+            return {};
         for (std::size_t i = 0; i < traces.size(); ++i)
             traces[i].add(stream.values(i), stream.window().length());
+    }
     for (TraceReducer& trace : traces)
         trace.finish();
     return traces;
@@ -68,7 +73,12 @@ int run(const PlotOptions& options) {
         return exitFailed;
 
     const PageLayout layout(rows.rows().size());
-    const std::vector<TraceReducer> traces = reduceTraces(rows, *range);
+    LongWork work("drawing " + options.file, options.signals.quiet);
+    const std::vector<TraceReducer> traces = reduceTraces(rows, *range, work);
+    if (traces.empty()) {
+        complain(options.file + ": interrupted, nothing is drawn");
+        return exitFailed;
+    }
     const double sensitivity =
         options.sensitivity > 0 ? options.sensitivity : chosenSensitivity(rows, traces, layout);
     Output output;

@@ -10,6 +10,19 @@ namespace kvsig::tool {
 
 using Severity = OpenFinding::Severity;
 
+namespace {
+
+// Commands run through a recording once: a few pages do, however wide its frames are.
+void limitPages(IDataReader& reader) {
+    constexpr std::int64_t mostBytes = std::int64_t{16} << 20;
+    const std::int64_t pageBytes =
+        std::int64_t{reader.getPagePts()} * reader.channelCount() * reader.bytesPerSample();
+    const std::int64_t pages = mostBytes / std::max<std::int64_t>(pageBytes, 1);
+    reader.setMaxPages(static_cast<short>(std::clamp<std::int64_t>(pages, 2, 15)));
+}
+
+} // namespace
+
 const OpenFinding* Recording::unusable() const {
     const auto& findings = details->openFindings();
     const auto found = std::find_if(findings.begin(), findings.end(), [](const OpenFinding& f) {
@@ -48,6 +61,7 @@ std::optional<Recording> openUsableRecording(const std::string& path, int type) 
     std::optional<Recording> recording = openRecording(path, type);
     if (!recording)
         return std::nullopt;
+    limitPages(*recording->reader);
     if (const OpenFinding* finding = recording->unusable()) {
         complain(path + ": " + finding->text);
         return std::nullopt;

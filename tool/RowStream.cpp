@@ -5,25 +5,36 @@
 namespace kvsig::tool {
 namespace {
 
-constexpr std::size_t mostValues = std::size_t{1} << 20;
-constexpr std::size_t shortestWindow = 64;
+constexpr long mostValues = 1L << 20;
+constexpr long shortestWindow = 64;
 // The filters' own run-in leaves a trace of what it cut off; so many times its length leaves none.
 constexpr long runInLengths = 4;
 constexpr long longestRunIn = 1L << 20;
 
-std::size_t windowLengthFor(std::size_t rows, long samples) {
-    const std::size_t affordable =
-        std::max(mostValues / std::max<std::size_t>(rows, 1), shortestWindow);
-    return std::min(affordable, static_cast<std::size_t>(samples));
+} // namespace
+
+long windowLengthFor(const std::vector<Row>& rows, SampleRange range) {
+    const auto count = static_cast<long>(std::max<std::size_t>(rows.size(), 1));
+    long length = std::max(mostValues / count, shortestWindow);
+    if (!rows.empty()) {
+        IDataReader& reader = *rows.front().source->reader();
+        // A window that starts inside a page touches one page more than its length says.
+        const long cached = long{reader.getPagePts()} * std::max(reader.getMaxPages() - 1, 1);
+        length = std::min(length, std::max(cached, shortestWindow));
+    }
+    return std::min(length, range.length());
 }
 
-} // namespace
+bool goOn(LongWork& work, SampleRange window, SampleRange range) {
+    return work.goOn(static_cast<double>(window.last - range.first + 1),
+                     static_cast<double>(range.length()));
+}
 
 RowStream::RowStream(const std::vector<Row>& rows, SampleRange range)
     : m_rows(&rows),
       m_range(range),
       m_window{range.first, range.first - 1},
-      m_windowLength(windowLengthFor(rows.size(), range.length())),
+      m_windowLength(static_cast<std::size_t>(windowLengthFor(rows, range))),
       m_values(rows.size() * m_windowLength) {}
 
 bool RowStream::next() {

@@ -1,10 +1,18 @@
 #pragma once
 
+#include "tool/LongWork.h"
 #include "tool/Rows.h"
 
 #include <vector>
 
 namespace kvsig::tool {
+
+/// Samples that are worked on at a time: as many as pages of the reader's cache hold, so that no
+/// row reads a page again that another row has read, and about a million values at most.
+[[nodiscard]] long windowLengthFor(const std::vector<Row>& rows, SampleRange range);
+
+/// Tells a piece of work how much of a range is done with a window of it.
+[[nodiscard]] bool goOn(LongWork& work, SampleRange window, SampleRange range);
 
 /// Delivers the values of rows window by window, in order, with the filters' state carried on from
 /// one window to the next, so that the result does not depend on where windows end. The filters run

@@ -21,10 +21,8 @@ double sampleAt(double seconds, double rate) {
 
 // The options are checked when they are parsed.
 double secondsOf(const std::string& text, double otherwise) {
-    double seconds = otherwise;
-    if (!text.empty() && !readTime(text, seconds))
-        return otherwise;
-    return seconds;
+    double seconds = 0.0;
+    return !text.empty() && readTime(text, seconds) ? seconds : otherwise;
 }
 
 std::string timeFault(const std::string& text) {

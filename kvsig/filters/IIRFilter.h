@@ -17,7 +17,7 @@ namespace kvsig {
 class KVSIG_API IIRFilter : public Filter {
   public:
     /// The most that nPrePts() answers.
-    static constexpr int maxPrePts = 1 << 26;
+    static constexpr int maxPrePts = 1 << 22;
 
     explicit IIRFilter(FilterType type = lowPass) : Filter(type) {}
 

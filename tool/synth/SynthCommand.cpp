@@ -2,8 +2,7 @@
 #include "kvsig/util/OutputFile.h"
 #include "kvsig/util/Text.h"
 #include "tool/Command.h"
-#include "tool/Interrupt.h"
-#include "tool/Progress.h"
+#include "tool/LongWork.h"
 #include "tool/TimeOption.h"
 #include "tool/Words.h"
 #include "tool/synth/RecordingPlan.h"
@@ -97,17 +96,15 @@ bool writeRecording(const RecordingPlan& plan, const std::string& header,
     OutputFile file;
     file.open(arguments.output.c_str());
     file.write(header);
-    const InterruptGuard interrupt;
-    Progress progress("writing " + arguments.output, arguments.quiet);
+    LongWork work("writing " + arguments.output, arguments.quiet);
     SynthRecording recording(plan, options);
     for (std::int64_t i = 0; i < plan.header.records && file.error().empty(); ++i) {
-        if (interrupt.raised()) {
+        if (!work.goOn(static_cast<double>(i), static_cast<double>(plan.header.records))) {
             reason = "interrupted, not written";
             return false;
         }
         const auto bytes = recording.nextRecord();
         file.write(bytes.data(), bytes.size());
-        progress.show(static_cast<double>(i), static_cast<double>(plan.header.records));
     }
     const bool done = file.commit();
     reason = file.error();
