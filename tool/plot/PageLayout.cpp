@@ -9,7 +9,7 @@ namespace kvsig::tool {
 namespace {
 
 constexpr double tallestPage = 1000.0; // mm; a picture of it stays below 64 MiB
-constexpr double bottomMargin = 16.0;
+constexpr double bottomMargin = 18.0;
 constexpr double clockWidth = 17.0; // mm that a clock text takes, with a gap
 constexpr double finestLines = 1.5; // mm between lines that still read as lines
 
@@ -60,7 +60,7 @@ double fittingSensitivity(double peakToPeak, double room) {
 }
 
 double scaleBarLength(double sensitivity) {
-    const double wanted = 10.0 * sensitivity;
+    const double wanted = 9.0 * sensitivity;
     const double decade = std::pow(10.0, std::floor(std::log10(wanted)));
     for (const double step : {5.0, 2.0})
         if (step * decade <= wanted * 1.2)

@@ -34,7 +34,7 @@ struct TimeGrid {
 /// peak-to-peak size stays within `room` millimetres.
 [[nodiscard]] double fittingSensitivity(double peakToPeak, double room);
 
-/// The length of a scale bar in microvolts: 1, 2 or 5 times a power of ten, about 10 mm long.
+/// The length of a scale bar in microvolts: 1, 2 or 5 times a power of ten, about 8 mm long.
 [[nodiscard]] double scaleBarLength(double sensitivity);
 
 /// The middle one of the values; 0 when there are none.
