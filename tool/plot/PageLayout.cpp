@@ -62,7 +62,7 @@ double fittingSensitivity(double peakToPeak, double room) {
 double scaleBarLength(double sensitivity) {
     const double wanted = 9.0 * sensitivity;
     const double decade = std::pow(10.0, std::floor(std::log10(wanted)));
-    for (const double step : {5.0, 2.0})
+    for (const double step : {10.0, 5.0, 2.0})
         if (step * decade <= wanted * 1.2)
             return step * decade;
     return decade;
