@@ -105,8 +105,8 @@ TEST(EDF90Reader, UnitsDecideTheType) {
     const struct {
         const char* units;
         int type;
-    } cases[] = {{"uV", 1},   {"\xB5V", 1},     {"10 uV/mm", 1}, {"mV", 100}, {"", 100},
-                 {"UV", 100}, {"\xC2\xB5V", 1}, {"DegC", 100},   {"V", 100},  {"u V", 100}};
+    } cases[] = {{"uV", 1},   {"\xB5V", 1},     {"10 uV/mm", 1}, {"mV", 100},    {"", 100},
+                 {"UV", 100}, {"\xC2\xB5V", 1}, {"DegC", 100},   {"\xB5W", 100}, {"u V", 100}};
     for (const auto& c : cases) {
         Edf reader(oneSignal().units(c.units));
         EXPECT_EQ(reader.channelType(0), c.type) << c.units;
@@ -240,8 +240,11 @@ TEST(EDF90Reader, TheStartTimeAnchorsSampleZero) {
     SampleTime own{0, 100.0};
     anchored.addSampleTime(own);
     const test::TempDir dir;
-    ASSERT_TRUE(anchored.open(dir.write("a.edf", oneSignal().bytes()).c_str()));
-    EXPECT_EQ(startClock(anchored), 100.0);
+    const std::string path = dir.write("a.edf", oneSignal().bytes());
+    for (int round = 0; round < 2; ++round) { // an anchor of the host's own stays
+        ASSERT_TRUE(anchored.open(path.c_str()));
+        EXPECT_EQ(startClock(anchored), 100.0);
+    }
 }
 
 TEST(EDF90Reader, DatesGetTheirCenturyByTheFormatsOwnPivot) {

@@ -108,7 +108,7 @@ TEST(EdfHeader, TheReservedFieldTellsTheKind) {
 TEST(EdfHeader, AnnotationSignalsAreNoChannelsInEdfPlusOnly) {
     test::EdfFile file;
     file.signal("EDF Annotations", 7).signal("a", 2).signal("edf annotations", 3);
-    file.signal("EDF Annotations", 5).signal("EDF Annotation", 2);
+    file.signal("EDF Annotations", 5).signal("EDF Annotations2", 2);
     using Signals = std::vector<std::int64_t>;
     const edf::Header plain = headerOf(file);
     EXPECT_EQ(plain.channels(), (Signals{0, 1, 2, 3, 4}));
