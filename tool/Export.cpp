@@ -71,7 +71,8 @@ int run(const ExportOptions& options) {
     if (!type)
         return exitWrongUsage;
     const std::optional<Recording> recording = openUsableRecording(options.file, *type);
-    if (!recording || !filtersFit(*recording, options.signals))
+    if (!recording || isRecordingItself(*recording, options.output) ||
+        !filtersFit(*recording, options.signals))
         return exitFailed;
     const std::optional<SampleRange> range = sampleRange(*recording, options.signals);
     Rows rows(*recording);

@@ -101,8 +101,11 @@ std::size_t columns(const std::string& utf8) {
 }
 
 // Numbers stand right, texts left; the widths follow the content.
-std::string table(const std::vector<std::vector<std::string>>& rows,
+std::string table(std::vector<std::vector<std::string>> rows,
                   const std::vector<bool>& rightAligned) {
+    for (auto& row : rows)
+        std::transform(row.begin(), row.end(), row.begin(),
+                       [](const std::string& cell) { return printable(cell); });
     std::vector<std::size_t> widths(rightAligned.size(), 0);
     for (const auto& row : rows)
         for (std::size_t i = 0; i < row.size(); ++i)
@@ -187,7 +190,8 @@ int run(const InfoOptions& options) {
         if (options.json)
             list.push_back(all);
         else
-            print(toUtf8(file) + "\n" + summary(all) + "\n" + channelTable(all["channels"]) + "\n");
+            print(printable(file) + "\n" + summary(all) + "\n" + channelTable(all["channels"]) +
+                  "\n");
         if (const OpenFinding* finding = recording->unusable()) {
             complain(file + ": " + finding->text);
             exitCode = exitFailed;

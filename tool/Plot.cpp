@@ -65,7 +65,8 @@ int run(const PlotOptions& options) {
     if (!type)
         return exitWrongUsage;
     const std::optional<Recording> recording = openUsableRecording(options.file, *type);
-    if (!recording || !filtersFit(*recording, options.signals))
+    if (!recording || isRecordingItself(*recording, options.output) ||
+        !filtersFit(*recording, options.signals))
         return exitFailed;
     const std::optional<SampleRange> range = sampleRange(*recording, options.signals);
     Rows rows(*recording);
@@ -105,7 +106,7 @@ void addPlotCommand(CLI::App& app, int& exitCode) {
     command
         ->add_option("--sensitivity", options->sensitivity,
                      "Microvolts per millimetre (default: one at which the traces fit)")
-        ->check(CLI::PositiveNumber);
+        ->check(positiveFault);
     addSignalOptions(*command, options->signals);
     command->callback([options, &exitCode] { exitCode = run(*options); });
 }

@@ -5,6 +5,7 @@
 #include "tool/Words.h"
 
 #include <algorithm>
+#include <filesystem>
 
 namespace kvsig::tool {
 
@@ -18,7 +19,7 @@ void limitPages(IDataReader& reader) {
     const std::int64_t pageBytes =
         std::int64_t{reader.getPagePts()} * reader.channelCount() * reader.bytesPerSample();
     const std::int64_t pages = mostBytes / std::max<std::int64_t>(pageBytes, 1);
-    reader.setMaxPages(static_cast<short>(std::clamp<std::int64_t>(pages, 2, 15)));
+    reader.setMaxPages(static_cast<short>(std::clamp<std::int64_t>(pages, 1, 15)));
 }
 
 } // namespace
@@ -67,6 +68,14 @@ std::optional<Recording> openUsableRecording(const std::string& path, int type) 
         return std::nullopt;
     }
     return recording;
+}
+
+bool isRecordingItself(const Recording& recording, const std::string& output) {
+    std::error_code ignored;
+    if (output.empty() || !std::filesystem::equivalent(recording.path, output, ignored))
+        return false;
+    complain(recording.path + ": --output " + output + " is the recording itself");
+    return true;
 }
 
 } // namespace kvsig::tool

@@ -31,4 +31,7 @@ struct Recording {
 /// is refused.
 [[nodiscard]] std::optional<Recording> openUsableRecording(const std::string& path, int type);
 
+/// True with a complaint when writing `output` would replace the recording itself.
+[[nodiscard]] bool isRecordingItself(const Recording& recording, const std::string& output);
+
 } // namespace kvsig::tool

@@ -85,18 +85,19 @@ int Rows::rowOf(const DataSource& source) {
 
 bool Rows::select(const SignalOptions& options) {
     IDataReader& reader = *m_recording->reader;
-    if (options.channels.empty()) {
+    if (!options.channels) {
         for (int i = 0; i < reader.channelCount(); ++i)
             addRecorded(i);
     } else {
         bool all = true;
-        for (const std::string& text : splitWords(options.channels, ','))
+        for (const std::string& text : splitWords(*options.channels, ','))
             all = add(trimmed(text)) && all;
         if (!all)
             return false;
     }
     if (m_rows.empty()) {
-        complain(m_recording->path + ": --channels \"" + options.channels + "\" names no channel");
+        complain(m_recording->path + ": --channels \"" + options.channels.value_or("") +
+                 "\" names no channel");
         return false;
     }
     applyFilters(options);
@@ -262,7 +263,9 @@ void Rows::complainUnknown(const std::string& label) const {
     std::string hint;
     for (const std::string& name : nearestNames(label, names))
         hint += (hint.empty() ? "; the nearest are " : ", ") + name;
-    complain(m_recording->path + ": --channels " + label + ": no such channel" + hint);
+    constexpr std::size_t longestEcho = 60;
+    complain(m_recording->path + ": --channels " + label.substr(0, longestEcho) +
+             (label.size() > longestEcho ? "..." : "") + ": no such channel" + hint);
 }
 
 void Rows::applyFilters(const SignalOptions& options) {

@@ -33,6 +33,13 @@ std::string timeFault(const std::string& text) {
 
 } // namespace
 
+std::string positiveFault(const std::string& text) {
+    double value = 0.0;
+    return wholeDouble(text, value) && value > 0 && std::isfinite(value)
+               ? std::string()
+               : "\"" + text + "\" is no number above 0";
+}
+
 void addSignalOptions(CLI::App& command, SignalOptions& options) {
     command.add_option("--channels", options.channels,
                        "Channel names, #indexes and derivations, e.g. Fp1-F7,C3-A1+A2 (default: "
@@ -42,13 +49,13 @@ void addSignalOptions(CLI::App& command, SignalOptions& options) {
     command.add_option("--to", options.to, "End, not included (default: the end)")
         ->check(timeFault);
     command.add_option("--low-filter", options.lowFilter, "High-pass cutoff in Hz")
-        ->check(CLI::PositiveNumber);
+        ->check(positiveFault);
     command.add_option("--high-filter", options.highFilter, "Low-pass cutoff in Hz")
-        ->check(CLI::PositiveNumber);
+        ->check(positiveFault);
     command
         .add_option("--notch", options.notch,
                     "Notch frequency in Hz; the notch is about 2 Hz wide at -3 dB")
-        ->check(CLI::PositiveNumber);
+        ->check(positiveFault);
     command.add_option("--type", options.type, "Type name that overrules detection");
     command.add_flag("-q,--quiet", options.quiet, "No remarks");
 }
@@ -66,8 +73,9 @@ std::optional<SampleRange> sampleRange(const Recording& recording, const SignalO
     range.first = std::max(saturate<long>(sampleAt(from, rate)), 0L);
     range.last = std::min(saturate<long>(sampleAt(to, rate) - 1.0), stored - 1);
     if (range.last < range.first) {
-        complain(recording.path + ": no samples from " + shortestText(from) + " to " +
-                 shortestText(to) + " s; the recording ends at " + shortestText(end) + " s");
+        complain(recording.path + ": no samples from " + shortestText(from) + " s on" +
+                 (options.to.empty() ? "" : " and before " + shortestText(to) + " s") +
+                 "; the recording lasts " + shortestText(end) + " s");
         return std::nullopt;
     }
     return range;

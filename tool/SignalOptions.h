@@ -11,8 +11,8 @@ namespace kvsig::tool {
 
 /// What export and plot are asked to show of a recording.
 struct SignalOptions {
-    std::string channels; ///< names and derivations, comma-separated; empty: all recorded channels
-    std::string from;     ///< times as texts; empty: from the start, to the end
+    std::optional<std::string> channels; ///< names and derivations, comma-separated; none: all
+    std::string from;                    ///< times as texts; empty: from the start, to the end
     std::string to;
     double lowFilter = 0;  ///< hertz, a high-pass; 0: none
     double highFilter = 0; ///< hertz, a low-pass; 0: none
@@ -20,6 +20,9 @@ struct SignalOptions {
     std::string type;
     bool quiet = false;
 };
+
+/// A check for options that take a number above 0: what is wrong with the text, or nothing.
+[[nodiscard]] std::string positiveFault(const std::string& text);
 
 void addSignalOptions(CLI::App& command, SignalOptions& options);
 

@@ -11,7 +11,7 @@ namespace {
 bool quietMode = false;
 
 void say(const std::string& sentence) {
-    const std::string line = "kvsig: " + toUtf8(sentence) + "\n";
+    const std::string line = "kvsig: " + printable(sentence) + "\n";
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
@@ -68,6 +68,25 @@ std::string toUtf8(std::string_view bytes) {
             text.push_back(static_cast<char>(0xC0U | byte >> 6U));
             text.push_back(static_cast<char>(0x80U | (byte & 0x3FU)));
         }
+    }
+    return text;
+}
+
+std::string printable(std::string_view bytes) {
+    constexpr char digits[] = "0123456789abcdef";
+    std::string text;
+    const std::string utf8 = toUtf8(bytes);
+    for (std::size_t i = 0; i < utf8.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(utf8[i]);
+        const auto next = i + 1 < utf8.size() ? static_cast<unsigned char>(utf8[i + 1]) : 0U;
+        const bool secondSet = byte == 0xC2 && next < 0xA0;
+        if (byte >= 0x20 && byte != 0x7F && !secondSet) {
+            text.push_back(utf8[i]);
+            continue;
+        }
+        const unsigned int control = secondSet ? next : byte;
+        text += std::string("\\x") + digits[control >> 4U] + digits[control & 0xFU];
+        i += secondSet ? 1 : 0;
     }
     return text;
 }

@@ -15,6 +15,9 @@ void setQuiet(bool quiet);
 /// Valid UTF-8: bytes that are not are taken as Latin-1, the whole text at once.
 [[nodiscard]] std::string toUtf8(std::string_view bytes);
 
+/// The same for a terminal: control characters become "\x1b" and the like.
+[[nodiscard]] std::string printable(std::string_view bytes);
+
 /// Seconds as "hh:mm:ss", with hundredths where there are any.
 [[nodiscard]] std::string clockText(double seconds);
 

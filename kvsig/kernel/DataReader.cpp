@@ -301,9 +301,10 @@ bool DataReader::open(const char* path) {
 int DataReader::getLastError() { return m_state->lastError; }
 
 void DataReader::setLastError(int code) {
-    m_state->lastError = code;
-    if (code == 0)
+    // A sentence belongs to the code that it was stored with.
+    if (code != m_state->lastError)
         m_state->errorText.clear();
+    m_state->lastError = code;
 }
 
 const char* DataReader::lastErrorText() {
@@ -434,6 +435,13 @@ double DataReader::getElapsedTime(double clock) {
 }
 
 void DataReader::addSampleTime(SampleTime& anchor) { m_state->timeBase.add(anchor); }
+
+void DataReader::forgetSamples() {
+    setMaxDataIndex(-1);
+    if (m_state->pages.size() > 0)
+        flushPages(false);
+}
+
 void DataReader::clearSampleTimes() { m_state->timeBase.clear(); }
 bool DataReader::getPatientRec() { return false; }
 bool DataReader::hasPatientInfo() { return true; }

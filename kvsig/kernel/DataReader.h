@@ -146,11 +146,11 @@ class KVSIG_API DataReader : public IDataReader {
     virtual std::int32_t _digitalLow(int channel);
     /// Samples from one chunk to the next.
     virtual int _minReadPts();
+
+  public:
     /// The byte-addressed chunk read: `bytePos` counts from the first sample of the recording as if
     /// it were stored in frames. Returns bytes, 0 at the end.
     virtual int getChunk(long bytePos, short* buffer, int bytes);
-
-  public:
     virtual void montageApply(SourceMontage& montage, const char* name);
     virtual bool setDefChannelInfo();
     virtual bool loadChannelInfo();
@@ -196,6 +196,8 @@ class KVSIG_API DataReader : public IDataReader {
     bool readPageAtIndex(DataPage* page, long index);
 
     void setMaxDataIndex(long index);
+    /// No samples and no pages any more: what was open before must not answer for another file.
+    void forgetSamples();
     /// Forgets all time anchors.
     void clearSampleTimes();
     /// The path as it was given, uncut.

@@ -118,9 +118,9 @@ bool PageCache::readPage(DataPage& page, long index, PageSource& source) {
     const bool affordable = frames <= maxPageBytes / std::max<std::int64_t>(frameBytes, 1);
     if (!affordable || !page.buffer.reserve(frames * frameBytes)) {
         // The frame size stands in the second field in spite of its label; kept on purpose.
-        logMessage(logWarning, "Error allocating memory at DataReader::readPageAtIndex. PagePts=" +
-                                   std::to_string(points) +
-                                   ", BytesPerSample=" + std::to_string(frameBytes));
+        logMessage(logInfo, "Error allocating memory at DataReader::readPageAtIndex. PagePts=" +
+                                std::to_string(points) +
+                                ", BytesPerSample=" + std::to_string(frameBytes));
         return false;
     }
 

@@ -26,6 +26,8 @@ constexpr short microvoltType = 1;
 constexpr short otherUnitType = 100;
 constexpr long fewestSamples = 3;
 
+using Severity = OpenFinding::Severity;
+
 std::string quoted(const std::string& text) { return "\"" + text + "\""; }
 
 std::string fieldText(const std::string& name, std::int64_t offset, const std::string& value) {
@@ -43,6 +45,17 @@ std::string fullDate(const std::string& text, int centuryPivot) {
 
 std::string headerLengthText(const edf::Header& header) {
     return fieldText("header length", edf::headerLength.offset, header.text(edf::headerLength));
+}
+
+std::string samplesText(const edf::Header& header, std::int64_t signal) {
+    return fieldText("samples per record of signal " + std::to_string(signal + 1),
+                     header.offsetOf(edf::samplesPerRecord, signal),
+                     header.text(edf::samplesPerRecord, signal));
+}
+
+std::int64_t largestSignal(const edf::Header& header) {
+    const auto& samples = header.signalSamples();
+    return std::max_element(samples.begin(), samples.end()) - samples.begin();
 }
 
 // Samples that start inside the header are no samples; empty when the length is sound.
@@ -82,6 +95,7 @@ bool EDF90Reader::openFile() {
     if (m_edf->ownStartAnchor)
         clearSampleTimes();
     *m_edf = State();
+    forgetSamples();
 
     std::string reason;
     if (!m_edf->file.open(filePath().c_str(), &reason))
@@ -89,6 +103,8 @@ bool EDF90Reader::openFile() {
     // The number of signals is four characters wide, so a whole header stays below 2.6 MB.
     const edf::Header fixedPart(HeaderBlock::readFrom(m_edf->file, edf::fixedLength));
     const std::int64_t signals = fixedPart.fileSignals();
+    setHeaderLength(saturate<long>(fixedPart.dataOffset()));
+    setChannelCount(saturate<int>(signals));
     if (signals < 1 || fixedPart.kind() == edf::Kind::interrupted)
         return refuseHeader(fixedPart);
 
@@ -133,40 +149,93 @@ void EDF90Reader::layOutChannels() {
         m_edf->maxRecordSamples = std::max(m_edf->maxRecordSamples, count);
         m_edf->channels.push_back({offset, count});
     }
-    setHeaderLength(saturate<long>(header.dataOffset()));
     setChannelCount(saturate<int>(header.channels().size()));
     setSamplingRate(fastest);
 }
 
 void EDF90Reader::reportOddFields() {
-    using Severity = OpenFinding::Severity;
+    reportOddNumbers();
+    reportOddTiming();
+    reportOddSizes();
+}
+
+// Numbers are read as far as they go, as in "31 E" or "1e3"; what was made of them is told.
+void EDF90Reader::reportOddNumbers() {
     const edf::Header& header = m_edf->header;
+    const auto tell = [this](const std::string& field, const std::string& text, double taken) {
+        double whole = 0.0;
+        if (!wholeDouble(text, whole) || whole != taken)
+            report(Severity::warning, field + ", read as " + shortestText(taken));
+    };
+    tell(fieldText("number of signals", edf::signalCount.offset, header.text(edf::signalCount)),
+         header.text(edf::signalCount), static_cast<double>(header.fileSignals()));
+    tell(headerLengthText(header), header.text(edf::headerLength),
+         static_cast<double>(header.dataOffset()));
+    for (std::int64_t i = 0; i < header.fileSignals(); ++i)
+        tell(samplesText(header, i), header.text(edf::samplesPerRecord, i),
+             static_cast<double>(header.signalSamples()[static_cast<std::size_t>(i)]));
+}
+
+void EDF90Reader::reportOddTiming() {
+    constexpr double secondsPerYear = 31557600.0;
+    constexpr double fastestRate = 1e7; // hertz; no polygraph comes near
+    const edf::Header& header = m_edf->header;
+    const double rate = samplingRate();
     const std::string duration = fieldText("duration of a data record", edf::recordDuration.offset,
                                            header.text(edf::recordDuration));
-    constexpr double secondsPerYear = 31557600.0;
-    if (!(header.duration() > 0) || !std::isfinite(samplingRate()))
+    if (!(header.duration() > 0) || !std::isfinite(rate))
         report(Severity::unusable, duration + ", which gives no sampling rate");
     else if (header.duration() > secondsPerYear)
         report(Severity::unusable, duration + " seconds, more than a year");
-
-    if (const std::string fault = headerLengthFault(header); !fault.empty())
-        report(Severity::unusable, fault);
-    const std::int64_t largest =
-        std::max(header.recordSamples() * storedSampleBytes(),
-                 m_edf->maxRecordSamples * channelCount() * bytesPerSample());
-    if (largest > maxPageBytes)
-        report(Severity::unusable, "a data record takes " + std::to_string(largest) +
-                                       " bytes, more than can be read at once");
-    for (std::int64_t i = 0; i < header.fileSignals(); ++i)
-        if (header.signalSamples()[static_cast<std::size_t>(i)] < 1)
-            report(Severity::unusable,
-                   fieldText("samples per record of signal " + std::to_string(i + 1),
-                             header.offsetOf(edf::samplesPerRecord, i),
-                             header.text(edf::samplesPerRecord, i)) +
-                       ", at least 1 is needed");
+    else if (rate > fastestRate)
+        report(Severity::unusable,
+               duration + ", which gives a sampling rate of " + shortestText(rate) + " Hz");
 }
 
-void EDF90Reader::close() { m_edf->file.close(); }
+void EDF90Reader::reportOddSizes() {
+    const edf::Header& header = m_edf->header;
+    if (const std::string fault = headerLengthFault(header); !fault.empty())
+        report(Severity::unusable, fault);
+    // One fast signal among many slow ones makes frames far larger than the record that they come
+    // from: a small file must not cost the memory of a huge one.
+    constexpr std::int64_t harmless = std::int64_t{64} << 20;
+    constexpr std::int64_t usualGrowth = 8;
+    const std::int64_t recordBytes = header.recordSamples() * storedSampleBytes();
+    const std::int64_t frameBytes = m_edf->maxRecordSamples * channelCount() * bytesPerSample();
+    if (std::max(recordBytes, frameBytes) > maxPageBytes ||
+        frameBytes > std::max(harmless, usualGrowth * recordBytes))
+        report(Severity::unusable,
+               "a data record of " + std::to_string(recordBytes) + " bytes gives " +
+                   std::to_string(frameBytes) +
+                   " bytes at the common rate: " + samplesText(header, largestSignal(header)));
+    for (std::int64_t i = 0; i < header.fileSignals(); ++i)
+        if (header.signalSamples()[static_cast<std::size_t>(i)] < 1)
+            report(Severity::unusable, samplesText(header, i) + ", at least 1 is needed");
+}
+
+// The kernel calibrates by IEEE rules; the user must know where that gives no numbers.
+void EDF90Reader::reportOddCalibrations() {
+    const edf::Header& header = m_edf->header;
+    for (int c = 0; c < channelCount(); ++c) {
+        if (!isChannel(c) || std::isfinite(calibration(c)))
+            continue;
+        const std::int64_t signal = header.channels()[static_cast<std::size_t>(c)];
+        const auto field = [&header, signal](const char* name, edf::SignalField which) {
+            return fieldText(name, header.offsetOf(which, signal), header.text(which, signal));
+        };
+        report(Severity::warning,
+               "signal " + std::to_string(signal + 1) +
+                   " has no finite values: " + field("digital minimum", edf::digitalMin) + ", " +
+                   field("maximum", edf::digitalMax) + "; " +
+                   field("physical minimum", edf::physicalMin) + ", " +
+                   field("maximum", edf::physicalMax));
+    }
+}
+
+void EDF90Reader::close() {
+    m_edf->file.close();
+    m_edf->record = PageBuffer();
+}
 
 std::int64_t EDF90Reader::wholeRecords(int sampleBytes) const {
     const std::int64_t size = m_edf->file.size();
@@ -194,6 +263,7 @@ bool EDF90Reader::readSampleInfo() {
         addSampleTime(anchor);
         m_edf->ownStartAnchor = true;
     }
+    reportOddCalibrations();
     return true;
 }
 
@@ -212,14 +282,16 @@ bool EDF90Reader::refuseWithoutSamples() {
                              std::to_string(size) + " bytes");
     if (const std::string fault = headerLengthFault(header); !fault.empty())
         return refuse(2, fault);
+    const auto& samples = header.signalSamples();
+    const auto none =
+        std::find_if(samples.begin(), samples.end(), [](std::int64_t count) { return count < 1; });
     if (header.recordSamples() <= 0)
-        return refuse(2, "samples per record of its signals (from offset " +
-                             std::to_string(header.offsetOf(edf::samplesPerRecord, 0)) +
-                             ") add up to " + std::to_string(header.recordSamples()));
+        return refuse(2, samplesText(header, none - samples.begin()) + ", at least 1 is needed");
     if (nPoints() == 0)
         return refuse(2, "no whole data record: one takes " +
-                             std::to_string(header.recordSamples()) + " samples, " +
-                             std::to_string(data) + " bytes of data follow the header");
+                             std::to_string(2 * header.recordSamples()) + " bytes or more, " +
+                             std::to_string(data) + " follow the header; " +
+                             samplesText(header, largestSignal(header)));
     return refuse(2, "it holds " + std::to_string(nPoints()) + " samples, at least " +
                          std::to_string(fewestSamples) + " are needed");
 }

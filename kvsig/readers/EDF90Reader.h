@@ -36,6 +36,8 @@ class KVSIG_API EDF90Reader : public DataReader {
     bool patientInfo(std::ostream& stream, bool flag) override;
     long storedSampleCount() override;
     double storedSamplingRate(int channel) override;
+    /// One data record, turned into frames.
+    int getChunk(long bytePos, short* buffer, int bytes) override;
 
   protected:
     /// Bytes of the thread_local buffers in which texts are handed out; the widest is a label.
@@ -53,8 +55,6 @@ class KVSIG_API EDF90Reader : public DataReader {
     std::int32_t _digitalHigh(int channel) override;
     std::int32_t _digitalLow(int channel) override;
     int _minReadPts() override;
-    /// One data record, turned into frames.
-    int getChunk(long bytePos, short* buffer, int bytes) override;
 
     /// Bytes of a sample in the file.
     [[nodiscard]] virtual int storedSampleBytes() const;
@@ -72,6 +72,10 @@ class KVSIG_API EDF90Reader : public DataReader {
     [[nodiscard]] std::string channelText(edf::SignalField field, int channel);
     void layOutChannels();
     void reportOddFields();
+    void reportOddNumbers();
+    void reportOddTiming();
+    void reportOddSizes();
+    void reportOddCalibrations();
     bool refuseHeader(const edf::Header& fixedPart);
     bool refuseWithoutSamples();
     [[nodiscard]] std::int64_t wholeRecords(int sampleBytes) const;

@@ -9,6 +9,9 @@
 namespace kvsig {
 namespace {
 
+// The sign of a NaN says nothing.
+constexpr const char* notANumber = "nan";
+
 bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 std::string_view withoutLeadingBlanks(std::string_view text) {
@@ -62,6 +65,8 @@ std::size_t scanDouble(std::string_view text, double& value) {
 
 template <typename... Arguments>
 std::string charsOf(double value, Arguments... format) {
+    if (value != value)
+        return notANumber;
     // The longest fixed text of a double has 309 digits before the point.
     std::array<char, 512> buffer{};
     const auto end =
@@ -103,8 +108,8 @@ DottedTriple dottedTriple(std::string_view text) {
     DottedTriple triple;
     for (std::int64_t* part : {&triple.first, &triple.second, &triple.third}) {
         text = withoutLeadingBlanks(text);
-        std::size_t end = text.find_first_not_of("0123456789", text.find_first_not_of("+-"));
-        end = std::min(end, text.size());
+        const std::size_t sign = !text.empty() && (text[0] == '+' || text[0] == '-') ? 1 : 0;
+        const std::size_t end = std::min(text.find_first_not_of("0123456789", sign), text.size());
         if (end == 0 || !isDigit(text[end - 1]))
             return triple;
         *part = leadingInteger(text.substr(0, end));
@@ -130,6 +135,8 @@ std::string generalText(double value, int digits) {
 std::string shortestText(double value) { return charsOf(value); }
 
 std::string shortestText(float value) {
+    if (value != value)
+        return notANumber;
     std::array<char, 64> buffer{};
     return {buffer.data(), std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr};
 }

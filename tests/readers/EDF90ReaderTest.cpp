@@ -433,14 +433,14 @@ TEST(EDF90Reader, ARecordTooLargeToReadIsTold) {
     for (int i = 1; i < 200; ++i)
         frames.signal("slow", 1);
     frames.poke(frames.fieldOffset(216, 8, 0), "4000000 ");
-    EXPECT_THAT(unusable(frames, 8100000), HasSubstr("data record takes 1600000000 bytes"));
+    EXPECT_THAT(unusable(frames, 8100000), HasSubstr("gives 1600000000 bytes"));
     // Texts between a few samples.
     EdfFile record = EdfFile().signal("a", 4).records(0).reserved("EDF+C");
     for (int i = 0; i < 7; ++i)
         record.signal("EDF Annotations", 0);
     for (int i = 1; i <= 7; ++i)
         record.poke(record.fieldOffset(216, 8, i), "99999999");
-    EXPECT_THAT(unusable(record, 1500000000), HasSubstr("data record takes 1399999994 bytes"));
+    EXPECT_THAT(unusable(record, 1500000000), HasSubstr("data record of 1399999994 bytes"));
 }
 
 // The fields of a recording of two signals and five records: 768 bytes of header, 80 of data.
@@ -500,15 +500,15 @@ INSTANTIATE_TEST_SUITE_P(
                  "but the file ends after 848 bytes"},
         BadInput{"HeaderLengthAtTheEnd", poke(184, "848     "), 2,
                  "the file ends with its header of 848 bytes"},
-        BadInput{"SamplesSumTo0", poke(688, "-4      "), 2, "(from offset 688) add up to 0"},
-        BadInput{"SamplesSumBelow0", poke(688, "-9999999"), 2, "add up to -9999995"},
+        BadInput{"SamplesSumTo0", poke(688, "-4      "), 2, "(offset 688) is \"-4\""},
+        BadInput{"SamplesSumBelow0", poke(688, "-9999999"), 2, "(offset 688) is \"-9999999\""},
         BadInput{"Samples0", poke(688, "0       "), 0,
                  "samples per record of signal 1 (offset 688) is \"0\""},
         BadInput{"SamplesOfLastNegative", poke(696, "-3      "), 0,
                  "samples per record of signal 2 (offset 696) is \"-3\""},
         BadInput{"SamplesInWords", poke(696, "many    "), 0, "is \"many\""},
         BadInput{"SamplesHuge", poke(688, "99999999"), 2,
-                 "no whole data record: one takes 100000003 samples"},
+                 "(offset 688) is \"99999999\""},
         BadInput{"Duration0", poke(244, "0       "), 0, "which gives no sampling rate"},
         BadInput{"DurationNegative", poke(244, "-1      "), 0,
                  "duration of a data record (offset 244) is \"-1\""},
@@ -521,7 +521,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadInput{"HalfSignalHeaders", cut(500), 2, "but the file ends after 500 bytes"},
         BadInput{"HeaderOnly", cut(768), 2, "no data records"},
         BadInput{"HalfARecord", cut(783), 2,
-                 "no whole data record: one takes 8 samples, 15 bytes"}),
+                 "one takes 16 bytes or more, 15 follow"}),
     [](const auto& row) { return std::string(row.param.name); });
 
 TEST(EDF90Reader, FewerThanThreeSamplesAreRefused) {

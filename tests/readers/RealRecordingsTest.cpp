@@ -56,7 +56,7 @@ const RealRecording recordings[] = {
     {"odd/Invalid DataRecord Count.edf", 6, 0, 0, 0, "the file ends with its header of 1024 bytes"},
     {"odd/sub-01_task-pullstand_eeg.edf", 6, 0, 0, 0, "header of 31 signals takes 8192 bytes"},
     {"odd/sub-01_task-pullstand_emg.edf", 6, 0, 0, 0, "number of signals (offset 252) is \"0  E\""},
-    {"odd/sub-COF008_task-HN_acq-T2301_eeg.edf", 6, 0, 0, 0, "904 bytes of data follow"},
+    {"odd/sub-COF008_task-HN_acq-T2301_eeg.edf", 6, 0, 0, 0, "904 follow the header"},
     {"odd/sub-COF008_task-BL_acq-T224800_eeg.edf", 6, 0, 0, 0, "the file ends after 5000 bytes"},
 };
 

@@ -100,7 +100,7 @@ TEST(Export, RangesAreClippedAndTold) {
     EXPECT_EQ(runCommand(dir, "export a.edf -q --to 0:09").err, "");
     const CommandResult outside = runCommand(dir, "export a.edf --from 5");
     EXPECT_EQ(outside.exitCode, 1);
-    EXPECT_THAT(outside.err, HasSubstr("no samples from 5 to 2 s"));
+    EXPECT_THAT(outside.err, HasSubstr("no samples from 5 s on; the recording lasts 2 s"));
     EXPECT_EQ(runCommand(dir, "export a.edf --from 1:x").exitCode, 2);
 }
 
@@ -146,6 +146,10 @@ TEST(Export, AFailedExportLeavesTheOldFile) {
     dir.write("a.csv", "old");
     EXPECT_EQ(runCommand(dir, "export a.edf -o a.csv --channels nosuch").exitCode, 1);
     EXPECT_EQ(dir.read("a.csv"), "old");
+    // Once the export took its own recording's place.
+    const std::string recording = dir.read("a.edf");
+    EXPECT_EQ(runCommand(dir, "export a.edf -o ./a.edf").exitCode, 1);
+    EXPECT_EQ(dir.read("a.edf"), recording);
     const CommandResult run = runCommand(dir, "export a.edf -o nosuchdir/a.csv");
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_THAT(run.err, testing::StartsWith("kvsig: nosuchdir/a.csv: "));

@@ -53,7 +53,8 @@ TEST(NumberText, ReadsDottedTriples) {
     EXPECT_EQ(date.second, 7);
     EXPECT_EQ(date.third, 89);
     EXPECT_TRUE(dottedTriple(" 1. 2. 3x").complete);
-    for (const char* bad : {"", "04.07", "04:07:89", "a.b.c", "04..89", "04.07.", "..."})
+    for (const char* bad :
+         {"", "04.07", "04:07:89", "a.b.c", "04..89", "04.07.", "...", "--4.7.89", "4.+-7.89"})
         EXPECT_FALSE(dottedTriple(bad).complete) << bad;
 }
 
