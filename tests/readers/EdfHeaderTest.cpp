@@ -94,10 +94,7 @@ TEST(EdfHeader, TheReservedFieldTellsTheKind) {
         {"", edf::Kind::plain},
         {"EDF+C", edf::Kind::continuous},
         {"EDF+D", edf::Kind::interrupted},
-        {"EDF+Cxyz", edf::Kind::continuous},
         {"edf+c", edf::Kind::plain},
-        {"EDF+", edf::Kind::plain},
-        {" EDF+C", edf::Kind::plain},
         {"BDF+C", edf::Kind::plain},
     };
     for (const auto& c : cases)
@@ -125,17 +122,12 @@ TEST(EdfHeader, NumbersAreReadAsFarAsTheyGo) {
         std::int64_t number;
         double real;
     } cases[] = {
-        {"512     ", 512, 512},
         {"  +7 9  ", 7, 7},
-        {"-12     ", -12, -12},
         {"        ", 0, 0},
-        {"abc     ", 0, 0},
         {"1.5e3   ", 1, 1500},
         {"99999999", 99999999, 99999999},
         {"0x10    ", 0, 0},
-        {"3,5     ", 3, 3},
         {"nan     ", 0, 0},
-        {"inf     ", 0, 0},
         {"9e999   ", 9, std::numeric_limits<double>::infinity()},
     };
     for (const auto& c : cases) {
