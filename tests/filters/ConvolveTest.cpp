@@ -3,6 +3,7 @@
 #include <climits>
 #include <gtest/gtest.h>
 #include <memory>
+#include <random>
 #include <vector>
 
 namespace kvsig {
@@ -43,7 +44,27 @@ TEST(Convolve, FoldsSymmetricWeights) {
 TEST(Convolve, SumsInSinglePrecisionInTheGivenOrder) {
     const float big = 16777216.0F; // 2^24: adding 1 is lost
     EXPECT_EQ(run({big, 1, 1, -big}, {1, 1, 1, 1}, 4, 1, +1, 0).list(), (Values{0}));
+    EXPECT_EQ(run({big, -big, 1, 1}, {1, 1, 1, 1}, 4, 1, +1, 0).list(), (Values{2}));
     EXPECT_EQ(run({0.25, big, 0.25, 0, 0.25}, {1, 1, 1}, 5, 1, +1, 1).list(), (Values{big}));
+}
+
+TEST(Convolve, IsTheSameForLongAndShortRuns) {
+    std::mt19937 random(7);
+    std::uniform_real_distribution<float> value(-100.0F, 100.0F);
+    Values x(301);
+    Values h(9);
+    for (float& sample : x)
+        sample = value(random);
+    for (float& weight : h)
+        weight = value(random);
+    for (const int step : {1, 2, 7}) {
+        const Values whole = run(x, h, 9, step, +1, 0).list();
+        ASSERT_EQ(whole.size(), static_cast<std::size_t>((301 - 9) / step + 1));
+        for (std::size_t k = 0; k < whole.size(); ++k) {
+            const auto from = x.begin() + static_cast<std::ptrdiff_t>(k) * step;
+            ASSERT_EQ(whole[k], run(Values(from, from + 9), h, 9, 1, +1, 0).list().at(0));
+        }
+    }
 }
 
 TEST(Convolve, HasRoomForEveryStepAndClearsTheRest) {

@@ -86,15 +86,6 @@ class DataAccessRules : public testing::Test {
     FakeReader reader;
 };
 
-TEST_F(DataAccessRules, SamplesOutsideTheRecordingAreZeros) {
-    reader.file.raw = [](int, long) { return 9; };
-    EXPECT_EQ(dataOf(reader, 0, -3, 1), (std::vector<float>{0, 0, 0, 9, 9}));
-    EXPECT_EQ(dataOf(reader, 0, 998, 1001), (std::vector<float>{9, 9, 0, 0}));
-    constexpr long most = std::numeric_limits<long>::max();
-    EXPECT_EQ(dataOf(reader, 0, most - 1, most - 1), std::vector<float>(1, 0.0F));
-    EXPECT_EQ(dataOf(reader, 0, -most - 1, -most), std::vector<float>(2, 0.0F));
-}
-
 class OverlongReader : public FakeReader {
   public:
     long maxDataIndex() override { return 1L << 40; }
@@ -128,17 +119,6 @@ TEST_F(DataAccessRules, AccumulatingAddsAndLeavesTheRest) {
     values.assign(4, 100.0F);
     EXPECT_EQ(reader.getData(0, 998, 1001, values.data(), -1.0, 1), 4);
     EXPECT_EQ(values, (std::vector<float>{-899, -900, 100, 100}));
-}
-
-TEST_F(DataAccessRules, ChannelsOutOfRangeAreZeros) {
-    reader.takeCalls();
-    for (int channel : {-1, 3, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
-        EXPECT_EQ(dataOf(reader, channel, -1, 2), std::vector<float>(4, 0.0F));
-        float value = 7.0F;
-        EXPECT_EQ(reader.getData(channel, 0, 0, &value, 1.0, 1), 1);
-        EXPECT_EQ(value, 7.0F);
-    }
-    EXPECT_TRUE(reader.takeCalls("getSampleChunk").empty()) << "nothing is read for it";
 }
 
 // 200 counts span 10 units: 50 counts above -100 + 100 are (150 * 10 / 200 + 30) = 37.5 units,

@@ -148,21 +148,6 @@ TEST(DataReader, GettersOutOfRangeAnswerNothing) {
     EXPECT_EQ(factsOf(reader, 0), nothing);
 }
 
-// A format may answer more channels than it has set.
-class OverstatingReader : public FakeReader {
-  public:
-    short channelCount() override { return 5; }
-};
-
-TEST(DataReader, ChannelsWithoutARecordAreNotLoaded) {
-    OverstatingReader reader;
-    ASSERT_TRUE(reader.open("a"));
-    EXPECT_STREQ(reader.grid1(2), "Cz");
-    EXPECT_STREQ(reader.grid1(3), "");
-    EXPECT_EQ(reader.indexOfG1("Oz"), -1);
-    EXPECT_EQ(reader.isMapReferential(), 1);
-}
-
 TEST(DataReader, ZeroChannelIsAFlagOfTheHost) {
     FakeReader reader;
     ASSERT_TRUE(reader.open("a"));

@@ -9,6 +9,7 @@
 namespace kvsig {
 namespace {
 
+using test::definition;
 using test::read;
 using Samples = std::vector<float>;
 using Channels = std::vector<int>;
@@ -24,12 +25,6 @@ class AvgSourceTest : public testing::Test {
             return 100 * (channel + 1) + static_cast<int>(i);
         };
         reader.open("scripted");
-    }
-
-    static std::string definition(AvgSource& source) {
-        std::vector<char> text(DataSource::definitionSize, '?');
-        source.constructDefn(text.data(), true);
-        return text.data();
     }
 
     test::FakeReader reader;

@@ -221,23 +221,6 @@ TEST_F(DataSourceTest, TheEndsOfTheIndexRangeAreSafe) {
     EXPECT_THAT(read(source, LONG_MAX - 1, LONG_MAX), Each(testing::Gt(0.0F)));
 }
 
-class Boaster : public ScriptedSource {
-  public:
-    using ScriptedSource::ScriptedSource;
-    int claim = 0;
-    int readCache(long, long, float*, double) override { return claim; }
-};
-
-TEST_F(DataSourceTest, ACacheThatClaimsTooMuchIsNotBelieved) {
-    Boaster boaster(reader);
-    for (const int claim : {11, INT_MAX, -1, INT_MIN}) {
-        boaster.claim = claim;
-        int delivered = 0;
-        read(boaster, 0, 9, 1.0, &delivered);
-        EXPECT_EQ(delivered, 10) << claim;
-    }
-}
-
 TEST_F(DataSourceTest, AnOddScaleDoesNotSpoilLaterAnswers) {
     constexpr double infinity = std::numeric_limits<double>::infinity();
     for (const double odd : {0.0, std::nan(""), infinity, -infinity, 1e-310}) {

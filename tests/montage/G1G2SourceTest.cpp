@@ -13,6 +13,7 @@
 namespace kvsig {
 namespace {
 
+using test::definition;
 using test::read;
 using testing::Each;
 using testing::IsEmpty;
@@ -42,12 +43,6 @@ class G1G2SourceTest : public testing::Test {
             return 100 * (channel + 1) + static_cast<int>(i);
         };
         reader.open("scripted");
-    }
-
-    static std::string definition(G1G2Source& source, bool withSettings = true) {
-        std::vector<char> text(DataSource::definitionSize, '?');
-        source.constructDefn(text.data(), withSettings);
-        return text.data();
     }
 
     test::FakeReader reader;
@@ -192,9 +187,11 @@ TEST_F(G1G2SourceTest, SettingsAreWrittenOnRequestAndOnlyWhenTheyDiffer) {
     EXPECT_EQ(definition(source), "Fp1-Fp2|0,0,1,9,0.1 sec,70 Hz,1,1,-12.500000,1000000.000000");
     EXPECT_EQ(definition(source, false), "Fp1-Fp2");
 
-    const std::pair<SourceSettings, const char*> cases[] = {{{.displayValue = -3}, "-3,0,1"},
-                                                            {{.flag = true}, "0,1,1"},
-                                                            {{.followMontage = false}, "0,0,0"}};
+    const std::pair<SourceSettings, const char*> cases[] = {
+        {{-3, false, true, 0, {}, {}}, "-3,0,1"},
+        {{0, true, true, 0, {}, {}}, "0,1,1"},
+        {{0, false, false, 0, {}, {}}, "0,0,0"},
+    };
     for (const auto& [different, fields] : cases) {
         G1G2Source plain(reader, 0, 1);
         plain.setSettings(different);

@@ -4,7 +4,7 @@
 #include "support/Opened.h"
 #include "support/ReadAround.h"
 
-#include <cmath>
+#include <array>
 #include <filesystem>
 #include <functional>
 #include <gmock/gmock.h>
@@ -300,7 +300,10 @@ TEST(EDF90Reader, AChunkIsTheRecordThatHoldsTheByte) {
     EdfFile file = EdfFile().signal("a", 4).signal("b", 2).records(5);
     Exposed reader(file);
     constexpr int chunkBytes = 4 * 2 * 2; // points, channels, bytes
-    const auto expectRecord = [&](long bytePos, int bytes, int record) {
+    for (const auto& [bytePos, bytes, record] : {std::array{0, chunkBytes, 0},
+                                                 {chunkBytes - 1, chunkBytes, 0},
+                                                 {4 * chunkBytes, chunkBytes, 4},
+                                                 {3 * chunkBytes + 5, chunkBytes + 8, 3}}) {
         std::vector<short> frames(12, -99);
         EXPECT_EQ(reader.getChunk(bytePos, frames.data(), bytes), bytes) << bytePos;
         for (std::size_t k = 0; k < 4; ++k) {
@@ -308,22 +311,16 @@ TEST(EDF90Reader, AChunkIsTheRecordThatHoldsTheByte) {
             EXPECT_EQ(frames[2 * k], file.sample(0, index)) << bytePos;
             EXPECT_EQ(frames[2 * k + 1], file.sample(1, index / 2)) << bytePos;
         }
-    };
-    expectRecord(0, chunkBytes, 0);
-    expectRecord(chunkBytes - 1, chunkBytes, 0);
-    expectRecord(4 * chunkBytes, chunkBytes, 4);
-    expectRecord(3 * chunkBytes + 5, chunkBytes + 8, 3);
-
+    }
     std::vector<short> frames(8, -99);
-    const std::vector<short> before = frames;
-    for (const long bytePos : {5L * chunkBytes, -1L * chunkBytes, -100L * chunkBytes,
-                               std::numeric_limits<long>::max(), std::numeric_limits<long>::min()})
+    for (const long bytePos : {5L * chunkBytes, -1L * chunkBytes, std::numeric_limits<long>::max(),
+                               std::numeric_limits<long>::min()})
         EXPECT_EQ(reader.getChunk(bytePos, frames.data(), chunkBytes), 0) << bytePos;
     for (const int bytes : {0, chunkBytes - 1, -chunkBytes})
         EXPECT_EQ(reader.getChunk(0, frames.data(), bytes), 0) << bytes;
     reader.close();
     EXPECT_EQ(reader.getChunk(0, frames.data(), chunkBytes), 0);
-    EXPECT_EQ(frames, before);
+    EXPECT_EQ(frames, std::vector<short>(8, -99));
 }
 
 // A host may set another count than the file's. Fewer channels are the first ones; of more there is
