@@ -130,13 +130,10 @@ TEST(DataReader, GettersOutOfRangeAnswerNothing) {
     FakeReader reader(withChannels({temperature(), temperature()}));
     EXPECT_EQ(factsOf(reader, 0), nothing) << "not open";
     ASSERT_TRUE(reader.open("a"));
-    constexpr int most = std::numeric_limits<int>::max();
-    for (bool numbers : {false, true}) {
-        reader.setGridNamesAsNumbers(numbers);
-        for (int channel : {-1, 2, most, -most - 1}) {
-            EXPECT_EQ(factsOf(reader, channel), nothing) << channel;
-            reader.setZeroChannel(channel, true);
-        }
+    reader.setGridNamesAsNumbers(true);
+    for (int channel : {-1, 2, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
+        EXPECT_EQ(factsOf(reader, channel), nothing) << channel;
+        reader.setZeroChannel(channel, true);
     }
     reader.setChannelCount(1);
     EXPECT_EQ(factsOf(reader, 1), nothing) << "in the table, past the count";
