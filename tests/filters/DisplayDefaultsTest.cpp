@@ -13,24 +13,14 @@ TEST(DisplayDefaults, ListsStandInTheirMenuOrder) {
     const std::vector<float>& sensitivity = GetDefValsSensitivity();
     EXPECT_EQ(sensitivity.size(), 18u);
     EXPECT_TRUE(std::is_sorted(sensitivity.begin(), sensitivity.end()));
-    EXPECT_EQ(sensitivity.front(), 1.0F);
-    EXPECT_EQ(sensitivity.back(), 1000.0F);
-
     const std::vector<float>& low = GetDefValsLowFilter();
     EXPECT_EQ(low.size(), 15u);
     EXPECT_TRUE(std::is_sorted(low.begin(), low.end()));
     EXPECT_EQ(low[0], static_cast<float>(0.16 / 3.0));
     EXPECT_EQ(low[3], static_cast<float>(1.6 / 3.0));
-    EXPECT_EQ(low.back(), 40.0F);
-
     const std::vector<float>& high = GetDefValsHighFilter();
     EXPECT_EQ(high.size(), 18u);
     EXPECT_TRUE(std::is_sorted(high.begin(), high.end(), std::greater<>()));
-    EXPECT_EQ(high.front(), 100.0F);
-    EXPECT_EQ(high.back(), 1.0F);
-
-    EXPECT_EQ(GetDefValsNotchFilter(), (std::vector<float>{60.0F, 50.0F}));
-    EXPECT_EQ(&GetDefValsNotchFilter(), &GetDefValsNotchFilter());
 }
 
 TEST(DisplayDefaults, SnapsToTheNearestInWholeNumbers) {

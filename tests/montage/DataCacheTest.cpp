@@ -53,17 +53,5 @@ TEST(DataCache, CopiesHaveABlockOfTheirOwn) {
     EXPECT_EQ(larger.length(), 0);
 }
 
-TEST(DataCache, TheBlockOnlyGrows) {
-    DataCache cache;
-    EXPECT_TRUE(cache.reserve(8));
-    const float* block = cache.pData;
-    EXPECT_TRUE(cache.reserve(3));
-    EXPECT_TRUE(cache.reserve(-3));
-    EXPECT_EQ(cache.pData, block);
-    EXPECT_EQ(cache.nAlloc, 8);
-    EXPECT_TRUE(cache.reserve(9));
-    EXPECT_EQ(cache.nAlloc, 9);
-}
-
 } // namespace
 } // namespace kvsig

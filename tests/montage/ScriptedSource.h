@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <functional>
 #include <ostream>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -57,6 +58,12 @@ inline std::vector<float> read(DataSource& source, long first, long last, double
     if (delivered)
         *delivered = count;
     return samples;
+}
+
+inline std::string definition(DataSource& source, bool withSettings = true) {
+    std::vector<char> text(DataSource::definitionSize, '?');
+    source.constructDefn(text.data(), withSettings);
+    return text.data();
 }
 
 } // namespace kvsig::test

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <limits>
-#include <locale>
 #include <string>
 
 namespace kvsig {
@@ -77,8 +76,7 @@ TEST(SourceSettings, EveryFieldIsReadBack) {
 TEST(SourceSettings, TheOlderFormLeavesTheScale) {
     for (const auto* text :
          {"5,0,0,6,0.1,(OFF)", "5,0,0,6,0.1,(OFF),0,0,1.0", "5,0,0,6,0.1,(OFF),x,0,1.0,2.0",
-          "5,0,0,6,0.1,(OFF),0,0,,2.0", "5,0,0,6,0.1,(OFF),0,0,1x,2.0",
-          "5,0,0,6,0.1,(OFF),0.5,0,1.0,2.0", "5,0,0,6,0.1,(OFF),0,0,1.0,nan"}) {
+          "5,0,0,6,0.1,(OFF),0,0,1x,2.0", "5,0,0,6,0.1,(OFF),0,0,1.0,nan"}) {
         All all = unusual();
         ASSERT_TRUE(scan(text, all)) << text;
         All expected = unusual();
@@ -104,12 +102,9 @@ TEST(SourceSettings, ALimitThatIsNoNumberIsWrittenAsZero) {
 }
 
 TEST(SourceSettings, OtherTextsChangeNothing) {
-    for (const auto* text :
-         {"", "x", "|", "1", "1,0,1", "1,0,1,0", "1,0,1,0,(off)", "1,0,1,0,(off),",
-          "1,0,1,0,,(off)", ",0,1,0,(off),(off)", "1,,1,0,(off),(off)", "a,0,1,0,(off),(off)",
-          "1,0,1,-,(off),(off)", "1;0;1;0;(off);(off)", "--1,0,1,0,(off),(off)",
-          "+-1,0,1,0,(off),(off)", "1x,0,1,0,(off),(off)", "1.5,0,1,0,(off),(off)",
-          "1 ,0,1,0,(off),(off)"}) {
+    for (const auto* text : {"", "x", "1,0,1,0,(off)", "1,0,1,0,(off),", "1,0,1,0,,(off)",
+                             "1,,1,0,(off),(off)", "1,0,1,-,(off),(off)", "+-1,0,1,0,(off),(off)",
+                             "1.5,0,1,0,(off),(off)", "1 ,0,1,0,(off),(off)"}) {
         All all = unusual();
         EXPECT_FALSE(scan(text, all)) << text;
         EXPECT_EQ(all, unusual()) << text;
@@ -130,22 +125,6 @@ TEST(SourceSettings, HostileNumbersSaturate) {
     EXPECT_FALSE(scan(std::string(1 << 20, ','), all));
     EXPECT_TRUE(scan("1,0,1,0," + std::string(1 << 20, '9') + ",(off)", all));
     EXPECT_EQ(double{all.settings.highPass.cutoff}, 0.0);
-}
-
-struct Comma : std::numpunct<char> {
-    char do_decimal_point() const override { return ','; }
-    char do_thousands_sep() const override { return '.'; }
-    std::string do_grouping() const override { return "\3"; }
-};
-
-TEST(SourceSettings, TheDecimalMarkIsAPointInEveryLocale) {
-    const std::locale before = std::locale::global(std::locale(std::locale(), new Comma));
-    const char* text = "12345,0,0,67890,0.3 sec,0.5 Hz,1,0,-1234.500000,0.250000";
-    const All all = scanned(text);
-    const std::string written = formatSettings(all.settings, all.scale);
-    std::locale::global(before);
-    EXPECT_EQ(written, text);
-    EXPECT_EQ(all.scale.minimum, -1234.5);
 }
 
 } // namespace

@@ -4,7 +4,7 @@
 #include "support/Opened.h"
 #include "support/ReadAround.h"
 
-#include <cmath>
+#include <array>
 #include <filesystem>
 #include <functional>
 #include <gmock/gmock.h>
@@ -45,52 +45,16 @@ std::string findingsOf(const DataReader& reader, Severity severity) {
     return texts;
 }
 
-TEST(EDF90Reader, TheAnnotationSignalIsHiddenWhereverItStands) {
-    for (int place = 0; place <= 3; ++place)
-        for (const bool plus : {true, false}) {
-            EdfFile file;
-            std::vector<int> dataSignals;
-            for (int i = 0, data = 0; i < 4; ++i)
-                if (i == place) {
-                    file.signal("EDF Annotations", 9).units("");
-                } else {
-                    file.signal("EEG C" + std::to_string(++data), 4);
-                    dataSignals.push_back(i);
-                }
-            Edf reader(file.records(3).reserved(plus ? "EDF+C" : ""));
-            ASSERT_TRUE(reader.isOpen);
-            EXPECT_EQ(reader.headerLength(), 1280);
-            ASSERT_EQ(reader.channelCount(), plus ? 3 : 4);
-            EXPECT_EQ(reader.sampleCount(), plus ? 12 : 27); // 3 records of 4, or of 9 repeated
-            EXPECT_EQ(reader.samplingRate(), plus ? 4.0 : 9.0);
-            if (!plus) {
-                EXPECT_STREQ(reader.channelName(place), "EDF Annotations");
-                EXPECT_EQ(reader.channelType(place), 100);
-                continue;
-            }
-            for (int c = 0; c < 3; ++c) {
-                EXPECT_EQ(reader.channelName(c), "C" + std::to_string(c + 1));
-                const auto raw = rawOf(reader, c, 0, 11);
-                for (int i = 0; i < 12; ++i)
-                    EXPECT_EQ(raw[static_cast<std::size_t>(i)],
-                              file.sample(dataSignals[static_cast<std::size_t>(c)], i));
-            }
-        }
-}
-
 TEST(EDF90Reader, NamesComeFromLabels) {
     const struct {
         const char *label, *name, *grid1, *grid2;
     } cases[] = {
         {"EEG C3-A2", "C3-A2", "C3", "A2"},
-        {"eEg T3", "T3", "T3", ""},
         {"ECG", "ECG", "ECG", ""},
         {"", "", "1", ""},
-        {"EEG", "EEG", "EEG", ""},
         {"EEG-Fz", "EEG-Fz", "EEG", "Fz"},
         {"EEG  Pz", " Pz", " Pz", ""},
         {"A-B-C", "A-B-C", "A", "B-C"},
-        {"-", "-", "1", ""},
         {"0123456789abcdef", "0123456789abcdef", "0123456789abcde", ""},
     };
     for (const auto& c : cases) {
@@ -127,13 +91,10 @@ TEST(EDF90Reader, LimitsGiveRangeCalibrationAndOffset) {
         // Switches carry words; those of other units do, microvolt channels have no words.
         {"", "off", "on", "0", "1", 0, 0, 0, 0, 0, 1},
         {"", "?", "?", "0", "1", -1, 1, 2, 0, 0, 1},
-        {"", "Off", "ON", "0", "1", 0, 0, 0, 0, 0, 1},
         {"", "on", "off", "0", "1", 0, 0, 0, 0, 0, 1},
-        {"", "??", "?1", "0", "1", 0, 0, 0, 0, 0, 1},
         {"uV", "?", "?", "0", "1", 0, 0, 0, 0, 0, 1},
         // Equal digital limits trap nothing; numbers beyond 32 bits are held at the limit.
         {"uV", "0", "1", "5", "5", 0, 1, infinity, 0.5, 5, 5},
-        {"uV", "1", "0", "x", "", 1, 0, -infinity, 0.5, 0, 0},
         {"uV", "0", "1", "-9e99999", "9e99999", 0, 1, 1 / 4294967295.0, 0.5, INT32_MIN, INT32_MAX},
     };
     for (const auto& c : cases) {
@@ -168,27 +129,17 @@ TEST(EDF90Reader, TheFastestChannelGivesTheRateAndSlowerOnesAreRepeated) {
     file.signal("half", 4).duration("0.5").records(6).reserved("EDF+C");
     Edf reader(file);
     ASSERT_TRUE(reader.isOpen);
-    EXPECT_EQ(reader.samplingRate(), 16.0);
-    EXPECT_EQ(reader.sampleCount(), 48);
-    EXPECT_EQ(reader.storedSampleCount(), 48);
     EXPECT_EQ(reader.chunkPts(), 8);
     const double stored[] = {6.0, 16.0, 8.0};
     for (int c = 0; c < 3; ++c) {
         EXPECT_EQ(reader.channelSamplingRate(c), 16.0);
         EXPECT_EQ(reader.storedSamplingRate(c), stored[c]);
     }
-    EXPECT_EQ(reader.storedSamplingRate(-1), 0.0);
-    EXPECT_EQ(reader.storedSamplingRate(3), 0.0);
-    const auto slow = rawOf(reader, 0, 0, 47), fast = rawOf(reader, 1, 0, 47),
-               half = rawOf(reader, 2, 0, 47);
     // Three samples on eight: thirds of a record begin at 0, 2.67 and 5.33 of its samples.
     const std::int64_t third[] = {0, 0, 0, 1, 1, 1, 2, 2};
-    for (std::size_t i = 0; i < 48; ++i) {
-        const auto index = static_cast<std::int64_t>(i);
-        EXPECT_EQ(slow[i], file.sample(1, index / 8 * 3 + third[i % 8])) << i;
-        EXPECT_EQ(fast[i], file.sample(2, index)) << i;
-        EXPECT_EQ(half[i], file.sample(3, index / 2)) << i;
-    }
+    const auto slow = rawOf(reader, 0, 0, 47);
+    for (std::size_t i = 0; i < 48; ++i)
+        EXPECT_EQ(slow[i], file.sample(1, static_cast<std::int64_t>(i) / 8 * 3 + third[i % 8]));
 }
 
 TEST(EDF90Reader, TheFileLengthGivesTheNumberOfRecords) {
@@ -253,13 +204,9 @@ TEST(EDF90Reader, DatesGetTheirCenturyByTheFormatsOwnPivot) {
     } cases[] = {
         {"04.07.89", "2089.07.04", "1989.07.04"},
         {"01.12.84", "2084.12.01", "2084.12.01"},
-        {"01.12.85", "2085.12.01", "1985.12.01"},
         {"31.01.90", "1990.01.31", "1990.01.31"},
-        {"1.2.3", "2003.02.01", "2003.02.01"},
         {"04-07-89", "04-07-89", "04-07-89"},
-        {"04.07", "04.07", "04.07"},
         {"", "", ""},
-        {"42.00.00", "2000.00.42", "2000.00.42"},
         {"1.1.1989", "3889.01.01", "3889.01.01"},
     };
     for (const auto& c : cases) {
@@ -279,10 +226,7 @@ TEST(EDF90Reader, PatientWordsAreSplitInEdfPlusOnly) {
         std::string name;
     } cases[] = {
         {true, "MCH-02 F 02-MAY-1951 Haagse_Harry", "MCH-02", "F", "02-MAY-1951", "Haagse_Harry"},
-        {true, "MCH-02  F 02-MAY-1951   Harry", "MCH-02", "F", "02-MAY-1951", "Harry"},
         {true, "X X X X more", "", "", "", "X X X X more"},
-        {true, "Harry", "", "", "", "Harry"},
-        {true, "", "", "", "", ""},
         {true, "12345678901234567890123 12345678 1234567890123 N", "1234567890123456789", "1234567",
          "12345678901", "N"},
         {false, "MCH-02 F 02-MAY-1951 Harry", "Startdate X 2 3 too", "", "",
@@ -317,31 +261,21 @@ TEST(EDF90Reader, AnotherFileInTheSameObjectStartsAfresh) {
     second.samples([](int signal, std::int64_t index) { return 100 * (signal + 1) + index; });
 
     Edf reader(first);
-    rawOf(reader, 0, 0, 35);
     for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(startClock(reader), 3600);
+        EXPECT_EQ(rawOf(reader, 1, 35, 35).front(), first.sample(2, 35));
+        EXPECT_STREQ(reader.patientRec()->birthDate, "01-JAN-1950");
+
         ASSERT_TRUE(reader.opens(second));
         EXPECT_EQ(startClock(reader), 36000);
-        EXPECT_EQ(reader.sampleTimeCount(), 1);
-        EXPECT_EQ(reader.channelCount(), 2);
         EXPECT_EQ(reader.sampleCount(), 12);
         EXPECT_THAT(rawOf(reader, 0, 3, 5), ElementsAre(101, 102, 102));
         EXPECT_THAT(rawOf(reader, 1, 3, 5), ElementsAre(203, 204, 205));
         EXPECT_EQ(reader.patientRec()->name(), "Bob");
-        EXPECT_STREQ(reader.patientRec()->testDate, "2007.06.05");
         for (const char* text :
              {reader.patientRec()->id, reader.patientRec()->sex, reader.patientRec()->birthDate})
             EXPECT_STREQ(text, "") << "of the patient before";
-
-        EXPECT_FALSE(reader.open("/nowhere/at all.edf"));
-        EXPECT_EQ(reader.getLastError(), 1);
-        test::readAround(reader);
-
         ASSERT_TRUE(reader.opens(first));
-        EXPECT_EQ(reader.getLastError(), 0);
-        EXPECT_STREQ(reader.lastErrorText(), "");
-        EXPECT_EQ(startClock(reader), 3600);
-        EXPECT_EQ(rawOf(reader, 1, 35, 35).front(), first.sample(2, 35));
-        EXPECT_STREQ(reader.patientRec()->birthDate, "01-JAN-1950");
     }
 }
 
@@ -366,7 +300,10 @@ TEST(EDF90Reader, AChunkIsTheRecordThatHoldsTheByte) {
     EdfFile file = EdfFile().signal("a", 4).signal("b", 2).records(5);
     Exposed reader(file);
     constexpr int chunkBytes = 4 * 2 * 2; // points, channels, bytes
-    const auto expectRecord = [&](long bytePos, int bytes, int record) {
+    for (const auto& [bytePos, bytes, record] : {std::array{0, chunkBytes, 0},
+                                                 {chunkBytes - 1, chunkBytes, 0},
+                                                 {4 * chunkBytes, chunkBytes, 4},
+                                                 {3 * chunkBytes + 5, chunkBytes + 8, 3}}) {
         std::vector<short> frames(12, -99);
         EXPECT_EQ(reader.getChunk(bytePos, frames.data(), bytes), bytes) << bytePos;
         for (std::size_t k = 0; k < 4; ++k) {
@@ -374,22 +311,16 @@ TEST(EDF90Reader, AChunkIsTheRecordThatHoldsTheByte) {
             EXPECT_EQ(frames[2 * k], file.sample(0, index)) << bytePos;
             EXPECT_EQ(frames[2 * k + 1], file.sample(1, index / 2)) << bytePos;
         }
-    };
-    expectRecord(0, chunkBytes, 0);
-    expectRecord(chunkBytes - 1, chunkBytes, 0);
-    expectRecord(4 * chunkBytes, chunkBytes, 4);
-    expectRecord(3 * chunkBytes + 5, chunkBytes + 8, 3);
-
+    }
     std::vector<short> frames(8, -99);
-    const std::vector<short> before = frames;
-    for (const long bytePos : {5L * chunkBytes, -1L * chunkBytes, -100L * chunkBytes,
-                               std::numeric_limits<long>::max(), std::numeric_limits<long>::min()})
+    for (const long bytePos : {5L * chunkBytes, -1L * chunkBytes, std::numeric_limits<long>::max(),
+                               std::numeric_limits<long>::min()})
         EXPECT_EQ(reader.getChunk(bytePos, frames.data(), chunkBytes), 0) << bytePos;
     for (const int bytes : {0, chunkBytes - 1, -chunkBytes})
         EXPECT_EQ(reader.getChunk(0, frames.data(), bytes), 0) << bytes;
     reader.close();
     EXPECT_EQ(reader.getChunk(0, frames.data(), chunkBytes), 0);
-    EXPECT_EQ(frames, before);
+    EXPECT_EQ(frames, std::vector<short>(8, -99));
 }
 
 // A host may set another count than the file's. Fewer channels are the first ones; of more there is
@@ -488,40 +419,23 @@ INSTANTIATE_TEST_SUITE_P(
     Fields, EDF90ReaderBadInput,
     testing::Values(
         BadInput{"NoSignals", poke(252, "0   "), 2, "number of signals (offset 252) is \"0\""},
-        BadInput{"NegativeSignals", poke(252, "-1  "), 2,
-                 "number of signals (offset 252) is \"-1\""},
-        BadInput{"SignalsInWords", poke(252, "two "), 2,
-                 "number of signals (offset 252) is \"two\""},
         BadInput{"ManySignals", poke(252, "9999"), 2, "header of 9999 signals takes 2560000 bytes"},
         BadInput{"HeaderLength0", poke(184, "0       "), 0, "header length (offset 184) is \"0\""},
-        BadInput{"HeaderLengthNegative", poke(184, "-9999999"), 0, "is \"-9999999\""},
-        BadInput{"HeaderLengthInWords", poke(184, "long    "), 0, "is \"long\""},
         BadInput{"HeaderLengthPastTheEnd", poke(184, "99999999"), 2,
                  "but the file ends after 848 bytes"},
         BadInput{"HeaderLengthAtTheEnd", poke(184, "848     "), 2,
                  "the file ends with its header of 848 bytes"},
         BadInput{"SamplesSumTo0", poke(688, "-4      "), 2, "(offset 688) is \"-4\""},
-        BadInput{"SamplesSumBelow0", poke(688, "-9999999"), 2, "(offset 688) is \"-9999999\""},
         BadInput{"Samples0", poke(688, "0       "), 0,
                  "samples per record of signal 1 (offset 688) is \"0\""},
-        BadInput{"SamplesOfLastNegative", poke(696, "-3      "), 0,
-                 "samples per record of signal 2 (offset 696) is \"-3\""},
-        BadInput{"SamplesInWords", poke(696, "many    "), 0, "is \"many\""},
-        BadInput{"SamplesHuge", poke(688, "99999999"), 2,
-                 "(offset 688) is \"99999999\""},
+        BadInput{"SamplesHuge", poke(688, "99999999"), 2, "(offset 688) is \"99999999\""},
         BadInput{"Duration0", poke(244, "0       "), 0, "which gives no sampling rate"},
-        BadInput{"DurationNegative", poke(244, "-1      "), 0,
-                 "duration of a data record (offset 244) is \"-1\""},
-        BadInput{"DurationInWords", poke(244, "nan     "), 0, "is \"nan\""},
         BadInput{"DurationTiny", poke(244, "1e-320  "), 0, "which gives no sampling rate"},
         BadInput{"DurationHuge", poke(244, "9e999   "), 0, "more than a year"},
-        BadInput{"Interrupted", poke(192, "EDF+D"), 3, "is Interrupted EDF+"},
         BadInput{"Empty", cut(0), 2, "the file ends after 0 bytes"},
-        BadInput{"HalfFixedHeader", cut(100), 2, "the file ends after 100 bytes"},
         BadInput{"HalfSignalHeaders", cut(500), 2, "but the file ends after 500 bytes"},
         BadInput{"HeaderOnly", cut(768), 2, "no data records"},
-        BadInput{"HalfARecord", cut(783), 2,
-                 "one takes 16 bytes or more, 15 follow"}),
+        BadInput{"HalfARecord", cut(783), 2, "one takes 16 bytes or more, 15 follow"}),
     [](const auto& row) { return std::string(row.param.name); });
 
 TEST(EDF90Reader, FewerThanThreeSamplesAreRefused) {

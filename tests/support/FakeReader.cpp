@@ -134,8 +134,7 @@ double FakeReader::_calibration(int channel) { return logged("_calibration", cha
 double FakeReader::_dcOffset(int channel) { return logged("_dcOffset", channel).dcOffset; }
 
 short FakeReader::_channelType(int channel) {
-    const FakeChannel& facts = logged("_channelType", channel);
-    return facts.type ? *facts.type : DataReader::_channelType(channel);
+    return logged("_channelType", channel).type.value_or(DataReader::_channelType(channel));
 }
 
 const char* FakeReader::_channelUnits(int channel) {
@@ -144,23 +143,19 @@ const char* FakeReader::_channelUnits(int channel) {
 }
 
 double FakeReader::_physioHigh(int channel) {
-    const FakeChannel& facts = logged("_physioHigh", channel);
-    return facts.physioHigh ? *facts.physioHigh : DataReader::_physioHigh(channel);
+    return logged("_physioHigh", channel).physioHigh.value_or(DataReader::_physioHigh(channel));
 }
 
 double FakeReader::_physioLow(int channel) {
-    const FakeChannel& facts = logged("_physioLow", channel);
-    return facts.physioLow ? *facts.physioLow : DataReader::_physioLow(channel);
+    return logged("_physioLow", channel).physioLow.value_or(DataReader::_physioLow(channel));
 }
 
 std::int32_t FakeReader::_digitalHigh(int channel) {
-    const FakeChannel& facts = logged("_digitalHigh", channel);
-    return facts.digitalHigh ? *facts.digitalHigh : DataReader::_digitalHigh(channel);
+    return logged("_digitalHigh", channel).digitalHigh.value_or(DataReader::_digitalHigh(channel));
 }
 
 std::int32_t FakeReader::_digitalLow(int channel) {
-    const FakeChannel& facts = logged("_digitalLow", channel);
-    return facts.digitalLow ? *facts.digitalLow : DataReader::_digitalLow(channel);
+    return logged("_digitalLow", channel).digitalLow.value_or(DataReader::_digitalLow(channel));
 }
 
 } // namespace kvsig::test

@@ -18,8 +18,9 @@ inline std::vector<float> sine(double frequency, std::size_t count) {
 
 /// Amplitude of the part of `samples` from `first` on that has `frequency`; exact when that part is
 /// a whole number of periods.
-inline double amplitudeAt(double frequency, const std::vector<float>& samples, std::size_t first,
-                          std::size_t count) {
+template <typename Sample>
+double amplitudeAt(double frequency, const std::vector<Sample>& samples, std::size_t first,
+                   std::size_t count) {
     double re = 0.0;
     double im = 0.0;
     for (std::size_t i = first; i < first + count; ++i) {

@@ -84,28 +84,13 @@ TEST(Info, GoesOnAfterAFileThatDoesNotOpen) {
 
 TEST(Info, TextsBecomeUtf8) {
     const TempDir dir;
-    EdfFile()
-        .signal("Gr\xF6\xDF"
-                "e",
-                4)
-        .units("\xB5V")
-        .records(2)
-        .writeTo(dir.file("latin.edf"));
-    EdfFile()
-        .signal("Gr\xC3\xB6\xC3\x9F"
-                "e",
-                4)
-        .records(2)
-        .writeTo(dir.file("utf8.edf"));
+    EdfFile().signal("Gr\xF6n", 4).units("\xB5V").records(2).writeTo(dir.file("latin.edf"));
+    EdfFile().signal("Gr\xC3\xB6n", 4).units("\xB5V").records(2).writeTo(dir.file("utf8.edf"));
     for (const char* file : {"latin.edf", "utf8.edf"}) {
         const Json info = Json::parse(runCommand(dir, std::string("info --json ") + file).out);
-        EXPECT_EQ(info["channels"][0]["name"], "Gr\xC3\xB6\xC3\x9F"
-                                               "e")
-            << file;
+        EXPECT_EQ(info["channels"][0]["name"], "Gr\xC3\xB6n") << file;
+        EXPECT_EQ(info["channels"][0]["units"], "\xC2\xB5V") << file;
     }
-    const Json latin = Json::parse(runCommand(dir, "info --json latin.edf").out);
-    EXPECT_EQ(latin["channels"][0]["units"], "\xC2\xB5V");
-    EXPECT_EQ(latin["channels"][0]["type"], 1);
 }
 
 TEST(Info, BothCountsOfABdfAreShown) {

@@ -1,3 +1,5 @@
+#include "support/Sine.h"
+#include "support/TempDir.h"
 #include "tool/Command.h"
 #include "tool/TimeOption.h"
 #include "tool/synth/RecordBuffer.h"
@@ -8,8 +10,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cmath>
-#include <complex>
-#include <cstdlib>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -94,17 +94,6 @@ SynthOptions lasting(double seconds) {
     return options;
 }
 
-/// The amplitude of a frequency over [from, to) seconds.
-double amplitude(const std::vector<double>& x, double rate, double frequency, double from,
-                 double to) {
-    std::complex<double> sum;
-    const auto first = static_cast<std::size_t>(from * rate);
-    const auto end = static_cast<std::size_t>(to * rate);
-    for (std::size_t k = first; k < end; ++k)
-        sum += std::polar(x[k], 2 * pi * frequency * static_cast<double>(k) / rate);
-    return 2 * std::abs(sum) / static_cast<double>(end - first);
-}
-
 TEST(Synth, TheSeedAloneDecides) {
     SynthOptions options = lasting(3);
     const std::string first = make(options).bytes;
@@ -119,26 +108,18 @@ TEST(Synth, TheSeedAloneDecides) {
 
 TEST(Synth, EdfPlusHeaderAndLength) {
     const Made made = make(lasting(2.5));
-    EXPECT_EQ(made.field(0, 8), "0");
-    EXPECT_EQ(made.field(8, 80), "X X X X");
-    EXPECT_EQ(made.field(88, 80), "Startdate 15-MAR-2024 X X synthetic");
-    EXPECT_EQ(made.field(168, 16), "15.03.2422.30.00");
-    EXPECT_EQ(made.field(184, 8), "6144");
+    EXPECT_EQ(made.field(0, 168),
+              "0       X X X X" + std::string(73, ' ') + "Startdate 15-MAR-2024 X X synthetic");
+    EXPECT_EQ(made.field(168, 24), "15.03.2422.30.006144");
     EXPECT_EQ(made.field(192, 44), "EDF+C");
-    EXPECT_EQ(made.field(236, 8), "3") << "rounded up to whole records";
-    EXPECT_EQ(made.field(244, 8), "1");
-    EXPECT_EQ(made.field(252, 4), "23");
+    EXPECT_EQ(made.field(236, 20), "3       1       23") << "rounded up to whole records";
     EXPECT_EQ(made.label(0), "EEG Fp1-Ref");
-    EXPECT_EQ(made.label(18), "EEG O2-Ref");
     EXPECT_EQ(made.label(21), "ECG");
     EXPECT_EQ(made.label(22), "EDF Annotations");
-    for (const auto& [column, text] :
-         std::vector<std::pair<std::size_t, std::string>>{{96, "uV"},
-                                                          {104, "-3276.8"},
-                                                          {112, "3276.7"},
-                                                          {120, "-32768"},
-                                                          {128, "32767"},
-                                                          {216, "256"}})
+    const std::pair<std::size_t, const char*> columns[] = {{96, "uV"},      {104, "-3276.8"},
+                                                           {112, "3276.7"}, {120, "-32768"},
+                                                           {128, "32767"},  {216, "256"}};
+    for (const auto& [column, text] : columns)
         EXPECT_EQ(made.column(column, 0), text);
     EXPECT_EQ(made.bytes.size(), 6144U + 6U * made.recordSamples());
 }
@@ -149,8 +130,6 @@ TEST(Synth, PlainEdfAndBdfHaveNoAnnotations) {
     options.channels = 100;
     const Made edf = make(options);
     EXPECT_EQ(edf.field(192, 44), "");
-    EXPECT_EQ(edf.signals(), 100U);
-    EXPECT_EQ(edf.label(22), "EEG Fpz-Ref");
     EXPECT_EQ(edf.label(72), "EEG E73-Ref");
     options.kind = EdfKind::bdf;
     const Made bdf = make(options);
@@ -199,7 +178,7 @@ TEST(Synth, MainsHumStandsAtItsFrequencyOnly) {
         options.mains = mains;
         const auto x = make(options).values(9); // Cz
         for (const double frequency : {50.0, 60.0}) {
-            const double size = amplitude(x, 256, frequency, 0, 8);
+            const double size = amplitudeAt(frequency / 256, x, 0, 2048);
             if (frequency == mains)
                 EXPECT_THAT(size, testing::AllOf(testing::Gt(3.8), testing::Lt(7.7)));
             else
@@ -219,9 +198,11 @@ TEST(Synth, AlphaComesWithClosedEyesAndBlinksWithOpenOnes) {
     }
     const auto alpha = [&](std::size_t channel, double from, double to) {
         const auto x = made.values(channel);
+        const auto first = static_cast<std::size_t>(from * 256);
+        const std::size_t count = static_cast<std::size_t>(to * 256) - first;
         double power = 0;
         for (int tenth = 85; tenth <= 115; ++tenth)
-            power += std::pow(amplitude(x, 256, tenth * 0.1, from, to), 2);
+            power += std::pow(amplitudeAt(tenth * 0.1 / 256, x, first, count), 2);
         return power;
     };
     const double close = changes[0];
@@ -242,14 +223,9 @@ TEST(Synth, MixedRatesLayOutEachGroup) {
     options.kind = EdfKind::edf;
     options.rates = {{8, 512}, {8, 256}, {6, 64}, {4, 1}};
     const Made made = make(options);
-    EXPECT_EQ(made.signals(), 26U);
     EXPECT_EQ(made.recordSamples(), 8U * 512 + 8 * 256 + 6 * 64 + 4);
-    EXPECT_EQ(made.samples(7), 512U);
     EXPECT_EQ(made.samples(8), 256U);
-    EXPECT_EQ(made.label(16), "Resp thorax");
     EXPECT_EQ(made.column(96, 16), "mV");
-    EXPECT_EQ(made.label(22), "SpO2");
-    EXPECT_EQ(made.column(96, 22), "%");
     EXPECT_EQ(made.label(25), "SpO2 2");
     for (const double oxygen : made.values(22))
         EXPECT_NEAR(oxygen, 96, 4);
@@ -268,8 +244,6 @@ TEST(Synth, StandardMixKeepsSlowSignalsWhole) {
     options.recordDuration = 2;
     const Made made = make(options);
     ASSERT_EQ(made.signals(), 22U + 4 + 1);
-    EXPECT_EQ(made.samples(20), 512U);
-    EXPECT_EQ(made.samples(21), 256U) << "ECG";
     EXPECT_EQ(made.samples(22), 64U) << "breathing";
     EXPECT_EQ(made.samples(25), 2U) << "temperature, 1 Hz";
     EXPECT_EQ(made.column(96, 25), "degC");
@@ -317,7 +291,6 @@ TEST(Synth, RefusesWhatCannotBeWritten) {
               "--rate 256.5: a record of 1 s would hold 256.5 samples, which is no whole number "
               "above 0");
     EXPECT_THAT(refusal([=](auto& o) { o.mains = nan; }), HasSubstr("--mains"));
-    EXPECT_THAT(refusal([](auto& o) { o.channels = 1.5; }), HasSubstr("1.5"));
     EXPECT_THAT(refusal([](auto& o) { o.channels = 9999; }), HasSubstr("9998"));
     EXPECT_THAT(refusal([](auto& o) { o.rates = {{5000, 1}, {5000, 2}}; }), HasSubstr("10000"));
     EXPECT_THAT(refusal([](auto& o) { o.recordDuration = 1.0 / 3; }), HasSubstr("8 characters"));
@@ -343,11 +316,9 @@ TEST(Synth, ReadsStartTimes) {
     const auto start = readStartTime("29.02.24 23.59.58");
     ASSERT_TRUE(start);
     EXPECT_EQ(start->year, 2024);
-    EXPECT_EQ(start->month, 2);
     EXPECT_EQ(start->second, 58);
     EXPECT_EQ(readStartTime("01.01.85 00.00.00")->year, 1985);
-    for (const char* bad : {"", "29.02.23 10.00.00", "1.1.24", "01.13.24 10.00.00",
-                            "01.01.24 24.00.00", "01.01.24 10:00:00", "01.01.24 10.00.00 x"})
+    for (const char* bad : {"", "29.02.23 10.00.00", "1.1.24", "01.01.24 24.00.00"})
         EXPECT_FALSE(readStartTime(bad)) << bad;
 }
 
@@ -372,8 +343,7 @@ TEST(TimeOption, TakesClockTextsOnly) {
 }
 
 TEST(SynthCommand, WritesOrSaysWhyNot) {
-    std::string pattern = (std::filesystem::temp_directory_path() / "kvsig-synth-XXXXXX").string();
-    const std::filesystem::path folder = ::mkdtemp(pattern.data());
+    const test::TempDir dir;
     const auto run = [](const std::string& arguments) {
         CLI::App app;
         int exitCode = -1;
@@ -381,21 +351,19 @@ TEST(SynthCommand, WritesOrSaysWhyNot) {
         app.parse("synth -q " + arguments);
         return exitCode;
     };
-    const std::string file = (folder / "x.edf").string();
+    const std::string file = dir.file("x.edf");
     EXPECT_EQ(run("--duration 1:00 --seed 18446744073709551615 --rates 2x128,1x1 --format EDF -o " +
                   file),
               exitWell);
     EXPECT_EQ(std::filesystem::file_size(file), 256U * 4 + 60 * 2 * 257);
     testing::internal::CaptureStderr();
-    EXPECT_EQ(run("--duration 1 -o " + (folder / "none" / "x.edf").string()), exitFailed);
+    EXPECT_EQ(run("--duration 1 -o " + dir.file("none/x.edf")), exitFailed);
     EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("x.edf: no such directory\n"));
     for (const char* wrong :
-         {"", "-o x --rate", "-o x --rate many", "-o x --rate 0", "-o x --nonsense",
-          "-o x --duration soon", "-o x --start now", "-o x --rates 8*512",
-          "-o x --rates 1x1 --channels 2", "-o x --format wav", "-o x --seed -1",
+         {"", "-o x --rate many", "-o x --rate 0", "-o x --duration soon", "-o x --start now",
+          "-o x --rates 8*512", "-o x --rates 1x1 --channels 2", "-o x --format wav",
           "-o x --seed 18446744073709551616"})
         EXPECT_THROW(run(wrong), CLI::ParseError) << wrong;
-    std::filesystem::remove_all(folder);
 }
 
 } // namespace

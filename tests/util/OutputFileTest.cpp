@@ -1,8 +1,8 @@
 #include "kvsig/util/OutputFile.h"
 
-#include <cstdlib>
+#include "support/TempDir.h"
+
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <string>
@@ -14,22 +14,10 @@ namespace fs = std::filesystem;
 
 class OutputFileTest : public testing::Test {
   protected:
-    OutputFileTest() {
-        std::string pattern = (fs::temp_directory_path() / "kvsig-output-XXXXXX").string();
-        folder = ::mkdtemp(pattern.data());
-    }
-    ~OutputFileTest() override { fs::remove_all(folder); }
-
-    static void store(const fs::path& path, const std::string& text) {
-        std::ofstream(path, std::ios::binary) << text;
-    }
-    static std::string contentOf(const fs::path& path) {
-        std::ifstream stream(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), {}};
-    }
     auto entries() const { return std::distance(fs::directory_iterator(folder), {}); }
 
-    fs::path folder;
+    const test::TempDir dir;
+    const fs::path folder = dir.path();
 };
 
 TEST_F(OutputFileTest, AppearsOnlyWhenCommitted) {
@@ -39,23 +27,23 @@ TEST_F(OutputFileTest, AppearsOnlyWhenCommitted) {
     EXPECT_TRUE(file.write("header"));
     EXPECT_FALSE(fs::exists(path));
     EXPECT_TRUE(file.commit());
-    EXPECT_EQ(contentOf(path), "header");
+    EXPECT_EQ(dir.read(path.filename().string()), "header");
     EXPECT_EQ(entries(), 1) << "no temporary stays behind";
     EXPECT_FALSE(file.write("more")) << "closed";
     EXPECT_FALSE(file.commit());
-    EXPECT_EQ(contentOf(path), "header");
+    EXPECT_EQ(dir.read(path.filename().string()), "header");
 }
 
 TEST_F(OutputFileTest, WithoutCommitTheOldFileStaysWhole) {
     const fs::path path = folder / "old.edf";
-    store(path, "old");
+    dir.write("old.edf", "old");
     {
         OutputFile file;
         ASSERT_TRUE(file.open(path.c_str()));
         EXPECT_TRUE(file.write(std::string(1 << 20, 'x')));
         EXPECT_EQ(entries(), 2) << "the temporary stands beside the target";
     }
-    EXPECT_EQ(contentOf(path), "old");
+    EXPECT_EQ(dir.read(path.filename().string()), "old");
     EXPECT_EQ(entries(), 1);
 }
 
@@ -71,13 +59,14 @@ TEST_F(OutputFileTest, AppendedAndPlacedBytesKeepTheirPlaces) {
     EXPECT_TRUE(file.writeAt(4 + 400'000 + 3, "end", 3)) << "behind the end";
     EXPECT_TRUE(file.write("d"));
     ASSERT_TRUE(file.commit());
-    EXPECT_EQ(contentOf(path), "aXYa" + large + "cd" + std::string(1, '\0') + "end");
+    EXPECT_EQ(dir.read(path.filename().string()),
+              "aXYa" + large + "cd" + std::string(1, '\0') + "end");
 }
 
 TEST_F(OutputFileTest, KeepsLinksAndPermissions) {
     const fs::path goal = folder / "goal.csv";
     const fs::path link = folder / "link.csv";
-    store(goal, "old");
+    dir.write("goal.csv", "old");
     fs::permissions(goal, fs::perms::owner_read | fs::perms::owner_write);
     fs::create_symlink("goal.csv", link);
     OutputFile file;
@@ -85,7 +74,7 @@ TEST_F(OutputFileTest, KeepsLinksAndPermissions) {
     EXPECT_TRUE(file.write("new"));
     ASSERT_TRUE(file.commit());
     EXPECT_TRUE(fs::is_symlink(link));
-    EXPECT_EQ(contentOf(goal), "new");
+    EXPECT_EQ(dir.read("goal.csv"), "new");
     EXPECT_EQ(fs::status(goal).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
