@@ -2,8 +2,10 @@
 
 #include "kvsig/util/Export.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
 
 namespace kvsig {
@@ -11,20 +13,29 @@ namespace kvsig {
 /// Bytes that one page may take; a larger one is refused and its samples read as zeros.
 inline constexpr std::int64_t maxPageBytes = std::int64_t{1} << 30;
 
-/// Storage of raw samples. Freshly allocated bytes are not zeroed: who fills a page zeroes the
-/// rest.
+/// Storage of raw samples. Fresh memory is zero and costs nothing until it is written: a short
+/// recording whose header claims a huge sampling rate has pages of a gigabyte with a few samples in
+/// them.
 class KVSIG_API PageBuffer {
   public:
-    /// Makes room for `bytes` bytes, keeping nothing. False when that is over maxPageBytes or
-    /// memory runs out; the buffer is then empty.
+    /// Makes room for `bytes` bytes; what a buffer large enough holds stays in it. False when that
+    /// is over maxPageBytes or memory runs out; the buffer is then empty.
     bool reserve(std::int64_t bytes);
+    /// Says that the bytes before `end` are going to be written.
+    void use(std::int64_t end) { m_used = std::max(m_used, end); }
+    /// Zeroes the bytes from `begin` up to `end`, as far as they were ever used.
+    void zero(std::int64_t begin, std::int64_t end);
     [[nodiscard]] std::int64_t capacity() const { return m_capacity; }
     [[nodiscard]] std::byte* data() { return m_bytes.get(); }
     [[nodiscard]] const std::byte* data() const { return m_bytes.get(); }
 
   private:
-    std::unique_ptr<std::byte[]> m_bytes;
+    struct Free {
+        void operator()(std::byte* bytes) const { std::free(bytes); }
+    };
+    std::unique_ptr<std::byte[], Free> m_bytes;
     std::int64_t m_capacity = 0;
+    std::int64_t m_used = 0; ///< from here on the bytes are as the system gave them: zero
 };
 
 /// A page of raw samples, frame by frame: sample index major, channel minor.

@@ -4,8 +4,6 @@
 #include "kvsig/util/Saturate.h"
 
 #include <algorithm>
-#include <cstring>
-#include <new>
 #include <string>
 #include <utility>
 
@@ -18,42 +16,28 @@ struct ChunkRead {
 };
 
 // Chunks are asked for until one brings nothing. What a short chunk leaves open reads as zeros.
-ChunkRead readChunks(std::byte* buffer, std::int64_t position, std::int64_t chunks,
+ChunkRead readChunks(DataPage& page, std::int64_t chunks, std::int64_t chunkFrames,
                      PageSource& source, const FrameLayout& layout) {
     ChunkRead read;
-    const std::int64_t chunkBytes = layout.chunkPoints * layout.frameBytes();
+    const std::int64_t frameBytes = layout.frameBytes();
     for (std::int64_t i = 0; i < chunks; ++i) {
-        const int count = source.readChunk(saturate<long>(position),
-                                           static_cast<short*>(static_cast<void*>(buffer)));
+        const std::int64_t begin = read.stopped * frameBytes;
+        page.buffer.use(begin + chunkFrames * frameBytes);
+        std::byte* part = page.buffer.data() + begin;
+        const int count = source.readChunk(saturate<long>(page.start + read.stopped),
+                                           static_cast<short*>(static_cast<void*>(part)));
         if (count <= 0)
             break;
         // A reader may hand out more than a chunk; only the chunk's own part is counted.
         const std::int64_t taken = std::min(count, layout.chunkPoints);
-        std::memset(buffer + taken * layout.frameBytes(), 0,
-                    static_cast<std::size_t>(chunkBytes - taken * layout.frameBytes()));
         read.samples += taken;
         read.stopped += layout.chunkPoints;
-        position += layout.chunkPoints;
-        buffer += chunkBytes;
+        page.buffer.zero(begin + taken * frameBytes, read.stopped * frameBytes);
     }
     return read;
 }
 
 } // namespace
-
-bool PageBuffer::reserve(std::int64_t bytes) {
-    if (bytes <= m_capacity)
-        return true;
-    m_bytes.reset();
-    m_capacity = 0;
-    if (bytes > maxPageBytes)
-        return false;
-    m_bytes.reset(new (std::nothrow) std::byte[static_cast<std::size_t>(bytes)]);
-    if (!m_bytes)
-        return false;
-    m_capacity = bytes;
-    return true;
-}
 
 DataPage* PageCache::pageAt(long index, PageSource& source) {
     if (const FrameLayout layout = source.frameLayout(); !(layout == m_layout)) {
@@ -128,10 +112,8 @@ bool PageCache::readPage(DataPage& page, long index, PageSource& source) {
     page.end = saturate<std::int32_t>(start + points - 1);
     ChunkRead read;
     if (frameBytes > 0) {
-        read = readChunks(page.buffer.data(), start, chunks, source, layout);
-        if (read.stopped < points)
-            std::memset(page.buffer.data() + read.stopped * frameBytes, 0,
-                        static_cast<std::size_t>((points - read.stopped) * frameBytes));
+        read = readChunks(page, chunks, chunkFrames, source, layout);
+        page.buffer.zero(read.stopped * frameBytes, points * frameBytes);
     }
     page.complete = read.samples >= points && page.end < source.sampleCount();
     logMessage(logInfo, "DataReader: Read " + std::to_string(read.samples) + " samples at " +

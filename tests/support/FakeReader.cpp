@@ -10,7 +10,7 @@ namespace {
 // Differs from channel to channel and from sample to sample, takes both signs and fits 16 bits; the
 // period is a prime, so that no page length divides it.
 std::int32_t distinctCounts(int channel, long index) {
-    return static_cast<std::int32_t>((index * 7 + channel * 131) % 4001) - 2000;
+    return static_cast<std::int32_t>((index * 7 + channel * 131L) % 4001) - 2000;
 }
 
 std::string callText(const char* name, const std::string& arguments) {
