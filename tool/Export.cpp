@@ -95,7 +95,7 @@ int run(const ExportOptions& options) {
                   output.commit();
     }
     if (!written)
-        complain(work.interrupted() ? options.file + ": interrupted, nothing is written"
+        complain(work.interrupted() ? options.file + ": interrupted, what was written is incomplete"
                                     : output.error());
     return written ? exitWell : exitFailed;
 }

@@ -181,8 +181,10 @@ int run(const InfoOptions& options) {
     int exitCode = exitWell;
     Json list = Json::array();
     for (const std::string& file : options.files) {
-        const std::optional<Recording> recording = openRecording(file, *type);
+        std::string reason;
+        const std::optional<Recording> recording = openRecording(file, *type, &reason);
         if (!recording) {
+            list.push_back({{"file", toUtf8(file)}, {"error", toUtf8(reason)}});
             exitCode = exitFailed;
             continue;
         }
@@ -200,6 +202,10 @@ int run(const InfoOptions& options) {
     // One file gives one object, several give a list.
     if (options.json && !list.empty())
         print((options.files.size() == 1 ? list.front() : list).dump(2) + "\n");
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        complain("standard output: cannot be written");
+        exitCode = exitFailed;
+    }
     return exitCode;
 }
 

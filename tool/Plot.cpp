@@ -46,7 +46,7 @@ std::vector<TraceReducer> reduceTraces(const Rows& rows, SampleRange range, Long
 
 double chosenSensitivity(const Rows& rows, const std::vector<TraceReducer>& traces,
                          const PageLayout& layout) {
-    constexpr double usualRoom = 1.6; // rows may reach into their neighbours, as on paper
+    constexpr double usualRoom = 1.2; // rows may reach into their neighbours, as on paper
     std::vector<double> spans;
     for (std::size_t i = 0; i < traces.size(); ++i)
         if (!hasOwnScale(rows.rows()[i]) && !traces[i].empty())

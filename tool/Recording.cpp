@@ -44,17 +44,19 @@ std::optional<int> typeFromName(const std::string& name) {
     return std::nullopt;
 }
 
-std::optional<Recording> openRecording(const std::string& path, int type) {
+std::optional<Recording> openRecording(const std::string& path, int type, std::string* reason) {
     std::string error;
     Recording recording{path, openReader(path.c_str(), type, &error), nullptr};
     if (!recording.reader) {
         complain(error);
+        if (reason)
+            *reason = error;
         return std::nullopt;
     }
     recording.details = dynamic_cast<DataReader*>(recording.reader.get());
     for (const OpenFinding& finding : recording.details->openFindings())
         if (finding.severity == Severity::warning)
-            remark(path + ": " + finding.text);
+            complain(path + ": " + finding.text);
     return recording;
 }
 

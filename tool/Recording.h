@@ -24,8 +24,9 @@ struct Recording {
 /// gives 0: detect.
 [[nodiscard]] std::optional<int> typeFromName(const std::string& name);
 
-/// Opens a recording, remarks on its warnings and complains when it does not open.
-[[nodiscard]] std::optional<Recording> openRecording(const std::string& path, int type);
+/// Opens a recording, says its warnings and complains when it does not open.
+[[nodiscard]] std::optional<Recording> openRecording(const std::string& path, int type,
+                                                     std::string* reason = nullptr);
 
 /// The same for a command that needs the samples: a recording whose samples or times mean nothing
 /// is refused.

@@ -57,11 +57,29 @@ bool RowStream::next() {
     return true;
 }
 
+namespace {
+
+// Before sample 0 there is nothing: zeros there would be a step for the filters to answer. They run
+// in on the first sample's value instead.
+void runInOnFirstSample(const Row& row, double gain, long length) {
+    float first = 0.0F;
+    row.source->_getData(0, 0, &first, gain);
+    std::vector<float> constant(static_cast<std::size_t>(length), first);
+    row.source->filters()->iterSetPosition(0, constant.data(), static_cast<int>(length));
+}
+
+} // namespace
+
 void RowStream::runIn(const Row& row, double gain, float* work) {
-    const bool filtered = row.source->useFilter();
-    const long wanted = filtered ? runInLengths * row.source->filters()->nPrePts() : 0;
-    long position = std::max(m_range.first - std::min(wanted, longestRunIn), 0L);
+    const long ownRunIn = row.source->useFilter() ? row.source->filters()->nPrePts() : 0;
+    const long wanted = std::min(runInLengths * ownRunIn, longestRunIn);
+    const bool cut = m_range.first < wanted + ownRunIn;
+    long position = cut ? 0 : m_range.first - wanted;
+    if (ownRunIn == 0)
+        position = m_range.first;
     row.source->iterSetPosition(position, gain);
+    if (cut && ownRunIn > 0)
+        runInOnFirstSample(row, gain, wanted);
     while (position < m_range.first) {
         const long count = std::min(static_cast<long>(m_windowLength), m_range.first - position);
         row.source->iterGetData(count, work, gain);

@@ -16,7 +16,8 @@ namespace kvsig::tool {
 
 /// Delivers the values of rows window by window, in order, with the filters' state carried on from
 /// one window to the next, so that the result does not depend on where windows end. The filters run
-/// in on the samples before the range. Holds at most about four MiB of samples.
+/// in on the samples before the range, at the recording's start on its first sample. Holds at most
+/// about four MiB of samples.
 class RowStream {
   public:
     RowStream(const std::vector<Row>& rows, SampleRange range);

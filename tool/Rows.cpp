@@ -61,6 +61,14 @@ double gainAtZeroHertz(const FilterList& chain) {
     return gain;
 }
 
+double notchGainAtZeroHertz(FilterAttr notch, double rate) {
+    IIRNotch filter;
+    FilterList chain;
+    designFilter(filter, notch, rate);
+    chain.addNext(&filter);
+    return gainAtZeroHertz(chain);
+}
+
 FilterAttr attrOf(double hertz) {
     FilterAttr setting;
     setting.use = hertz > 0;
@@ -206,6 +214,10 @@ bool Rows::addDerivation(const std::string& text, const std::string& first,
     int channel2 = channelOf(second);
     if (channel2 >= 0) {
         channels.push_back(channel2);
+    } else if (m_recording->reader->channelCount() > G1G2Source::averageBit) {
+        complain(m_recording->path + ": " + text + ": averages need a recording of at most " +
+                 std::to_string(G1G2Source::averageBit) + " channels");
+        return false;
     } else {
         const int average = averageOf(second);
         channel2 = G1G2Source::averageBit | average;
@@ -276,6 +288,7 @@ void Rows::applyFilters(const SignalOptions& options) {
     settings.highPass = attrOf(options.lowFilter);
     FilterAttr notch = attrOf(options.notch);
     notch.second = notchWidthFrequency(options.notch, rate);
+    const double notchPass = notch.use ? notchGainAtZeroHertz(notch, rate) : 1.0;
     for (Row& row : m_rows) {
         row.source->setUseFilter(false);
         row.source->setSettings(settings);
@@ -286,7 +299,9 @@ void Rows::applyFilters(const SignalOptions& options) {
             row.source->setUseFilter(true);
             row.source->filters()->addNext(&m_notches.back());
         }
-        row.offset *= gainAtZeroHertz(*row.source->filters());
+        // What the notch takes off everything below it is given back.
+        row.gain /= notchPass;
+        row.offset *= gainAtZeroHertz(*row.source->filters()) / notchPass;
     }
 }
 

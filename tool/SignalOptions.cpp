@@ -92,6 +92,14 @@ bool filtersFit(const Recording& recording, const SignalOptions& options) {
                  " is not below half the sampling rate, " + shortestText(rate / 2) + " Hz");
         return false;
     }
+    // Nearer than this the notch would take most of what it should pass.
+    constexpr double fewestWidths = 4.0;
+    if (options.notch > 0 && std::min(options.notch, rate / 2 - options.notch) < fewestWidths) {
+        complain(recording.path + ": --notch " + shortestText(options.notch) +
+                 " is too near to 0 or to half the sampling rate, " + shortestText(rate / 2) +
+                 " Hz, for its width of 2 Hz");
+        return false;
+    }
     return true;
 }
 

@@ -115,7 +115,7 @@ bool DataSource::allocCache(long first, long last, double scale) {
 
 int DataSource::readCache(long first, long last, float* buf, double scale) {
     // What was computed at scale 0, or at one that cannot be undone, is of no use at another.
-    if (!m_cache.holds(first) || last < first || m_cache.dScale == 0.0 ||
+    if (!buf || !m_cache.holds(first) || last < first || m_cache.dScale == 0.0 ||
         !std::isfinite(m_cache.dScale))
         return 0;
     const double factor = scale / m_cache.dScale;
@@ -129,14 +129,14 @@ int DataSource::readCache(long first, long last, float* buf, double scale) {
 }
 
 bool DataSource::writeCache(long first, long last, float* buf, double scale) {
-    if (!allocCache(first, last, scale))
+    if (!buf || !allocCache(first, last, scale))
         return false;
     std::copy_n(buf, m_cache.length(), m_cache.pData);
     return true;
 }
 
 bool DataSource::addToCache(long first, long last, float* buf) {
-    if (m_cache.length() == 0 || first != m_cache.nFirst || last != m_cache.nLast)
+    if (!buf || m_cache.length() == 0 || first != m_cache.nFirst || last != m_cache.nLast)
         return false;
     for (std::int32_t i = 0; i < m_cache.length(); ++i)
         m_cache.pData[i] += buf[i];

@@ -119,7 +119,7 @@ class PagePainter {
     void drawTrace(const TraceReducer& trace, double centre, const RowScale& scale) {
         cairo_t* context = m_canvas.context();
         cairo_save(context);
-        cairo_rectangle(context, m_layout.left, m_layout.top - 2.0, m_layout.traceWidth(),
+        cairo_rectangle(context, m_layout.left, m_layout.top - 4.0, m_layout.traceWidth(),
                         m_layout.bottom - m_layout.top + 4.0);
         cairo_clip(context);
         cairo_set_source_rgb(context, ink.red, ink.green, ink.blue);
@@ -136,8 +136,7 @@ class PagePainter {
     }
 
     void drawScaleBar() {
-        const auto& rows = m_content.rows->rows();
-        if (std::all_of(rows.begin(), rows.end(), hasOwnScale))
+        if (!hasCommonScale())
             return;
         const double microvolts = scaleBarLength(m_content.sensitivity);
         const double length = microvolts / m_content.sensitivity;
@@ -148,6 +147,16 @@ class PagePainter {
             m_canvas.line(x - 0.8, y, x + 0.8, y, 0.35, ink);
         m_canvas.text(x - 1.8, low - 0.5 * length + 1.0, shortestText(microvolts) + " uV", 2.9,
                       Align::right, words);
+    }
+
+    [[nodiscard]] bool hasCommonScale() const {
+        const auto& rows = m_content.rows->rows();
+        return !std::all_of(rows.begin(), rows.end(), hasOwnScale);
+    }
+
+    [[nodiscard]] std::string commonScaleWords() const {
+        return hasCommonScale() ? shortestText(m_content.sensitivity) + " uV/mm, negative up   "
+                                : std::string();
     }
 
     [[nodiscard]] std::string filterWords() const {
@@ -173,10 +182,9 @@ class PagePainter {
                       3.0, Align::right, words);
         const double speed = m_layout.traceWidth() / m_duration;
         m_canvas.text(2.0, 11.0,
-                      shortestText(m_content.sensitivity) + " uV/mm, negative up   " +
-                          generalText(speed, 3) + " mm/s   " + filterWords(),
-                      3.0, Align::left, words);
-        const bool meanTaken = m_content.signals->lowFilter <= 0;
+                      commonScaleWords() + generalText(speed, 3) + " mm/s   " + filterWords(), 3.0,
+                      Align::left, words);
+        const bool meanTaken = m_content.signals->lowFilter <= 0 && hasCommonScale();
         std::string remarks = meanTaken ? "each trace's mean is taken off" : "";
         const auto& rows = m_content.rows->rows();
         if (std::any_of(rows.begin(), rows.end(), hasOwnScale))

@@ -22,8 +22,9 @@ double spacingFor(std::size_t rows) {
 }
 
 double niceStep(double atLeast) {
-    for (const double step : {1.0, 2.0, 5.0, 10.0, 20.0, 30.0, 60.0, 120.0, 300.0, 600.0, 1200.0,
-                              1800.0, 3600.0, 7200.0, 14400.0, 21600.0, 43200.0})
+    for (const double step :
+         {0.01, 0.02,  0.05,  0.1,   0.2,    0.5,    1.0,    2.0,    5.0,     10.0,    20.0,   30.0,
+          60.0, 120.0, 300.0, 600.0, 1200.0, 1800.0, 3600.0, 7200.0, 14400.0, 21600.0, 43200.0})
         if (step >= atLeast)
             return step;
     return 86400.0 * std::ceil(atLeast / 86400.0);
@@ -44,7 +45,8 @@ double PageLayout::rowCentre(std::size_t row) const {
 
 TimeGrid::TimeGrid(double duration, double traceWidth) {
     const double secondsPerMm = duration / traceWidth;
-    major = niceStep(secondsPerMm * finestLines * 2.0);
+    const double finest = duration < 2.0 ? 0.01 : 1.0; // a page of seconds has second lines
+    major = niceStep(std::max(finest, secondsPerMm * finestLines * 2.0));
     labelEvery = niceStep(std::max(major, secondsPerMm * clockWidth));
     minor = major == 1.0 && 0.2 >= secondsPerMm * finestLines ? 0.2 : 0.0;
 }
