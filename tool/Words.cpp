@@ -94,7 +94,11 @@ std::string printable(std::string_view bytes) {
 std::string clockText(double seconds) {
     char text[realToTimeSize];
     const bool fraction = std::fabs(seconds - std::round(seconds)) > 0.005;
-    return RealToTime(seconds, text, true, fraction, false);
+    // RealToTime() cuts: a tenth that is no binary fraction must not lose a hundredth.
+    constexpr double belowAHundredth = 1e-4;
+    const double nearest = std::round(seconds * 100.0) / 100.0;
+    return RealToTime(nearest + std::copysign(belowAHundredth, nearest), text, true, fraction,
+                      false);
 }
 
 } // namespace kvsig::tool

@@ -93,6 +93,8 @@ TEST(PageLayout, GridsSuitThePagesDuration) {
     EXPECT_EQ(page.major, 1.0);
     EXPECT_EQ(page.minor, 0.2);
     EXPECT_EQ(page.labelEvery, 1.0);
+    const tool::TimeGrid glimpse(0.8, 260);
+    EXPECT_LE(glimpse.labelEvery, 0.4) << "a page of less than a second has clock texts too";
     const tool::TimeGrid night(86400, 260);
     EXPECT_EQ(night.minor, 0.0);
     EXPECT_EQ(night.labelEvery, 7200.0);

@@ -45,7 +45,8 @@ double PageLayout::rowCentre(std::size_t row) const {
 
 TimeGrid::TimeGrid(double duration, double traceWidth) {
     const double secondsPerMm = duration / traceWidth;
-    const double finest = duration < 2.0 ? 0.01 : 1.0; // a page of seconds has second lines
+    const double finest =
+        duration < 2.0 ? duration / 10.0 : 1.0; // a page of seconds has second lines
     major = niceStep(std::max(finest, secondsPerMm * finestLines * 2.0));
     labelEvery = niceStep(std::max(major, secondsPerMm * clockWidth));
     minor = major == 1.0 && 0.2 >= secondsPerMm * finestLines ? 0.2 : 0.0;
