@@ -43,4 +43,5 @@
 #include "kvsig/registry/FormatTable.h"
 #include "kvsig/registry/FrontDoor.h"
 #include "kvsig/util/LogSink.h"
+#include "kvsig/util/ProfileText.h"
 #include "kvsig/util/TimeText.h"
