@@ -22,6 +22,7 @@
 #include "kvsig/filters/Smooth.h"
 #include "kvsig/kernel/ClientEvent.h"
 #include "kvsig/kernel/DataReader.h"
+#include "kvsig/kernel/ExportAttributes.h"
 #include "kvsig/kernel/IDataReader.h"
 #include "kvsig/kernel/PatientRec.h"
 #include "kvsig/kernel/ReaderPtr.h"
