@@ -42,5 +42,8 @@
 #include "kvsig/readers/TelefactorEDFReader.h"
 #include "kvsig/registry/FormatTable.h"
 #include "kvsig/registry/FrontDoor.h"
+#include "kvsig/util/ClockSeconds.h"
 #include "kvsig/util/LogSink.h"
+#include "kvsig/util/PathText.h"
+#include "kvsig/util/StripBlanks.h"
 #include "kvsig/util/TimeText.h"
