@@ -39,6 +39,7 @@
 #include "kvsig/readers/BDFReader.h"
 #include "kvsig/readers/EDF90Reader.h"
 #include "kvsig/readers/LifelinesReader.h"
+#include "kvsig/readers/SyncReader.h"
 #include "kvsig/readers/TelefactorEDFReader.h"
 #include "kvsig/registry/FormatTable.h"
 #include "kvsig/registry/FrontDoor.h"
