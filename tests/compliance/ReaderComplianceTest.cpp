@@ -1,11 +1,13 @@
 #include "compliance/ReaderRow.h"
 #include "kvsig/readers/PushableReader.h"
-#include "kvsig/registry/FormatTable.h"
 #include "kvsig/registry/FrontDoor.h"
+#include "kvsig/registry/ReadableFormats.h"
+#include "kvsig/registry/types/FileTypes.h"
 #include "support/Opened.h"
 #include "support/ReadAround.h"
 
 #include <climits>
+#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
@@ -66,14 +68,22 @@ TEST_P(ReaderCompliance, TellsTheFactsOfTheRecording) {
 }
 
 TEST_P(ReaderCompliance, TheFrontDoorOpensItByItsType) {
-    if (!file.attributes.empty())
-        GTEST_SKIP() << "it opens through the layout that describes it";
+    const int type = GetParam().type;
+    std::string door = path;
+    if (!file.attributes.empty()) {
+        const std::string head = "[FileInfo]\nFile=stored.raw\n";
+        ASSERT_TRUE(file.attributes.starts_with(head));
+        door = dir.write("a.lay", "[FileInfo]\nFile=" + file.fileName +
+                                      "\nFileType=" + typeNameOf(type) + "\n" +
+                                      file.attributes.substr(head.size()));
+    }
     std::string error;
-    const ReaderPtr opened = openReader(path.c_str(), GetParam().type, &error);
+    const ReaderPtr opened = openReader(door.c_str(), door == path ? type : 0, &error);
     ASSERT_TRUE(opened) << error;
-    EXPECT_EQ(opened->fileType(), GetParam().type);
+    EXPECT_EQ(opened->fileType(), type);
+    EXPECT_EQ(opened->fileName(), path);
     EXPECT_EQ(opened->sampleCount(), file.sampleCount);
-    EXPECT_TRUE(openReader(path.c_str())); // and by its content
+    EXPECT_TRUE(openReader(door.c_str())); // and by its content
 }
 
 TEST_P(ReaderCompliance, ClosesTwiceAndReopens) {
@@ -253,14 +263,19 @@ INSTANTIATE_TEST_SUITE_P(Edf, ReaderCompliance, testing::ValuesIn(test::edfRows(
 INSTANTIATE_TEST_SUITE_P(Raw, ReaderCompliance, testing::ValuesIn(test::rawRows()),
                          [](const auto& row) { return std::string(row.param.name); });
 
-// A format is readable when its reader has passed the kit.
+// A format is readable when its reader has passed the kit, and when users are told.
 TEST(ReaderComplianceRows, CoverEveryReadableFormat) {
     std::set<int> types;
     for (const auto& rows : {test::edfRows(), test::rawRows()})
         for (const ReaderRow& row : rows)
             types.insert(row.type);
-    for (const FormatRow& row : readableFormats())
-        EXPECT_TRUE(types.contains(row.type)) << row.name;
+    for (const ReadableFormat& format : readableFormats())
+        EXPECT_TRUE(types.contains(format.type)) << typeNameOf(format.type);
+    std::ifstream page(KVSIG_SOURCE_DIR "/docs/formats.md");
+    const std::string text{std::istreambuf_iterator<char>(page), {}};
+    for (const ReadableFormat& format : readableFormats())
+        EXPECT_THAT(text, testing::HasSubstr("| " + std::to_string(format.type) + " | " +
+                                             typeNameOf(format.type) + " |"));
 }
 
 } // namespace
