@@ -73,14 +73,52 @@ TEST(Export, DerivationsAndSelections) {
         .writeTo(dir.file("a.edf"));
     // C3 = 5, A1 = 10, A2 = 15 uV.
     EXPECT_EQ(runCommand(dir, "export a.edf --to 0.25 --channels "
-                              "c3,C3-A1,C3-A1+A2,C3-A1A2,A1+A2,A1:0.1+A2:0.2,#2,C3-Ref-A2-Ref")
+                              "c3,C3-A1,C3-A1+A2,C3-A1A2,A1+A2,A1:0.1+A2:0.2,#2,C3-Ref-A2-Ref,"
+                              "A1-Ref+A2-Ref,C3-Ref-A1-Ref:2+A2:-1")
                   .out,
-              "time,C3-Ref,C3-A1,C3-A1+A2,C3-A1A2,A1+A2,A1:0.1+A2:0.2,A2-Ref,C3-Ref-A2-Ref\n"
-              "0,5,-5,-7.5,-7.5,12.5,4,15,-10\n");
-    const CommandResult unknown = runCommand(dir, "export a.edf --channels C4");
-    EXPECT_EQ(unknown.exitCode, 1);
-    EXPECT_THAT(unknown.err, HasSubstr("--channels C4: no such channel; the nearest are C3"));
-    EXPECT_EQ(unknown.out, "");
+              "time,C3-Ref,C3-A1,C3-A1+A2,C3-A1A2,A1+A2,A1:0.1+A2:0.2,A2-Ref,C3-Ref-A2-Ref,"
+              "A1-Ref+A2-Ref,C3-Ref-A1-Ref:2+A2:-1\n"
+              "0,5,-5,-7.5,-7.5,12.5,4,15,-10,12.5,0\n");
+}
+
+TEST(Export, UnreadableSelectionsNameTheirFault) {
+    const TempDir dir;
+    threeSignals().writeTo(dir.file("a.edf"));
+    for (const auto& [channels, fault] : {
+             std::pair("C4", "C4: no such channel; the nearest are C3"),
+             std::pair("C3-Tenp", "C3-Tenp: no such channel Tenp; the nearest are Temp"),
+             std::pair("Tenp-C3", "Tenp-C3: no such channel Tenp;"),
+             std::pair("C3-C3+C9", "C3-C3+C9: no such channel C9; the nearest are C3"),
+             std::pair("C3-Ref+C9", "C3-Ref+C9: no such channel C9;"),
+             std::pair("C3-Av17", "C3-Av17: no such channel F7;"),
+             std::pair("C3-", "C3-: a channel name is missing"),
+             std::pair("C3-+", "C3-+: a channel name is missing"),
+             std::pair("#3", "#3: no such channel; the last is #2"),
+             std::pair("C3:2+Temp", "C3 has a weight and Temp has none"),
+             std::pair("Temp-Temp+C3:2", "C3 has a weight and Temp has none"),
+             std::pair("C3:half+Temp:0.5", "the weight of C3 is no number"),
+         }) {
+        const CommandResult run =
+            runCommand(dir, std::string("export a.edf --channels ") + "'" + channels + "'");
+        EXPECT_EQ(run.exitCode, 1) << channels;
+        EXPECT_THAT(run.err, HasSubstr(std::string("a.edf: --channels ") + channels + ": "));
+        EXPECT_THAT(run.err, HasSubstr(fault));
+        EXPECT_EQ(run.out, "");
+    }
+}
+
+TEST(Export, SharedAndMissingNamesAreTold) {
+    const TempDir dir;
+    EdfFile().signal("Cz", 4).signal("", 4).signal("Cz", 4).signal("Pz", 4).writeTo(
+        dir.file("a.edf"));
+    const std::string remark = "kvsig: a.edf: channels #0 and #2 are both named cz; #0 is taken\n";
+    const CommandResult run =
+        runCommand(dir, "export a.edf --to 0.25 --channels 'pz-cz, cz-pz,#2'");
+    EXPECT_EQ(run.err, remark) << "once, inside derivations too, and not for an index";
+    EXPECT_THAT(run.out, testing::StartsWith("time,pz-cz,cz-pz,Cz\n"));
+    EXPECT_THAT(runCommand(dir, "export a.edf").out, testing::StartsWith("time,Cz,#1,Cz,Pz\n"));
+    EXPECT_THAT(runCommand(dir, "export a.edf --channels '#1-Pz'").out,
+                testing::StartsWith("time,#1-Pz\n"));
 }
 
 TEST(Export, RangesAreClippedAndTold) {
