@@ -4,8 +4,10 @@
 
 #include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <numbers>
 #include <sstream>
 #include <vector>
@@ -185,6 +187,48 @@ TEST(Export, AFailedExportLeavesTheOldFile) {
     const CommandResult run = runCommand(dir, "export a.edf -o nosuchdir/a.csv");
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_THAT(run.err, testing::StartsWith("kvsig: nosuchdir/a.csv: "));
+}
+
+TEST(Export, AFullDiskLeavesNothingBehind) {
+    const TempDir dir;
+    EdfFile().signal("Cz", 256).records(200).writeTo(dir.file("a.edf"));
+    const std::string noLargeFiles = "trap '' XFSZ && ulimit -f 600";
+    for (const char* format : {"csv", "npy"}) {
+        const CommandResult run = runCommand(
+            dir, std::string("export a.edf --channels Cz,Cz,Cz,Cz -o x.") + format, noLargeFiles);
+        EXPECT_EQ(run.exitCode, 1);
+        EXPECT_EQ(run.err, std::string("kvsig: x.") + format + ": File too large\n");
+    }
+    const std::filesystem::directory_iterator left(dir.path());
+    EXPECT_EQ(std::distance(begin(left), end(left)), 3) << "the recording and what was printed";
+    if (std::filesystem::exists("/dev/full")) {
+        const CommandResult run = runCommand(dir, "export a.edf -o /dev/full");
+        EXPECT_EQ(run.exitCode, 1);
+        EXPECT_EQ(run.err, "kvsig: /dev/full: no space left on the disk\n");
+    }
+}
+
+TEST(Export, SeveralFilesGoToOneFolder) {
+    const TempDir dir;
+    threeSignals().writeTo(dir.file("a.edf"));
+    EdfFile().signal("Cz", 4).writeTo(dir.file("b.EDF"));
+    std::filesystem::create_directory(dir.file("out"));
+    std::filesystem::copy(dir.file("a.edf"), dir.file("out/a.edf"));
+    const CommandResult run = runCommand(dir, "export a.edf missing.edf b.EDF --format npy -o out");
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.err, "kvsig: missing.edf: no such file\n");
+    EXPECT_THAT(dir.read("out/a.npy"), HasSubstr("(3, 8)"));
+    EXPECT_THAT(dir.read("out/b.npy"), HasSubstr("(1, 4)")) << "the others are still done";
+
+    EXPECT_EQ(runCommand(dir, "export b.EDF -o out/").exitCode, 0);
+    const std::string table = dir.read("out/b.csv");
+    EXPECT_THAT(table, testing::StartsWith("time,Cz\n0,"));
+    EXPECT_EQ(runCommand(dir, "export b.EDF b.EDF").out, table + table) << "standard output";
+    EXPECT_EQ(runCommand(dir, "export b.EDF -o x.tsv").exitCode, 0);
+    EXPECT_THAT(dir.read("x.tsv"), testing::StartsWith("time\tCz\n")) << "by the ending";
+    for (const char* wrong : {"a.edf b.EDF -o x.csv", "a.edf out/a.edf -o out"})
+        EXPECT_EQ(runCommand(dir, std::string("export ") + wrong).exitCode, 2) << wrong;
+    EXPECT_EQ(dir.read("x.csv") + dir.read("out/a.csv"), "");
 }
 
 // Root mean square of a sine at `hertz` after the command's filters, over a second in mid-file.
