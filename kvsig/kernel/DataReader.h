@@ -5,6 +5,7 @@
 #include "kvsig/kernel/PathInfo.h"
 #include "kvsig/util/Export.h"
 
+#include <iosfwd>
 #include <memory>
 #include <string>
 #include <vector>
@@ -28,6 +29,13 @@ class KVSIG_API DataReader : public IDataReader {
     static const std::int32_t m_defDigitalLow;
     static const double m_defPhysioHigh;
     static const double m_defPhysioLow;
+
+    /// The file type that an attribute file names, copied to `out` (size - 1 characters at most);
+    /// false when it names none.
+    static bool readFileType(std::istream& stream, char* out, int size);
+    /// Whether a file is a recording of this class, by its name or content. Formats that can tell
+    /// have their own.
+    static bool isFileType(const char* path);
 
     DataReader();
     DataReader(const DataReader&) = delete;
@@ -179,6 +187,11 @@ class KVSIG_API DataReader : public IDataReader {
     /// reach the common samplingRate(). 0 out of range.
     virtual double storedSamplingRate(int channel);
 
+  protected:
+    /// The code of the sample encoding, as attribute files of raw recordings give it.
+    virtual int dataTypeCode();
+
+  public:
     /// The last failure in one sentence that names the file, the field and the value; empty after
     /// success. Valid until the next call on this reader.
     const char* lastErrorText();
@@ -200,6 +213,17 @@ class KVSIG_API DataReader : public IDataReader {
     void forgetSamples();
     /// Forgets all time anchors.
     void clearSampleTimes();
+    /// Forgets anchors and patient. What is set from here on belongs to the recording that the next
+    /// open() opens, whatever its path.
+    ///
+    /// open() itself does this, after openFile(), when the path is another one than that of the
+    /// recording opened before. A reader that has opened none keeps them: they are what an
+    /// attribute file or the host said of the recording to come.
+    void forgetRecording();
+    /// Names are the file's own again at the next loadChannelInfo().
+    void dropChannelMap();
+    /// The same, and the channel table holds the default names.
+    void resetChannelNames();
     /// The path as it was given, uncut.
     [[nodiscard]] const std::string& filePath() const;
     /// Stores the error code with a sentence about what was wrong (the file's name is added), logs
@@ -212,6 +236,8 @@ class KVSIG_API DataReader : public IDataReader {
     struct State;
 
     ChannelRecord* channelRecord(int channel);
+    void updateMapFlags();
+    std::vector<std::string> mappedNames();
     template <typename Consume>
     int forEachRun(int channel, long first, long last, Consume consume);
 

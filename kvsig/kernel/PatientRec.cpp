@@ -1,5 +1,6 @@
 #include "kvsig/kernel/PatientRec.h"
 
+#include "kvsig/kernel/PatientFields.h"
 #include "kvsig/util/Text.h"
 
 #include <algorithm>
@@ -53,18 +54,9 @@ void writePatientInfo(std::ostream& stream, const PatientRec& patient) {
     line("First: ", parts ? fieldView(patient.first) : "");
     line("MI: ", parts ? fieldView(patient.mi) : "");
     line("Last: ", parts ? fieldView(patient.last) : "");
-    line("Sex: ", fieldView(patient.sex));
-    line("Hand: ", fieldView(patient.hand));
-    line("BirthDate: ", fieldView(patient.birthDate));
-    line("ID: ", fieldView(patient.id));
-    line("TestDate: ", fieldView(patient.testDate));
-    line("TestTime: ", fieldView(patient.testTime));
-    line("Physician: ", fieldView(patient.physician));
-    line("Technician: ", fieldView(patient.technician));
-    line("Medications: ", fieldView(patient.medications));
-    line("History: ", fieldView(patient.history));
-    line("Comments1: ", fieldView(patient.comments1));
-    line("Comments2: ", fieldView(patient.comments2));
+    forEachPatientField(patient, [&line](const char* label, const auto& field) {
+        line(std::string(label) + ": ", fieldView(field));
+    });
 }
 
 } // namespace kvsig

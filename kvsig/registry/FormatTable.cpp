@@ -37,4 +37,9 @@ const FormatRow* formatByType(int type) {
     return findRow([type](const FormatRow& row) { return row.type == type; });
 }
 
+std::string typeNameOf(int type) {
+    const FormatRow* row = formatByType(type);
+    return row ? std::string(row->typeName()) : std::string();
+}
+
 } // namespace kvsig

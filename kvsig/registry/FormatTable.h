@@ -3,6 +3,7 @@
 #include "kvsig/util/Export.h"
 
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace kvsig {
@@ -23,5 +24,8 @@ struct FormatRow {
 /// The row whose type name is `name` (letter case ignored), or null.
 [[nodiscard]] KVSIG_API const FormatRow* formatByName(std::string_view name);
 [[nodiscard]] KVSIG_API const FormatRow* formatByType(int type);
+
+/// The type name of a format; empty for an unknown type.
+[[nodiscard]] std::string typeNameOf(int type);
 
 } // namespace kvsig

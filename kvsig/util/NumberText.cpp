@@ -78,7 +78,11 @@ std::string charsOf(double value, Arguments... format) {
 
 double leadingDouble(std::string_view text) {
     double value = 0.0;
-    return scanDouble(withoutLeadingBlanks(text), value) > 0 ? value : 0.0;
+    return leadingDouble(text, value) ? value : 0.0;
+}
+
+bool leadingDouble(std::string_view text, double& value) {
+    return scanDouble(withoutLeadingBlanks(text), value) > 0;
 }
 
 std::int64_t leadingInteger(std::string_view text) {

@@ -13,6 +13,8 @@ namespace kvsig {
 /// at the first character that does not fit. No number gives 0; beyond the range of a double gives
 /// an infinity or 0. "inf", "nan" and hexadecimal numbers are no numbers.
 [[nodiscard]] KVSIG_API double leadingDouble(std::string_view text);
+/// The same; false, and `value` as it was, when there is no number.
+[[nodiscard]] KVSIG_API bool leadingDouble(std::string_view text, double& value);
 
 /// The whole number at the start of `text`, by the same rules; saturates at 64 bits.
 [[nodiscard]] KVSIG_API std::int64_t leadingInteger(std::string_view text);

@@ -20,6 +20,13 @@ void copyText(char* dest, std::size_t size, const char* source) {
     copyText(dest, size, viewOf(source));
 }
 
+std::string lowerCase(std::string_view text) {
+    std::string result(text);
+    for (char& c : result)
+        c = lowerCase(c);
+    return result;
+}
+
 bool equalNoCase(std::string_view a, std::string_view b) {
     return a.size() == b.size() && startsWithNoCase(a, b);
 }

@@ -40,6 +40,8 @@ void copyText(char (&dest)[Size], const Source& source) {
 [[nodiscard]] inline char lowerCase(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
+/// All letters of a text, for look-ups without regard to case.
+[[nodiscard]] KVSIG_API std::string lowerCase(std::string_view text);
 [[nodiscard]] inline bool isLetterOrDigit(char c) {
     return isDigit(c) || (lowerCase(c) >= 'a' && lowerCase(c) <= 'z');
 }

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "kvsig/kernel/PatientRec.h"
+#include "kvsig/kernel/SampleTime.h"
+
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// The sections of attribute files: INI-style texts that go with a recording. Values are written in
+/// one line (line ends in them become blanks) and numbers as the shortest text that reads back the
+/// same; the stream's flags and locale play no part.
+namespace kvsig {
+
+/// How the samples of a file without a header are laid out.
+struct RawLayout {
+    double samplingRate = 0.0; ///< hertz
+    long headerLength = 0;     ///< bytes before the first sample
+    double calibration = 0.0;  ///< physical units per raw count
+    int waveformCount = 0;
+    int dataType = 0; ///< code of the sample encoding
+};
+
+/// The "[FileInfo]" section.
+struct FileInfo {
+    std::string file;
+    std::string typeName;
+    std::optional<RawLayout> layout;
+    std::optional<long> sampleLag;
+    std::string channelMap; ///< name of a stored map; empty for none
+};
+
+void writeFileInfo(std::ostream& stream, const FileInfo& info);
+
+/// A heading in brackets, then each name with its number from 1.
+void writeChannelNames(std::ostream& stream, std::string_view heading,
+                       const std::vector<std::string>& names);
+
+void writePatientSection(std::ostream& stream, const PatientRec& patient);
+/// Takes over the fields that the section holds.
+void readPatientSection(std::istream& stream, PatientRec& patient);
+
+/// Clock times are written with three decimals.
+void writeSampleTimes(std::ostream& stream, const std::vector<SampleTime>& anchors);
+/// Lines that scan as "%i=%lf"; a sample index may be hexadecimal (0x) or octal (0).
+[[nodiscard]] std::vector<SampleTime> readSampleTimes(std::istream& stream);
+
+} // namespace kvsig

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "kvsig/util/Export.h"
+
+#include <iosfwd>
+
+namespace kvsig {
+
+class IDataReader;
+
+/// Writes the attribute file of a reader's samples exported as 16-bit little-endian frames without
+/// a header (all channels of a sample together, sample after sample) into the file `file`: rate,
+/// calibration of channel 0 (which must then hold for all), channel names and patient. True unless
+/// there is no reader or the stream has failed.
+KVSIG_API bool WriteExportAttributeFile(std::ostream& stream, IDataReader* reader,
+                                        const char* file);
+
+} // namespace kvsig

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "kvsig/kernel/ChannelTable.h"
+#include "kvsig/kernel/DataReader.h"
+#include "kvsig/kernel/PageCache.h"
+#include "kvsig/kernel/TimeBase.h"
+#include "kvsig/montage/names/Derivation.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace kvsig {
+
+/// What a DataReader holds, and what its page cache asks of it.
+struct DataReader::State final : PageSource {
+    explicit State(DataReader& owner) : reader(owner) {}
+
+    FrameLayout frameLayout() override {
+        const int bytesPerSample = reader.bytesPerSample() == 2 ? 2 : 4;
+        return {channelCount, bytesPerSample, std::max(reader._minReadPts(), 1)};
+    }
+    int largestChunk() override { return reader.chunkPts(); }
+    long maxDataIndex() override { return reader.maxDataIndex(); }
+    long sampleCount() override { return reader.sampleCount(); }
+    int readChunk(long firstSample, short* buffer) override {
+        return reader.getSampleChunk(firstSample, buffer);
+    }
+
+    DataReader& reader;
+    std::int32_t lastError = 0;
+    std::string errorText;
+    std::string defaultErrorText; ///< what stands in for an empty errorText
+    std::vector<OpenFinding> findings;
+    char fileName[260] = "";
+    std::string path;
+    bool holdsOpened = false; ///< anchors and patient are those of a recording opened before
+    std::string openedPath;   ///< its path
+    std::int32_t headerLength = 0;
+    std::int16_t channelCount = 0;
+    double samplingRate = 0.0;
+    std::int32_t maxIndex = -1;
+    std::int32_t fileType = 0;
+    std::int32_t mapReferential = 1;
+    char refGrid[gridNameSize] = "Ref";
+    std::int32_t hasChannelMap = 0;
+    char channelMapName[32] = "";
+    std::string listedMapName; ///< what getChannelMapNames() handed out last
+    ChannelTable channels;
+    TimeBase timeBase;
+    PatientRec patient{};
+    bool gridNamesAsNumbers = false;
+    ULONG references = 0;
+    PageCache pages;
+    std::vector<PathInfo> paths;
+    bool map1010 = false;
+    bool inChunkDefault = false;
+};
+
+} // namespace kvsig

@@ -1,0 +1,202 @@
+#include "kvsig/readers/InterleavedReader.h"
+
+#include "kvsig/kernel/AttributeFile.h"
+#include "kvsig/montage/names/ReservedNames.h"
+#include "kvsig/readers/StoredMontage.h"
+#include "kvsig/util/File.h"
+#include "kvsig/util/NumberText.h"
+#include "kvsig/util/ProfileLines.h"
+#include "kvsig/util/Saturate.h"
+#include "kvsig/util/Text.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstddef>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace kvsig {
+namespace {
+
+constexpr std::uint32_t rawMiscFlags = 8;
+constexpr int interleavedType = 1;
+constexpr std::int64_t valueBytes = 2; // in a page, whatever the file stores
+constexpr std::int64_t fewestSamples = 3;
+constexpr std::size_t longestValue = 4096;
+
+constexpr int littleEndian16 = 0;
+constexpr int bigEndian16 = 4;
+constexpr int offsetBinary8 = 6;
+
+void swapBytes(short* values, std::int64_t count) {
+    std::for_each_n(values, count, [](short& value) {
+        const auto bits = static_cast<std::uint16_t>(value);
+        value = static_cast<short>(static_cast<std::uint16_t>(bits << 8 | bits >> 8));
+    });
+}
+
+// The bytes stand at the start of the buffer that takes the values: from the last to the first none
+// is overwritten before it is used.
+void widenOffsetBinary(short* values, std::int64_t count) {
+    const auto* bytes = static_cast<const std::byte*>(static_cast<const void*>(values));
+    for (std::int64_t i = count - 1; i >= 0; --i)
+        values[i] = static_cast<short>(std::to_integer<int>(bytes[i]) - 128);
+}
+
+} // namespace
+
+struct InterleavedReader::State {
+    File file;
+    int dataType = littleEndian16;
+    double calibration = 0.0;
+    std::vector<StoredMontage> montages;
+};
+
+// What is written to an attribute file depends on the type.
+InterleavedReader::InterleavedReader() : m_raw(std::make_unique<State>()) {
+    DataReader::setFileType(interleavedType);
+}
+
+InterleavedReader::~InterleavedReader() = default;
+
+std::uint32_t InterleavedReader::miscFlags() const { return rawMiscFlags; }
+
+bool InterleavedReader::openFile() {
+    close();
+    forgetSamples();
+    if (channelCount() < 1)
+        return refuse(2, "WaveformCount is " + std::to_string(channelCount()) +
+                             ", at least 1 is needed (its attribute file is read before it opens)");
+    std::string reason;
+    if (!m_raw->file.open(filePath().c_str(), &reason))
+        return refuse(1, reason);
+    reportOddAttributes();
+    return true;
+}
+
+void InterleavedReader::close() { m_raw->file.close(); }
+
+void InterleavedReader::reportOddAttributes() {
+    using Severity = OpenFinding::Severity;
+    const int type = m_raw->dataType;
+    if (!(samplingRate() > 0) || !std::isfinite(samplingRate()))
+        report(Severity::unusable, "SamplingRate is " + shortestText(samplingRate()));
+    if (type != littleEndian16 && type != bigEndian16 && type != offsetBinary8)
+        report(Severity::unusable, "DataType is " + std::to_string(type) +
+                                       "; of 0, 4 and 6 it is none, so there are no samples");
+    if (type == offsetBinary8)
+        report(Severity::warning, "DataType is 6: of its one-byte samples the first half is shown");
+    if (headerLength() < 0)
+        report(Severity::warning, "HeaderLength is " + std::to_string(headerLength()));
+    if (m_raw->calibration == 0 || !std::isfinite(m_raw->calibration))
+        report(Severity::warning, "Calibration is " + shortestText(m_raw->calibration));
+}
+
+bool InterleavedReader::readSampleInfo() {
+    const std::int64_t data = m_raw->file.size() - headerLength();
+    // Two bytes a value even where the file stores one (data type 6), on purpose: of such a file
+    // the first half is shown.
+    const std::int64_t samples = data / (channelCount() * valueBytes);
+    if (samples < fewestSamples)
+        return refuse(2, "it holds " + std::to_string(std::max(samples, std::int64_t{0})) +
+                             " samples of " + std::to_string(channelCount()) + " channels behind " +
+                             std::to_string(headerLength()) + " header bytes, at least " +
+                             std::to_string(fewestSamples) + " are needed");
+    setMaxDataIndex(saturate<long>(samples - 1));
+    SampleTime start;
+    if (sampleTimeCount() == 0)
+        addSampleTime(start);
+    return true;
+}
+
+// A chunk is what chunkPts() says, but never less than one sample: recordings below 1 Hz have data.
+int InterleavedReader::getSampleChunk(long firstSample, short* buffer) {
+    const std::int64_t frameValues = channelCount();
+    const std::int64_t values = std::max(chunkPts(), 1) * frameValues;
+    if (firstSample < 0 || !std::in_range<std::int32_t>(firstSample) || frameValues < 1)
+        return 0;
+    const bool oneByte = m_raw->dataType == offsetBinary8;
+    const std::int64_t stored = oneByte ? 1 : valueBytes;
+    const std::int64_t position = firstSample * frameValues * stored + headerLength();
+    if (!oneByte && m_raw->dataType != littleEndian16 && m_raw->dataType != bigEndian16)
+        return 0;
+    const std::int64_t read = m_raw->file.readAt(position, buffer, values * stored) / stored;
+    constexpr bool bigHost = std::endian::native == std::endian::big;
+    if (oneByte)
+        widenOffsetBinary(buffer, read);
+    else if ((m_raw->dataType == bigEndian16) != bigHost)
+        swapBytes(buffer, read);
+    return saturate<int>(read / frameValues);
+}
+
+int InterleavedReader::montageCount() { return saturate<int>(m_raw->montages.size()); }
+
+const char* InterleavedReader::montageName(int index) {
+    if (index < 0 || index >= montageCount())
+        return nullptr;
+    return m_raw->montages[static_cast<std::size_t>(index)].name.c_str();
+}
+
+bool InterleavedReader::montageDefn(int index, std::ostream& stream) {
+    if (index < 0 || index >= montageCount())
+        return false;
+    writeStoredMontage(stream, m_raw->montages[static_cast<std::size_t>(index)]);
+    return true;
+}
+
+bool InterleavedReader::readAttributeFile(std::istream& stream) {
+    if (profileValue(stream, pszINIFileInfo, "File").value_or("").empty())
+        return false;
+    // The attribute file is this recording's header: what it leaves out must not be answered from
+    // the one before.
+    forgetRecording();
+    resetChannelNames();
+    if (!DataReader::readAttributeFile(stream) || !readLayout(stream))
+        return false;
+    for (SampleTime& anchor : readSampleTimes(stream))
+        addSampleTime(anchor);
+    // Read where it is written: other formats have their patient from the recording itself.
+    readPatientSection(stream, *patientRec());
+    m_raw->montages = readStoredMontages(stream);
+    // Written again without being opened, it must say the same.
+    return loadChannelInfo();
+}
+
+bool InterleavedReader::readLayout(std::istream& stream) {
+    const auto value = [&stream](const char* key) {
+        return profileValue(stream, pszINIFileInfo, key).value_or("").substr(0, longestValue);
+    };
+    std::string text = value("SamplingRate");
+    if (text.empty())
+        return false;
+    setSamplingRate(leadingDouble(text));
+    if ((text = value("HeaderLength")).empty())
+        return false;
+    setHeaderLength(saturate<long>(leadingInteger(text)));
+    if ((text = value("Calibration")).empty())
+        return false;
+    m_raw->calibration = leadingDouble(text);
+    if ((text = value("WaveformCount")).empty())
+        return false;
+    setChannelCount(saturate<int>(leadingInteger(text)));
+    if ((text = value("DataType")).empty())
+        return false;
+    m_raw->dataType = saturate<int>(leadingInteger(text));
+    return true;
+}
+
+bool InterleavedReader::writeAttributeFile(std::ostream& stream) {
+    return DataReader::writeAttributeFile(stream);
+}
+
+// The file has no names: those of the channel table stand, as a channel map put them there.
+const char* InterleavedReader::_grid1(int channel) { return grid1(channel); }
+const char* InterleavedReader::_grid2(int channel) { return grid2(channel); }
+const char* InterleavedReader::_channelName(int channel) { return channelName(channel); }
+double InterleavedReader::_calibration(int) { return m_raw->calibration; }
+double InterleavedReader::_dcOffset(int) { return 0.0; }
+int InterleavedReader::dataTypeCode() { return m_raw->dataType; }
+
+} // namespace kvsig

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "kvsig/kernel/DataReader.h"
+#include "kvsig/util/Export.h"
+
+#include <iosfwd>
+#include <memory>
+
+namespace kvsig {
+
+/// Raw recordings without a header of their own ("Interleaved"): frames of one value per channel
+/// behind a header of known length. Rate, channel count, calibration and sample encoding come from
+/// the attribute file, which must be read before open(); so do channel names, anchors, patient and
+/// montages.
+///
+/// Data type codes: 0 signed 16-bit little-endian; 4 signed 16-bit big-endian; 6 unsigned 8-bit,
+/// 128 being zero. Any other reads as nothing.
+class KVSIG_API InterleavedReader : public DataReader {
+  public:
+    InterleavedReader();
+    ~InterleavedReader() override;
+
+    std::uint32_t miscFlags() const override;
+    bool openFile() override;
+    void close() override;
+    int getSampleChunk(long firstSample, short* buffer) override;
+    bool readSampleInfo() override;
+    int montageCount() override;
+    /// Null out of range.
+    const char* montageName(int index) override;
+    bool montageDefn(int index, std::ostream& stream) override;
+    /// What an earlier attribute file said of names, anchors, patient and montages is forgotten.
+    bool readAttributeFile(std::istream& stream) override;
+    bool writeAttributeFile(std::ostream& stream) override;
+
+  protected:
+    const char* _grid1(int channel) override;
+    const char* _grid2(int channel) override;
+    const char* _channelName(int channel) override;
+    double _calibration(int channel) override;
+    double _dcOffset(int channel) override;
+    int dataTypeCode() override;
+
+  private:
+    struct State;
+
+    bool readLayout(std::istream& stream);
+    void reportOddAttributes();
+
+    std::unique_ptr<State> m_raw;
+};
+
+} // namespace kvsig
