@@ -33,11 +33,8 @@ Includes readIncludes() {
 }
 
 std::string roomOf(const std::string& file) {
-    // The table of type names knows no reader: the kernel may ask it.
-    if (file.starts_with("kvsig/registry/FormatTable."))
-        return "registry/names";
-    for (const char* room :
-         {"util", "filters", "montage/names", "kernel", "montage", "readers", "registry"})
+    for (const char* room : {"util", "filters", "montage/names", "registry/types", "kernel",
+                             "montage", "readers", "registry"})
         if (file.starts_with("kvsig/" + std::string(room) + "/"))
             return room;
     return "all";
@@ -48,14 +45,14 @@ const std::map<std::string, std::set<std::string>> allowedRooms{
     {"util", {}},
     {"filters", {"util"}},
     {"montage/names", {"util"}},
-    {"registry/names", {"util"}},
-    {"kernel", {"util", "montage/names", "registry/names"}},
+    {"registry/types", {"util"}},
+    {"kernel", {"util", "montage/names", "registry/types"}},
     {"montage", {"util", "filters", "montage/names", "kernel"}},
     {"readers", {"util", "filters", "montage/names", "kernel", "montage"}},
     {"registry",
-     {"util", "filters", "montage/names", "registry/names", "kernel", "montage", "readers"}},
+     {"util", "filters", "montage/names", "registry/types", "kernel", "montage", "readers"}},
     {"all",
-     {"util", "filters", "montage/names", "registry/names", "kernel", "montage", "readers",
+     {"util", "filters", "montage/names", "registry/types", "kernel", "montage", "readers",
       "registry"}},
 };
 

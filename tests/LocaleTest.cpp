@@ -2,7 +2,9 @@
 #include "kvsig/kernel/ClientEvent.h"
 #include "kvsig/montage/SourceSettings.h"
 #include "kvsig/montage/names/Derivation.h"
+#include "kvsig/readers/InterleavedReader.h"
 #include "kvsig/util/NumberText.h"
+#include "kvsig/util/ProfileText.h"
 #include "kvsig/util/TimeText.h"
 #include "support/FakeReader.h"
 
@@ -79,6 +81,20 @@ TEST_F(Locale, StreamsKeepTheirFlagsAndTheTextsTheirForm) {
     EXPECT_NE(stream.str().find("Channels: 3\n"), std::string::npos) << stream.str();
     EXPECT_EQ(stream.width(), 12);
     EXPECT_TRUE(stream.flags() & std::ios::hex);
+}
+
+TEST_F(Locale, AttributeFilesKeepTheirPoint) {
+    const std::string text = "[FileInfo]\nFile=a\nFileType=Interleaved\nSamplingRate=1000.5\n"
+                             "HeaderLength=1234567\nCalibration=0.125\nWaveformCount=1\n"
+                             "DataType=0\n";
+    std::istringstream in(text + "[SampleTimes]\n1000=86400.5\n");
+    InterleavedReader reader;
+    ASSERT_TRUE(reader.readAttributeFile(in));
+    std::ostringstream out;
+    reader.writeAttributeFile(out);
+    EXPECT_TRUE(out.str().starts_with(text)) << out.str();
+    EXPECT_TRUE(out.str().ends_with("[SampleTimes]\n1000=86400.500\n")) << out.str();
+    EXPECT_EQ(GetLocalProfileDouble("FileInfo", "SamplingRate", 0.0, in), 1000.5);
 }
 
 } // namespace

@@ -46,8 +46,8 @@ bool writeRaw(const Recording& recording, const Rows& rows, SampleRange range, T
         const SampleRange part{first, std::min(range.last, first + window - 1)};
         for (std::size_t i = 0; i < columns.size(); ++i) {
             columns[i].resize(static_cast<std::size_t>(part.length()));
-            recording.details->getRawData(rows.rows()[i].channel, part.first, part.last,
-                                          columns[i].data());
+            const Recording::Place place = recording.placeOf(rows.rows()[i].channel);
+            place.reader->getRawData(place.channel, part.first, part.last, columns[i].data());
         }
         if (!goOn(work, part, range) || !writer.writeRaw(part, columns))
             return false;

@@ -1,12 +1,12 @@
-#include "kvsig/registry/FormatTable.h"
+#include "kvsig/registry/types/FileTypes.h"
 #include "kvsig/util/NumberText.h"
 #include "tool/Command.h"
 #include "tool/Recording.h"
+#include "tool/StandardOutput.h"
+#include "tool/Table.h"
 #include "tool/Words.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -26,6 +26,7 @@ struct InfoOptions {
 
 Json channelFacts(const Recording& recording, int channel) {
     IDataReader& reader = *recording.reader;
+    const Recording::Place place = recording.placeOf(channel);
     return {{"index", channel},
             {"name", toUtf8(reader.channelName(channel))},
             {"grid1", toUtf8(reader.grid1(channel))},
@@ -33,12 +34,12 @@ Json channelFacts(const Recording& recording, int channel) {
             {"type", reader.channelType(channel)},
             {"units", toUtf8(reader.channelUnits(channel))},
             {"calibration", reader.calibration(channel)},
-            {"dcOffset", recording.details->dcOffset(channel)},
+            {"dcOffset", place.reader->dcOffset(place.channel)},
             {"physioLow", reader.physioLow(channel)},
             {"physioHigh", reader.physioHigh(channel)},
             {"digitalLow", reader.digitalLow(channel)},
             {"digitalHigh", reader.digitalHigh(channel)},
-            {"samplingRate", recording.details->storedSamplingRate(channel)}};
+            {"samplingRate", place.reader->storedSamplingRate(place.channel)}};
 }
 
 Json patientFacts(const PatientRec& patient) {
@@ -62,12 +63,18 @@ Json patientFacts(const PatientRec& patient) {
     return facts;
 }
 
+std::string typeName(const Recording& recording) {
+    std::string names;
+    for (DataReader* member : recording.members())
+        names += (names.empty() ? "" : "+") + typeNameOf(member->fileType());
+    return names;
+}
+
 Json facts(const Recording& recording, bool showPatient) {
     IDataReader& reader = *recording.reader;
     Json all;
     all["file"] = toUtf8(recording.path);
-    const FormatRow* row = formatByType(reader.fileType());
-    all["type"] = {{"number", reader.fileType()}, {"name", row ? row->typeName() : ""}};
+    all["type"] = {{"number", reader.fileType()}, {"name", typeName(recording)}};
     all["samplingRate"] = reader.samplingRate();
     all["sampleCount"] = reader.sampleCount();
     all["storedSampleCount"] = recording.storedSamples();
@@ -94,34 +101,6 @@ Json facts(const Recording& recording, bool showPatient) {
 
 std::string numberText(const Json& value) { return generalText(value.get<double>(), 7); }
 
-std::size_t columns(const std::string& utf8) {
-    return static_cast<std::size_t>(std::count_if(utf8.begin(), utf8.end(), [](char c) {
-        return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U;
-    }));
-}
-
-// Numbers stand right, texts left; the widths follow the content.
-std::string table(std::vector<std::vector<std::string>> rows,
-                  const std::vector<bool>& rightAligned) {
-    for (auto& row : rows)
-        std::transform(row.begin(), row.end(), row.begin(),
-                       [](const std::string& cell) { return printable(cell); });
-    std::vector<std::size_t> widths(rightAligned.size(), 0);
-    for (const auto& row : rows)
-        for (std::size_t i = 0; i < row.size(); ++i)
-            widths[i] = std::max(widths[i], columns(row[i]));
-    std::string text;
-    for (const auto& row : rows) {
-        std::string line = " ";
-        for (std::size_t i = 0; i < row.size(); ++i) {
-            const std::string blanks(widths[i] - columns(row[i]), ' ');
-            line += " " + (rightAligned[i] ? blanks + row[i] : row[i] + blanks) + " ";
-        }
-        text += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
-    }
-    return text;
-}
-
 std::string channelTable(const Json& channels) {
     std::vector<std::vector<std::string>> rows{{"#", "name", "grid 1", "grid 2", "type", "units",
                                                 "calibration", "dc offset", "physical", "digital",
@@ -134,7 +113,8 @@ std::string channelTable(const Json& channels) {
                         std::to_string(c["digitalLow"].get<int>()) + " .. " +
                             std::to_string(c["digitalHigh"].get<int>()),
                         numberText(c["samplingRate"])});
-    return table(rows, {true, false, false, false, true, false, true, true, false, false, true});
+    return tableText(rows,
+                     {true, false, false, false, true, false, true, true, false, false, true});
 }
 
 std::string summary(const Json& all) {
@@ -168,10 +148,8 @@ std::string summary(const Json& all) {
         for (const auto& [key, value] : all["patient"].items())
             if (!value.get<std::string>().empty())
                 add("patient " + key, value);
-    return table(rows, {false, false});
+    return tableText(rows, {false, false});
 }
-
-void print(const std::string& text) { std::fwrite(text.data(), 1, text.size(), stdout); }
 
 int run(const InfoOptions& options) {
     setQuiet(options.quiet);
@@ -202,11 +180,7 @@ int run(const InfoOptions& options) {
     // One file gives one object, several give a list.
     if (options.json && !list.empty())
         print((options.files.size() == 1 ? list.front() : list).dump(2) + "\n");
-    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-        complain("standard output: cannot be written");
-        exitCode = exitFailed;
-    }
-    return exitCode;
+    return finishPrinting() ? exitCode : exitFailed;
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "kvsig/registry/types/FileTypes.h"
 #include "tool/Command.h"
 
 #include <CLI/CLI.hpp>
@@ -29,8 +30,12 @@ int runTool(int argc, const char* const* argv) {
     app.set_version_flag("--version", "kvsig " KVSIG_VERSION);
     app.require_subcommand(1);
     app.failure_message(usageFailure);
+    // The command opens whatever the library can read.
+    kvsig::KrnlSetFileTypeFlag(4);
     int exitCode = kvsig::tool::exitWell;
+    kvsig::tool::addTypesCommand(app, exitCode);
     kvsig::tool::addInfoCommand(app, exitCode);
+    kvsig::tool::addCheckCommand(app, exitCode);
     kvsig::tool::addExportCommand(app, exitCode);
     kvsig::tool::addPlotCommand(app, exitCode);
     kvsig::tool::addSynthCommand(app, exitCode);

@@ -1,7 +1,9 @@
 #include "tool/Recording.h"
 
-#include "kvsig/registry/FormatTable.h"
+#include "kvsig/readers/SyncReader.h"
+#include "kvsig/registry/types/FileTypes.h"
 #include "kvsig/registry/FrontDoor.h"
+#include "kvsig/util/Saturate.h"
 #include "tool/Words.h"
 
 #include <algorithm>
@@ -24,39 +26,67 @@ void limitPages(IDataReader& reader) {
 
 } // namespace
 
+Recording::Place Recording::placeOf(int channel) const {
+    const std::vector<DataReader*> all = members();
+    const int first = all.front()->channelCount();
+    if (all.size() > 1 && channel >= first)
+        return {all[1], channel - first};
+    return {all.front(), channel};
+}
+
+std::vector<DataReader*> Recording::members() const {
+    if (auto* pair = dynamic_cast<SyncReader*>(reader.get()))
+        return {dynamic_cast<DataReader*>(pair->first()),
+                dynamic_cast<DataReader*>(pair->second())};
+    return {dynamic_cast<DataReader*>(reader.get())};
+}
+
+long Recording::storedSamples() const {
+    DataReader& first = *members().front();
+    const double own = first.samplingRate();
+    const double common = reader->samplingRate();
+    if (!isPair() || !(own > 0) || own == common)
+        return first.storedSampleCount();
+    return saturate<long>(static_cast<double>(first.storedSampleCount()) * (common / own));
+}
+
 const OpenFinding* Recording::unusable() const {
-    const auto& findings = details->openFindings();
-    const auto found = std::find_if(findings.begin(), findings.end(), [](const OpenFinding& f) {
-        return f.severity == Severity::unusable;
-    });
-    return found == findings.end() ? nullptr : &*found;
+    for (const DataReader* member : members())
+        for (const OpenFinding& finding : member->openFindings())
+            if (finding.severity == Severity::unusable)
+                return &finding;
+    return nullptr;
 }
 
 std::optional<int> typeFromName(const std::string& name) {
     if (name.empty())
-        return 0;
-    if (const FormatRow* row = formatByName(name))
-        return row->type;
-    std::string known;
-    for (const FormatRow& row : readableFormats())
-        known += (known.empty() ? "" : ", ") + std::string(row.typeName());
-    complain("--type " + name + ": no such type; this build reads " + known);
+        return noReaderType;
+    if (const int type = KrnlGetFileType(name.c_str()))
+        return type;
+    const std::size_t plus = name.find('+');
+    if (plus != std::string::npos && plus > 0 && plus + 1 < name.size()) {
+        const int first = KrnlGetFileType(name.substr(0, plus).c_str());
+        const int second = KrnlGetFileType(name.substr(plus + 1).c_str());
+        if (first != noReaderType && second != noReaderType)
+            return pairType(first, second);
+    }
+    complain("--type " + name + ": no such type; 'kvsig types' lists them");
     return std::nullopt;
 }
 
 std::optional<Recording> openRecording(const std::string& path, int type, std::string* reason) {
     std::string error;
-    Recording recording{path, openReader(path.c_str(), type, &error), nullptr};
+    Recording recording{path, openReader(path.c_str(), type, &error)};
     if (!recording.reader) {
         complain(error);
         if (reason)
             *reason = error;
         return std::nullopt;
     }
-    recording.details = dynamic_cast<DataReader*>(recording.reader.get());
-    for (const OpenFinding& finding : recording.details->openFindings())
-        if (finding.severity == Severity::warning)
-            complain(path + ": " + finding.text);
+    for (const DataReader* member : recording.members())
+        for (const OpenFinding& finding : member->openFindings())
+            if (finding.severity == Severity::warning)
+                complain(member->filePath() + ": " + finding.text);
     return recording;
 }
 

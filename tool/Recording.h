@@ -5,23 +5,34 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace kvsig::tool {
 
-/// A recording that a command has opened.
+/// A recording, or a pair of two, that a command has opened.
 struct Recording {
     std::string path;
     ReaderPtr reader;
-    DataReader* details = nullptr; ///< the same object: what stands above the common interface
 
-    /// Samples that the commands show: what the file holds, not what the kernel counts.
-    [[nodiscard]] long storedSamples() const { return details->storedSampleCount(); }
+    /// The reader that holds a channel and the channel's number there: of a pair, a member.
+    struct Place {
+        DataReader* reader;
+        int channel;
+    };
+    [[nodiscard]] Place placeOf(int channel) const;
+    /// The reader itself, or both members of a pair.
+    [[nodiscard]] std::vector<DataReader*> members() const;
+    [[nodiscard]] bool isPair() const { return members().size() > 1; }
+
+    /// Samples that the commands show: what the file holds, not what the kernel counts. Of a pair
+    /// the first recording's, at the common rate where that one is the slower.
+    [[nodiscard]] long storedSamples() const;
     /// The finding that makes samples or times meaningless; null when there is none.
     [[nodiscard]] const OpenFinding* unusable() const;
 };
 
-/// The type number of a type name; empty and a complaint when there is no such type. An empty name
-/// gives 0: detect.
+/// The type number of a type name, or of two joined by '+' for a pair; empty and a complaint when
+/// there is no such type. An empty name gives 0: detect.
 [[nodiscard]] std::optional<int> typeFromName(const std::string& name);
 
 /// Opens a recording, says its warnings and complains when it does not open.

@@ -2,6 +2,7 @@
 
 #include "kvsig/kernel/PatientRec.h"
 #include "kvsig/kernel/SampleTime.h"
+#include "kvsig/util/Export.h"
 
 #include <iosfwd>
 #include <optional>
@@ -32,19 +33,19 @@ struct FileInfo {
     std::string channelMap; ///< name of a stored map; empty for none
 };
 
-void writeFileInfo(std::ostream& stream, const FileInfo& info);
+KVSIG_API void writeFileInfo(std::ostream& stream, const FileInfo& info);
 
 /// A heading in brackets, then each name with its number from 1.
-void writeChannelNames(std::ostream& stream, std::string_view heading,
-                       const std::vector<std::string>& names);
+KVSIG_API void writeChannelNames(std::ostream& stream, std::string_view heading,
+                                 const std::vector<std::string>& names);
 
-void writePatientSection(std::ostream& stream, const PatientRec& patient);
+KVSIG_API void writePatientSection(std::ostream& stream, const PatientRec& patient);
 /// Takes over the fields that the section holds.
-void readPatientSection(std::istream& stream, PatientRec& patient);
+KVSIG_API void readPatientSection(std::istream& stream, PatientRec& patient);
 
 /// Clock times are written with three decimals.
-void writeSampleTimes(std::ostream& stream, const std::vector<SampleTime>& anchors);
+KVSIG_API void writeSampleTimes(std::ostream& stream, const std::vector<SampleTime>& anchors);
 /// Lines that scan as "%i=%lf"; a sample index may be hexadecimal (0x) or octal (0).
-[[nodiscard]] std::vector<SampleTime> readSampleTimes(std::istream& stream);
+[[nodiscard]] KVSIG_API std::vector<SampleTime> readSampleTimes(std::istream& stream);
 
 } // namespace kvsig

@@ -265,6 +265,7 @@ long DataReader::getSampleLag() { return 0; }
 void DataReader::setSampleLag(long) {}
 int DataReader::dataTypeCode() { return 0; }
 long DataReader::storedSampleCount() { return sampleCount(); }
+std::vector<OpenFinding> DataReader::inspectFile() { return {}; }
 
 double DataReader::storedSamplingRate(int channel) {
     return channelRecord(channel) ? channelSamplingRate(channel) : 0.0;

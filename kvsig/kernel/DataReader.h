@@ -187,6 +187,10 @@ class KVSIG_API DataReader : public IDataReader {
     /// reach the common samplingRate(). 0 out of range.
     virtual double storedSamplingRate(int channel);
 
+    /// What is odd in the file beyond openFindings(), by a look at all its bytes; the reader need
+    /// not be open, a file that does not open is looked at as far as its structure goes.
+    virtual std::vector<OpenFinding> inspectFile();
+
   protected:
     /// The code of the sample encoding, as attribute files of raw recordings give it.
     virtual int dataTypeCode();
@@ -195,6 +199,9 @@ class KVSIG_API DataReader : public IDataReader {
     /// The last failure in one sentence that names the file, the field and the value; empty after
     /// success. Valid until the next call on this reader.
     const char* lastErrorText();
+
+    /// The path as it was given, uncut.
+    [[nodiscard]] const std::string& filePath() const;
 
     /// What the last open() noticed without failing, in the order in which it was found.
     [[nodiscard]] const std::vector<OpenFinding>& openFindings() const;
@@ -224,8 +231,6 @@ class KVSIG_API DataReader : public IDataReader {
     void dropChannelMap();
     /// The same, and the channel table holds the default names.
     void resetChannelNames();
-    /// The path as it was given, uncut.
-    [[nodiscard]] const std::string& filePath() const;
     /// Stores the error code with a sentence about what was wrong (the file's name is added), logs
     /// the sentence, or `diagnostic` in its place, and returns false.
     bool refuse(int code, const std::string& what, const std::string& diagnostic = {});

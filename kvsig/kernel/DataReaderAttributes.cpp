@@ -3,7 +3,7 @@
 #include "kvsig/kernel/ExportAttributes.h"
 #include "kvsig/kernel/ReaderState.h"
 #include "kvsig/montage/names/ReservedNames.h"
-#include "kvsig/registry/FormatTable.h"
+#include "kvsig/registry/types/FileTypes.h"
 #include "kvsig/util/ProfileLines.h"
 #include "kvsig/util/ProfileText.h"
 #include "kvsig/util/Saturate.h"
@@ -18,26 +18,8 @@
 namespace kvsig {
 namespace {
 
-constexpr int interleavedType = 1;
-constexpr int snapshotType = 39;
-constexpr int pushableType = 43;
-
 constexpr const char* defaultMap = "(Default)";
 constexpr const char* privateMap = "(Private)";
-
-// These three have no row in the type table.
-std::string attributeTypeName(int type) {
-    switch (type) {
-    case interleavedType:
-        return "Interleaved";
-    case snapshotType:
-        return "SnapshotData";
-    case pushableType:
-        return "PushableData";
-    default:
-        return typeNameOf(type);
-    }
-}
 
 bool isBuiltin(const char* name, const char* builtin) { return equalNoCase(viewOf(name), builtin); }
 
@@ -76,7 +58,7 @@ bool DataReader::writeAttributeFile(std::ostream& stream) {
     const bool ownMap = mapped && equalNoCase(channelMapName(), pszINIChannelMap);
     FileInfo info;
     info.file = filePath();
-    info.typeName = attributeTypeName(fileType());
+    info.typeName = typeNameOf(fileType());
     if (raw)
         info.layout = RawLayout{samplingRate(), headerLength(), calibration(0), channelCount(),
                                 dataTypeCode()};
@@ -211,7 +193,7 @@ bool WriteExportAttributeFile(std::ostream& stream, IDataReader* reader, const c
     constexpr int littleEndian16 = 0;
     FileInfo info;
     info.file = viewOf(file);
-    info.typeName = attributeTypeName(interleavedType);
+    info.typeName = typeNameOf(interleavedType);
     info.layout = RawLayout{reader->samplingRate(), 0, reader->calibration(0),
                             reader->channelCount(), littleEndian16};
     std::vector<std::string> names;

@@ -3,6 +3,7 @@
 #include "kvsig/kernel/DataPage.h"
 #include "kvsig/montage/names/Derivation.h"
 #include "kvsig/readers/EdfHeader.h"
+#include "kvsig/readers/EdfInspection.h"
 #include "kvsig/readers/RecordDemux.h"
 #include "kvsig/util/File.h"
 #include "kvsig/util/LogSink.h"
@@ -340,6 +341,10 @@ double EDF90Reader::storedSamplingRate(int channel) {
         return 0.0;
     const RecordChannel& place = m_edf->channels[static_cast<std::size_t>(channel)];
     return static_cast<double>(place.samples) / m_edf->header.duration();
+}
+
+std::vector<OpenFinding> EDF90Reader::inspectFile() {
+    return edf::inspect(filePath(), storedSampleBytes());
 }
 
 bool EDF90Reader::isChannel(int channel) {

@@ -36,6 +36,7 @@ class KVSIG_API EDF90Reader : public DataReader {
     bool patientInfo(std::ostream& stream, bool flag) override;
     long storedSampleCount() override;
     double storedSamplingRate(int channel) override;
+    std::vector<OpenFinding> inspectFile() override;
     /// One data record, turned into frames.
     int getChunk(long bytePos, short* buffer, int bytes) override;
 

@@ -26,6 +26,7 @@ constexpr int interleavedType = 1;
 constexpr std::int64_t valueBytes = 2; // in a page, whatever the file stores
 constexpr std::int64_t fewestSamples = 3;
 constexpr std::size_t longestValue = 4096;
+constexpr double fastestRate = 1e7; // hertz; no polygraph comes near
 
 constexpr int littleEndian16 = 0;
 constexpr int bigEndian16 = 4;
@@ -82,8 +83,8 @@ void InterleavedReader::close() { m_raw->file.close(); }
 void InterleavedReader::reportOddAttributes() {
     using Severity = OpenFinding::Severity;
     const int type = m_raw->dataType;
-    if (!(samplingRate() > 0) || !std::isfinite(samplingRate()))
-        report(Severity::unusable, "SamplingRate is " + shortestText(samplingRate()));
+    if (!(samplingRate() > 0) || samplingRate() > fastestRate)
+        report(Severity::unusable, "SamplingRate is " + shortestText(samplingRate()) + " Hz");
     if (type != littleEndian16 && type != bigEndian16 && type != offsetBinary8)
         report(Severity::unusable, "DataType is " + std::to_string(type) +
                                        "; of 0, 4 and 6 it is none, so there are no samples");

@@ -1,51 +1,52 @@
 #include "kvsig/registry/FrontDoor.h"
 
 #include "kvsig/kernel/DataReader.h"
-#include "kvsig/readers/BDFReader.h"
-#include "kvsig/readers/EDF90Reader.h"
-#include "kvsig/readers/LifelinesReader.h"
-#include "kvsig/readers/TelefactorEDFReader.h"
-#include "kvsig/registry/FormatTable.h"
-#include "kvsig/util/File.h"
+#include "kvsig/readers/SyncReader.h"
+#include "kvsig/registry/Allocation.h"
 #include "kvsig/util/Text.h"
-
-#include <memory>
 
 namespace kvsig {
 namespace {
 
-std::unique_ptr<DataReader> newReader(int type) {
-    switch (type) {
-    case 6:
-        return std::make_unique<EDF90Reader>();
-    case 41:
-        return std::make_unique<LifelinesReader>();
-    case 47:
-        return std::make_unique<TelefactorEDFReader>();
-    case 48:
-        return std::make_unique<BDFReader>();
-    default:
-        return nullptr;
-    }
+// A base of its own, so that the members outlive the pair that closes them.
+struct PairMembers {
+    ReaderPtr first;
+    ReaderPtr second;
+};
+
+class OwningPair final : private PairMembers, public SyncReader {
+  public:
+    explicit OwningPair(const SyncReader& pair)
+        : PairMembers{ReaderPtr(pair.first()), ReaderPtr(pair.second())},
+          SyncReader(pair.first(), pair.second()) {}
+};
+
+// The members of the pair that allocation made are from now on the new pair's.
+ReaderPtr owned(UnheldReader reader) {
+    auto* pair = dynamic_cast<SyncReader*>(reader.get());
+    if (!pair)
+        return ReaderPtr(reader.release());
+    ReaderPtr owning(new OwningPair(*pair));
+    owning->setFileName(pair->fileName());
+    const ReaderPtr dropped(reader.release());
+    return owning;
 }
 
-std::string undetected(const char* path) {
-    std::string reason;
-    if (!File().open(path, &reason))
-        return reason;
-    return "not a recording of a known format: the first 8 bytes are neither EDF's nor BDF's "
-           "version mark";
+std::string openError(IDataReader& reader, const std::string& path) {
+    if (auto* single = dynamic_cast<DataReader*>(&reader))
+        return single->lastErrorText();
+    if (auto* pair = dynamic_cast<SyncReader*>(&reader))
+        return pair->lastErrorText();
+    return path + ": cannot be opened";
+}
+
+std::string openPath(IDataReader& reader) {
+    if (auto* single = dynamic_cast<DataReader*>(&reader))
+        return single->filePath();
+    return reader.fileName();
 }
 
 } // namespace
-
-bool KrnlIsReadable(int type) { return formatByType(type) != nullptr; }
-
-int DetectFileType(const char* path) {
-    if (EDF90Reader::isFileType(path))
-        return 6;
-    return BDFReader::isFileType(path) ? 48 : 0;
-}
 
 ReaderPtr openReader(const char* path, int type, std::string* error) {
     const auto fail = [error](const std::string& sentence) {
@@ -53,19 +54,18 @@ ReaderPtr openReader(const char* path, int type, std::string* error) {
             *error = sentence;
         return ReaderPtr();
     };
-    const std::string prefix = std::string(viewOf(path)) + ": ";
-    const int found = type != 0 ? type : DetectFileType(path);
-    if (found == 0)
-        return fail(prefix + undetected(path));
-    std::unique_ptr<DataReader> made = newReader(found);
+    const std::string file(viewOf(path));
+    const int found = type != noReaderType ? type : DetectFileType(path);
+    if (found == noReaderType)
+        return fail(file + ": " + undetectedReason(path));
+    std::string reason;
+    CString name = file;
+    UnheldReader made = allocReader(found, name, reason);
     if (!made)
-        return fail(prefix + "this build does not read recordings of type " +
-                    std::to_string(found));
-    DataReader* opened = made.get();
-    ReaderPtr reader(made.release());
-    reader->setFileType(found);
-    if (!reader->open(path))
-        return fail(opened->lastErrorText());
+        return fail(file + ": " + reason);
+    const ReaderPtr reader = owned(std::move(made));
+    if (!reader->open(openPath(*reader).c_str()))
+        return fail(openError(*reader, file));
     return reader;
 }
 

@@ -1,14 +1,18 @@
 #include "compliance/ReaderRow.h"
-#include "kvsig/registry/FormatTable.h"
+#include "kvsig/readers/PushableReader.h"
 #include "kvsig/registry/FrontDoor.h"
+#include "kvsig/registry/ReadableFormats.h"
+#include "kvsig/registry/types/FileTypes.h"
 #include "support/Opened.h"
 #include "support/ReadAround.h"
 
 #include <climits>
+#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -23,10 +27,7 @@ using Counts = std::vector<std::int32_t>;
 
 class ReaderCompliance : public testing::TestWithParam<ReaderRow> {
   protected:
-    void SetUp() override {
-        path = dir.write(file.fileName, file.bytes);
-        ASSERT_TRUE(reader->open(path.c_str())) << reader->lastErrorText();
-    }
+    void SetUp() override { ASSERT_TRUE(reader->open(path.c_str())) << reader->lastErrorText(); }
 
     // What the maker put there, by the rule of getData(): 0 where nothing is stored.
     [[nodiscard]] Counts expected(int channel, long first, long last) const {
@@ -36,10 +37,20 @@ class ReaderCompliance : public testing::TestWithParam<ReaderRow> {
         return counts;
     }
 
+    // A reader that is ready to open recordings of this kind.
+    [[nodiscard]] std::unique_ptr<DataReader> newReader() const {
+        std::unique_ptr<DataReader> made = GetParam().reader();
+        std::istringstream attributes(file.attributes);
+        EXPECT_EQ(made->readAttributeFile(attributes), !file.attributes.empty());
+        if (auto* pushed = dynamic_cast<PushableReader*>(made.get()))
+            pushed->addPart(path.c_str(), 1.0);
+        return made;
+    }
+
     const test::TempDir dir;
     const SampleRecording file = GetParam().sample();
-    std::string path;
-    std::unique_ptr<DataReader> reader = GetParam().reader();
+    const std::string path = dir.write(file.fileName, file.bytes);
+    std::unique_ptr<DataReader> reader = newReader();
 };
 
 TEST_P(ReaderCompliance, TellsTheFactsOfTheRecording) {
@@ -57,12 +68,22 @@ TEST_P(ReaderCompliance, TellsTheFactsOfTheRecording) {
 }
 
 TEST_P(ReaderCompliance, TheFrontDoorOpensItByItsType) {
+    const int type = GetParam().type;
+    std::string door = path;
+    if (!file.attributes.empty()) {
+        const std::string head = "[FileInfo]\nFile=stored.raw\n";
+        ASSERT_TRUE(file.attributes.starts_with(head));
+        door = dir.write("a.lay", "[FileInfo]\nFile=" + file.fileName +
+                                      "\nFileType=" + typeNameOf(type) + "\n" +
+                                      file.attributes.substr(head.size()));
+    }
     std::string error;
-    const ReaderPtr opened = openReader(path.c_str(), GetParam().type, &error);
+    const ReaderPtr opened = openReader(door.c_str(), door == path ? type : 0, &error);
     ASSERT_TRUE(opened) << error;
-    EXPECT_EQ(opened->fileType(), GetParam().type);
+    EXPECT_EQ(opened->fileType(), type);
+    EXPECT_EQ(opened->fileName(), path);
     EXPECT_EQ(opened->sampleCount(), file.sampleCount);
-    EXPECT_TRUE(openReader(path.c_str())); // and by its content
+    EXPECT_TRUE(openReader(door.c_str())); // and by its content
 }
 
 TEST_P(ReaderCompliance, ClosesTwiceAndReopens) {
@@ -152,7 +173,8 @@ TEST_P(ReaderCompliance, ChunksOutsideTheRecordingHoldNothing) {
     std::vector<short> frames(values * static_cast<std::size_t>(reader->bytesPerSample()) / 2);
     EXPECT_EQ(reader->getSampleChunk(0, frames.data()), reader->chunkPts());
     constexpr long far = std::numeric_limits<long>::max();
-    for (const long first : {file.sampleCount, far, far / 2, -far, -10L * reader->chunkPts()})
+    const long end = file.chunkEnd > 0 ? file.chunkEnd : file.sampleCount;
+    for (const long first : {end, far, far / 2, -far, -10L * reader->chunkPts()})
         EXPECT_EQ(reader->getSampleChunk(first, frames.data()), 0) << first;
 }
 
@@ -193,7 +215,7 @@ TEST_P(ReaderCompliance, TruncatedFilesAreToldOrRead) {
     for (const std::size_t length : lengths) {
         SCOPED_TRACE(length);
         const std::string cut = dir.write("cut", std::string_view(file.bytes).substr(0, length));
-        const auto other = GetParam().reader();
+        const auto other = newReader();
         if (!other->open(cut.c_str())) {
             EXPECT_THAT(other->getLastError(), testing::AnyOf(1, 2, 3));
             EXPECT_THAT(other->lastErrorText(), testing::StartsWith(cut + ": "));
@@ -212,7 +234,7 @@ TEST_P(ReaderCompliance, TruncatedFilesAreToldOrRead) {
 }
 
 TEST_P(ReaderCompliance, TwoReadersOfOneFileDoNotDisturbEachOther) {
-    const auto other = GetParam().reader();
+    const auto other = newReader();
     ASSERT_TRUE(other->open(path.c_str()));
     const std::string name = reader->channelName(0);
     for (long i = 0; i < file.sampleCount; i += 37) {
@@ -238,13 +260,22 @@ TEST_P(ReaderCompliance, ClockAndElapsedTimeAreInverse) {
 INSTANTIATE_TEST_SUITE_P(Edf, ReaderCompliance, testing::ValuesIn(test::edfRows()),
                          [](const auto& row) { return std::string(row.param.name); });
 
-// A format is readable when its reader has passed the kit.
+INSTANTIATE_TEST_SUITE_P(Raw, ReaderCompliance, testing::ValuesIn(test::rawRows()),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+// A format is readable when its reader has passed the kit, and when users are told.
 TEST(ReaderComplianceRows, CoverEveryReadableFormat) {
     std::set<int> types;
-    for (const ReaderRow& row : test::edfRows())
-        types.insert(row.type);
-    for (const FormatRow& row : readableFormats())
-        EXPECT_TRUE(types.contains(row.type)) << row.name;
+    for (const auto& rows : {test::edfRows(), test::rawRows()})
+        for (const ReaderRow& row : rows)
+            types.insert(row.type);
+    for (const ReadableFormat& format : readableFormats())
+        EXPECT_TRUE(types.contains(format.type)) << typeNameOf(format.type);
+    std::ifstream page(KVSIG_SOURCE_DIR "/docs/formats.md");
+    const std::string text{std::istreambuf_iterator<char>(page), {}};
+    for (const ReadableFormat& format : readableFormats())
+        EXPECT_THAT(text, testing::HasSubstr("| " + std::to_string(format.type) + " | " +
+                                             typeNameOf(format.type) + " |"));
 }
 
 } // namespace

@@ -21,7 +21,9 @@ struct SampleRecording {
     double samplingRate = 0.0;
     long sampleCount = 0;       ///< as the kernel counts
     long storedSampleCount = 0; ///< from here on samples read as zeros
+    long chunkEnd = 0;          ///< from here on a chunk read finds nothing; sampleCount when 0
     double startClock = 0.0;    ///< seconds since midnight
+    std::string attributes;     ///< read before the file is opened, unless it is empty
     /// The raw count of a stored sample.
     std::function<std::int32_t(int channel, long index)> raw;
 };
@@ -39,5 +41,7 @@ inline void PrintTo(const ReaderRow& row, std::ostream* stream) { *stream << row
 
 /// The rows of the EDF family.
 std::vector<ReaderRow> edfRows();
+/// The rows of recordings that an attribute file describes.
+std::vector<ReaderRow> rawRows();
 
 } // namespace kvsig::test

@@ -1,3 +1,4 @@
+#include "kvsig/readers/InterleavedReader.h"
 #include "kvsig/registry/FrontDoor.h"
 #include "support/Opened.h"
 #include "support/ReadAround.h"
@@ -10,6 +11,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -203,6 +205,57 @@ TEST_F(RealRecordings, TheMixedRateTwinIsFlatAndOtherwiseTheSame) {
         EXPECT_STREQ(edf->channelName(channel), bdf->channelName(channel));
         EXPECT_EQ(edf->calibration(channel), bdf->calibration(channel));
         EXPECT_THAT(rawOf(kernelOf(bdf), channel, 0, bdf->sampleCount() - 1), testing::Each(0));
+    }
+}
+
+// Files whose makers keep the header beside them: the facts come from there, by way of an attribute
+// file.
+TEST_F(RealRecordings, RawOnesOpenThroughAttributeFiles) {
+    const struct {
+        const char* file;
+        const char* facts;
+        const char* eeg; ///< a scalp channel: its map entry
+        int channels;
+        long samples;
+    } raws[] = {
+        {"test.eeg", "SamplingRate=1000\nCalibration=0.5\nWaveformCount=32\n", "Cz-Ref=17", 32,
+         7900},
+        {"test_nicolet_raw.data", "SamplingRate=256\nCalibration=0.179\nWaveformCount=29\n",
+         "CZ-Ref=18", 29, 512},
+    };
+    for (const auto& raw : raws) {
+        SCOPED_TRACE(raw.file);
+        const std::string path = (folder() / "raw_interleaved" / raw.file).string();
+        if (!fs::exists(path))
+            GTEST_SKIP() << "not in the folder";
+        InterleavedReader reader;
+        std::istringstream attributes("[FileInfo]\nFile=" + path +
+                                      "\nHeaderLength=0\nDataType=0\n" + raw.facts +
+                                      "[ChannelMap]\n" + raw.eeg + "\n");
+        ASSERT_TRUE(reader.readAttributeFile(attributes));
+        ASSERT_TRUE(reader.open(reader.fileName())) << reader.lastErrorText();
+        EXPECT_EQ(reader.sampleCount(), raw.samples);
+        std::ifstream stream(path, std::ios::binary);
+        const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
+        for (int channel = 0; channel < raw.channels; ++channel) {
+            std::vector<std::int32_t> counts;
+            for (auto at = static_cast<std::size_t>(channel) * 2; at < bytes.size();
+                 at += static_cast<std::size_t>(raw.channels) * 2)
+                counts.push_back(static_cast<signed char>(bytes[at + 1]) * 256 +
+                                 static_cast<unsigned char>(bytes[at]));
+            ASSERT_EQ(rawOf(reader, channel, 0, raw.samples - 1), counts) << channel;
+        }
+        // A misread layout is noise: here neighbours lie close together and within a millivolt.
+        const int scalp = reader.indexOfG1("cz");
+        ASSERT_GE(scalp, 0);
+        const std::vector<float> values = test::valuesOf(reader, scalp, 0, raw.samples - 1);
+        const auto [low, high] = std::minmax_element(values.begin(), values.end());
+        double steps = 0.0;
+        for (std::size_t i = 1; i < values.size(); ++i)
+            steps += std::abs(values[i] - values[i - 1]);
+        EXPECT_THAT(std::abs(*low), testing::Lt(1000.0F));
+        EXPECT_THAT(*high - *low, testing::AllOf(testing::Gt(10.0F), testing::Lt(1000.0F)));
+        EXPECT_LT(steps / static_cast<double>(values.size()), (*high - *low) / 20);
     }
 }
 

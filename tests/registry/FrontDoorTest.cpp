@@ -3,7 +3,8 @@
 #include "kvsig/readers/BDFReader.h"
 #include "kvsig/readers/LifelinesReader.h"
 #include "kvsig/readers/TelefactorEDFReader.h"
-#include "kvsig/registry/FormatTable.h"
+#include "kvsig/registry/Allocation.h"
+#include "kvsig/registry/ReadableFormats.h"
 #include "support/Opened.h"
 #include "support/ReadAround.h"
 
@@ -20,6 +21,7 @@ namespace kvsig {
 namespace {
 
 using test::EdfFile;
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -65,36 +67,56 @@ TEST_F(FrontDoor, AGivenTypeChoosesTheReader) {
     const std::string path = write("a.edf", edf);
     const struct {
         int type;
-        const char* name;
         const std::type_info& reader;
     } cases[] = {
-        {6, "EDF90", typeid(EDF90Reader)},
-        {41, "Lifelines", typeid(LifelinesReader)},
-        {47, "TelefactorEDF", typeid(TelefactorEDFReader)},
-        {48, "BDF", typeid(BDFReader)},
+        {6, typeid(EDF90Reader)},
+        {41, typeid(LifelinesReader)},
+        {47, typeid(TelefactorEDFReader)},
+        {48, typeid(BDFReader)},
     };
-    EXPECT_EQ(readableFormats().size(), std::size(cases));
     for (const auto& c : cases) {
         const ReaderPtr reader = openReader(path.c_str(), c.type, &error);
         ASSERT_TRUE(reader) << error;
         const IDataReader& made = *reader;
         EXPECT_EQ(typeid(made), c.reader);
         EXPECT_EQ(reader->fileType(), c.type);
-        EXPECT_TRUE(KrnlIsReadable(c.type));
-        ASSERT_NE(formatByType(c.type), nullptr);
-        EXPECT_EQ(formatByType(c.type)->typeName(), c.name);
     }
-    EXPECT_EQ(formatByName("bdf"), formatByType(48));
-    EXPECT_EQ(formatByName("BDF (*.bdf)"), nullptr);
-    for (const int type : {0, -1, 7, 66, 0x20006006}) {
-        EXPECT_FALSE(KrnlIsReadable(type));
-        EXPECT_EQ(formatByType(type), nullptr);
-        if (type != 0) {
-            EXPECT_FALSE(openReader(path.c_str(), type, &error));
-            EXPECT_THAT(error,
-                        HasSubstr("does not read recordings of type " + std::to_string(type)));
-        }
+    EXPECT_TRUE(KrnlIsReadable(13) && KrnlIsReadable(pairType(6, 48)));
+    EXPECT_FALSE(KrnlIsReadable(0) || KrnlIsReadable(7) || KrnlIsReadable(pairType(6, 7)));
+    const struct {
+        int type;
+        const char* words;
+    } refusals[] = {
+        {7, "recordings of the format PLEEG (*.wg1) are not read by this build"},
+        {-1, "-1 is the number of no recording type"},
+        {45, "switched off by the file-type mode 1"},
+        {pairType(6, 6), "a pair is named by both its paths"},
+        {13, "not a layout"},
+    };
+    for (const auto& c : refusals) {
+        EXPECT_FALSE(openReader(path.c_str(), c.type, &error));
+        EXPECT_THAT(error, AllOf(StartsWith(path + ": "), HasSubstr(c.words)));
     }
+}
+
+TEST_F(FrontDoor, NamesTellFormatsThatAreNotBuilt) {
+    EXPECT_EQ(DetectFileType(dir.write("a.trc", "x").c_str()), 28);
+    EXPECT_EQ(DetectFileType(dir.write("a.e", "x").c_str()), 0);
+    EXPECT_FALSE(openReader(dir.file("a.e").c_str(), 0, &error));
+    EXPECT_THAT(error, HasSubstr("by its name it may be Nervus, CardinalNicOne"));
+    EXPECT_EQ(DetectFileType(dir.write("b.dat2", "x").c_str()), 0);
+}
+
+TEST_F(FrontDoor, TheLicenceCheckGuardsEveryAllocation) {
+    const std::string path = write("a.edf", edf);
+    KrnlSetLicenceCheck([] { return false; });
+    CString name = path;
+    EXPECT_EQ(_KrnlAllocReaderEx(6, name), nullptr);
+    EXPECT_EQ(_KrnlAllocReaderEx(pairType(6, 6), (path + "*" + path).c_str()), nullptr);
+    EXPECT_FALSE(openReader(path.c_str(), 0, &error));
+    KrnlSetLicenceCheck({});
+    EXPECT_THAT(error, HasSubstr("licence"));
+    EXPECT_TRUE(openReader(path.c_str()));
 }
 
 TEST_F(FrontDoor, OnlyRegularFilesOpen) {
@@ -161,7 +183,7 @@ TEST_F(FrontDoor, AnyBytesByAnyReaderAreSurvived) {
                                  dir.write("digits", std::string(3000, '9')),
                                  dir.write("nuls", std::string(3000, '\0'))};
     for (const std::string& path : paths)
-        for (const FormatRow& row : readableFormats())
+        for (const ReadableFormat& row : readableFormats())
             if (const ReaderPtr reader = openReader(path.c_str(), row.type, &error))
                 test::readAround(dynamic_cast<DataReader&>(*reader));
 }

@@ -1,0 +1,186 @@
+#include "kvsig/readers/EdfOddities.h"
+#include "kvsig/util/NumberText.h"
+#include "kvsig/util/Text.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+
+namespace kvsig::edf {
+namespace {
+
+using Severity = OpenFinding::Severity;
+
+std::string quoted(const std::string& text) { return "\"" + text + "\""; }
+
+std::string namedField(const char* name, Field field, const Header& header) {
+    return std::string(name) + " (offset " + std::to_string(field.offset) + ") is " +
+           quoted(header.text(field));
+}
+
+bool declaresPlus(const std::string& reservedText) {
+    return reservedText.starts_with("EDF+") || reservedText.starts_with("BDF+");
+}
+
+class HeaderCheck {
+  public:
+    HeaderCheck(const File& file, const Header& header, int sampleBytes)
+        : m_file(file), m_header(header), m_sampleBytes(sampleBytes) {}
+
+    std::vector<OpenFinding> run() {
+        checkReserved();
+        checkIdentification();
+        const bool shifted = checkShift();
+        if (!shifted && m_signals > 0 && fullLength(m_signals) <= m_file.size())
+            checkSignals();
+        return std::move(m_findings);
+    }
+
+  private:
+    void note(const std::string& text) { m_findings.push_back({Severity::note, text}); }
+    void warn(const std::string& text) { m_findings.push_back({Severity::warning, text}); }
+
+    void checkReserved() {
+        const std::string text = m_header.text(reserved);
+        const bool bdf = m_sampleBytes == 3;
+        const bool known = text.empty() || text == "24BIT" || text == "EDF+C" || text == "EDF+D" ||
+                           text == "BDF+C" || text == "BDF+D";
+        if (!known)
+            note(namedField("reserved field", reserved, m_header) +
+                 ", neither empty nor a version of EDF+ or BDF+");
+        else if (!text.empty() && bdf != (text == "24BIT" || text.starts_with("BDF")))
+            note(namedField("reserved field", reserved, m_header) + " in a file of " +
+                 (bdf ? "24" : "16") + "-bit samples");
+        if (!declaresPlus(text) || m_signals <= 0)
+            return;
+        for (std::int64_t i = 0; i < m_signals; ++i)
+            if (isAnnotation(m_header, i))
+                return;
+        note(namedField("reserved field", reserved, m_header) +
+             ", but there is no annotation signal");
+    }
+
+    // What identifies a person is described, never shown.
+    void checkIdentification() {
+        const std::string patient = m_header.text(patientId);
+        const std::string recording = m_header.text(recordingId);
+        if (declaresPlus(m_header.text(reserved))) {
+            if (const auto words = splitWords(patient, ' ').size(); words < 4)
+                note("patient identification (offset 8) has " + std::to_string(words) +
+                     " of the four parts that EDF+ asks for");
+            if (recording.empty())
+                note("recording identification (offset 88) is empty");
+        }
+        if (patient.find("30-DEC-1899") != std::string::npos)
+            note("patient identification (offset 8) holds the placeholder date 30-DEC-1899");
+        if (recording.find('\\') != std::string::npos)
+            note("recording identification (offset 88) holds a file path");
+    }
+
+    // A writer that loses one byte of the patient identification moves every later field.
+    bool checkShift() {
+        const HeaderBlock block = HeaderBlock::readFrom(m_file, fixedLength);
+        const auto shifted = [&block](Field field) {
+            double value = 0.0;
+            const bool whole =
+                wholeDouble(readHeaderField(block, field.offset - 1, field.width), value);
+            return whole ? std::optional<double>(value) : std::nullopt;
+        };
+        double signals = 0.0;
+        if (wholeDouble(m_header.text(signalCount), signals))
+            return false;
+        const auto count = shifted(signalCount);
+        const auto length = shifted(headerLength);
+        if (!count || !length || *count < 1 || *length != 256.0 * (*count + 1))
+            return false;
+        warn("the fields behind the patient identification (offset 8) stand one byte early: read "
+             "so, header length " +
+             shortestText(*length) + " and " + shortestText(*count) + " signals agree");
+        return true;
+    }
+
+    void checkSignals() {
+        std::int64_t annotations = 0;
+        for (std::int64_t i = 0; i < m_signals; ++i)
+            annotations += isAnnotation(m_header, i) ? 1 : 0;
+        if (annotations == m_signals)
+            note("all signals (" + std::to_string(annotations) + ") hold annotations");
+        checkRanges("digital range", digitalMin, digitalMax);
+        checkRanges("physical range", physicalMin, physicalMax);
+        checkTransducers();
+    }
+
+    // One line for all signals that have the same thing odd.
+    void checkRanges(const std::string& name, SignalField lowField, SignalField highField) {
+        struct Group {
+            std::int64_t signals = 0;
+            std::string first;
+        };
+        std::map<std::string, Group> groups;
+        for (std::int64_t i = 0; i < m_signals; ++i) {
+            const std::string low = m_header.text(lowField, i);
+            const std::string high = m_header.text(highField, i);
+            const char* const what = oddRange(low, high);
+            if (!what)
+                continue;
+            Group& group = groups[what];
+            if (group.signals++ == 0)
+                group.first = name + " of signal " + std::to_string(i + 1) + " (" +
+                              quoted(m_header.text(label, i)) + ") is " + low + " to " + high;
+        }
+        for (const auto& [what, group] : groups)
+            note(group.first + ", " + what +
+                 (group.signals > 1
+                      ? "; so in " + std::to_string(group.signals - 1) + " more signals"
+                      : ""));
+    }
+
+    static const char* oddRange(const std::string& lowText, const std::string& highText) {
+        double low = 0.0;
+        double high = 0.0;
+        if (!wholeDouble(lowText, low) || !wholeDouble(highText, high))
+            return "not two numbers";
+        if (low == high)
+            return "empty";
+        if (low > high)
+            return "reversed: the polarity is inverted";
+        // Ten times its own width away from zero.
+        const bool far = std::max(low, -high) > 10 * (high - low);
+        return far ? "far from zero: the offset matters" : nullptr;
+    }
+
+    void checkTransducers() {
+        constexpr SignalField transducer{16, 80};
+        std::int64_t unknown = 0;
+        for (std::int64_t i = 0; i < m_signals; ++i)
+            unknown += m_header.text(transducer, i) == "?" ? 1 : 0;
+        if (unknown > 0)
+            note("transducer type of " + std::to_string(unknown) + " signals is \"?\"");
+    }
+
+    const File& m_file;
+    const Header& m_header;
+    int m_sampleBytes;
+    std::int64_t m_signals = m_header.fileSignals();
+    std::vector<OpenFinding> m_findings;
+};
+
+} // namespace
+
+bool isAnnotation(const Header& header, std::int64_t signal) {
+    const std::string text = header.text(label, signal);
+    return text == "EDF Annotations" || text == "BDF Annotations";
+}
+
+std::int64_t recordBytes(const Header& header, int sampleBytes) {
+    std::int64_t samples = 0;
+    for (const std::int64_t count : header.signalSamples())
+        samples += std::max<std::int64_t>(count, 0);
+    return samples * sampleBytes;
+}
+
+std::vector<OpenFinding> headerOddities(const File& file, const Header& header, int sampleBytes) {
+    return HeaderCheck(file, header, sampleBytes).run();
+}
+
+} // namespace kvsig::edf

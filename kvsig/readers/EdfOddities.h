@@ -1,0 +1,28 @@
+#pragma once
+
+#include "kvsig/kernel/OpenFinding.h"
+#include "kvsig/readers/EdfHeader.h"
+#include "kvsig/util/File.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// What is odd in an EDF or BDF file. `sampleBytes` is 2 or 3. No finding holds patient data.
+namespace kvsig::edf {
+
+[[nodiscard]] bool isAnnotation(const Header& header, std::int64_t signal);
+
+/// Bytes of a data record; signals of fewer than 0 samples count as empty.
+[[nodiscard]] std::int64_t recordBytes(const Header& header, int sampleBytes);
+
+/// Of the fields of the header.
+[[nodiscard]] std::vector<OpenFinding> headerOddities(const File& file, const Header& header,
+                                                      int sampleBytes);
+
+/// Of the data records: their number, their onsets and their samples. Reads the whole file, one
+/// record at a time.
+[[nodiscard]] std::vector<OpenFinding> recordOddities(const File& file, const Header& header,
+                                                      int sampleBytes);
+
+} // namespace kvsig::edf

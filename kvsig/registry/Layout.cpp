@@ -1,0 +1,74 @@
+#include "kvsig/registry/Layout.h"
+
+#include "kvsig/kernel/DataReader.h"
+#include "kvsig/registry/types/ReaderType.h"
+#include "kvsig/registry/XmlLayout.h"
+#include "kvsig/util/File.h"
+#include "kvsig/util/NeighbourFile.h"
+#include "kvsig/util/ProfileText.h"
+#include "kvsig/util/Text.h"
+#include "kvsig/util/TextFile.h"
+
+#include <sstream>
+
+namespace kvsig {
+namespace {
+
+constexpr std::size_t mostLayoutBytes = std::size_t{16} << 20;
+constexpr int typeNameBytes = 64;
+
+void resolveDataFile(IDataReader& reader, const std::string& layoutPath) {
+    const std::string beside = neighbourFile(layoutPath, viewOf(reader.fileName()));
+    if (!beside.empty())
+        reader.setFileName(beside.c_str());
+}
+
+UnheldReader readerOfText(DataReaderManager& manager, const std::string& text,
+                          const std::string& path, std::string& reason) {
+    std::istringstream stream(text);
+    char typeName[typeNameBytes] = "";
+    if (!DataReader::readFileType(stream, typeName, typeNameBytes)) {
+        reason = "not a layout: no FileType in a section FileInfo";
+        return nullptr;
+    }
+    const ReaderType type = manager.getFileType(typeName);
+    if (isLayoutType(type) || type == noReaderType) {
+        reason = std::string("FileType is '") + typeName + "', which is no type of a recording";
+        return nullptr;
+    }
+    CString noName;
+    UnheldReader reader = manager.allocate(type, noName, reason);
+    if (!reader)
+        return nullptr;
+    reader->setFileType(type);
+    if (!reader->readAttributeFile(stream)) {
+        reason =
+            std::string("the attributes of a recording of type ") + typeName + " are not complete";
+        return nullptr;
+    }
+    resolveDataFile(*reader, path);
+    return reader;
+}
+
+} // namespace
+
+UnheldReader openLayout(DataReaderManager& manager, const std::string& path, std::string& reason) {
+    const auto text = readTextFile(path.c_str(), mostLayoutBytes, &reason);
+    return text ? readerOfText(manager, *text, path, reason) : nullptr;
+}
+
+UnheldReader openXmlLayout(DataReaderManager& manager, const std::string& path,
+                           std::string& reason) {
+    const auto text = readXmlLayout(path.c_str(), reason);
+    return text ? readerOfText(manager, *text, path, reason) : nullptr;
+}
+
+bool isLayoutFile(const char* path) {
+    const auto text = readTextFile(path, mostLayoutBytes);
+    if (!text)
+        return false;
+    std::istringstream stream(*text);
+    return FindAppName(stream, "FileInfo") != 0;
+}
+
+} // namespace kvsig

@@ -1,0 +1,82 @@
+#include "kvsig/registry/types/TypeTable.h"
+
+namespace kvsig {
+namespace {
+
+// The missing blank in "NicoletOne cEEG(*.one)" and the formats with two rows are deliberate: names
+// are what layouts and hosts' settings store.
+constexpr TypeRow rows[] = {
+    {13, "KelvaneLayout (*.lay)", "*.lay", true},
+    {2, "NicoletBEAM (d*.)", "d*.", true},
+    {3, "CEEGraph (E*.dat)", "E*.dat", true},
+    {4, "Spectrum32 (*.00?)", "*.00?", true},
+    {5, "Oxford9200_8_chan (*.*)", "*.*", true},
+    {6, "EDF90 (*.edf)", "*.edf", true},
+    {7, "PLEEG (*.wg1)", "*.wg1", true},
+    {8, "EasyEEG (*.log)", "*.log", true},
+    {9, "CEEGraphV5 (*.eeg)", "*.eeg", true},
+    {10, "BrainAtlas (*.dat)", "*.dat", true},
+    {11, "TelefactorTuff (*.ref)", "*.ref", true},
+    {12, "NeuroConcepts (*.sif)", "*.sif", true},
+    {14, "Voyageur (data)", "data", true},
+    {15, "BMSI 3.0+ (*.eeg)", "*.eeg", true},
+    {16, "Medelec/TECA DG (*.mod)", "*.mod", true},
+    {17, "UPittV5-64 (*.eeg)", "*.eeg", true},
+    {18, "Stellate Monitor (*.eeg)", "*.eeg", true},
+    {19, "NihonKohden 2100 (*.pnt)", "*.pnt", true},
+    {20, "DigiTrace (*.w18;*.r27;*.w27)", "*.w18;*.r27;*.w27", true},
+    {21, "BrainLab (*.sig)", "*.sig", true},
+    {22, "CTE64 (*.dat)", "*.dat", true},
+    {23, "Satellite (*.dat)", "*.dat", true},
+    {24, "Bravo (*.eeg)", "*.eeg", true},
+    {24, "Alliance_NT (*.eeg)", "*.eeg", true},
+    {25, "EasyWindows (*.eas)", "*.eas", true},
+    {26, "AllianceWorks (data)", "data", true},
+    {27, "Profile (*.eeg)", "*.eeg", true},
+    {28, "Micromed (*.trc)", "*.trc", true},
+    {29, "Satellite_ES (*.ebm)", "*.ebm", true},
+    {30, "XLTEK (*.erd)", "*_???????\?-???\?-???\?-???\?-????????????.erd", true},
+    {31, "NDF (*.eeg)", "*.eeg", true},
+    {32, "NEC SYNAFIT (*.dat)", "*.dat", true},
+    {33, "QSI 9X00 (*.ano)", "*.ano", true},
+    {34, "Megsis Focus (*.foc)", "*.foc", true},
+    {35, "EBNeuro GaInt (*.gnt)", "*.gnt", true},
+    {36, "MayoVax (*.eeg.1)", "*.eeg.1", true},
+    {37, "Crystal (*.crl)", "*.crl", true},
+    {38, "AlphaTrace (*.alp)", "*.alp", true},
+    {40, "Lexicor (*.dat)", "*.dat", true},
+    {41, "Lifelines (*.edf)", "*.edf", true},
+    {42, "Vangard (b*)", "b*", true},
+    {45, "KelvaneLayoutXML (*.kvx)", "*.kvx", true},
+    {44, "Compumedics (*.raw)", "*.raw", false},
+    {60, "Compumedics_(Pro_4) (*.sdy)", "*.sdy", false},
+    {46, "Neuroscan (*.cnt)", "*.cnt", false},
+    {47, "TelefactorEDF (*.edf)", "*.edf", false},
+    {48, "BDF (*.bdf)", "*.bdf", false},
+    {49, "Endeavor 3.x (*.xew)", "*.xew", false},
+    {50, "NicoletOne cEEG(*.one)", "*.one", false},
+    {51, "Twin (Logfile.qqq)", "Logfile.qqq", false},
+    {52, "Nervus (*.e)", "*.e", false},
+    {52, "NicoletOne nEEG/LTM/Monitor (*.e)", "*.e", false},
+    {53, "Deymed (*.dat)", "*.dat", false},
+    {54, "Cyberkinetics (*.toc)", "*.toc", false, false},
+    {54, "Blackrock (*.ns*)", "*.ns*", false},
+    {55, "Polymate (*.dat)", "*.dat", false},
+    {56, "BrainRT (*-hdr.sig)", "*-hdr.sig", false},
+    {57, "Rembrandt (*.msr)", "*.msr", false},
+    {58, "BioSignal (*.bpf)", "*.bpf", false},
+    {59, "Easy3 (* - 1.ez3)", "* - 1.ez3", false},
+    {61, "RMSIndia EEG-64 (*.eeg)", "*.eeg", false},
+    {62, "Deltamed (*_0000.eeg)", "*_0000.eeg", false},
+    {63, "CardinalNicOne (*.e)", "*.e", false},
+    {64, "CNSMonitor (EEG,Composite,SampleSeries,*,data)", "EEG,Composite,SampleSeries,*,data",
+     false},
+    {65, "MEF (*.maf)", "*.maf", false},
+    {66, "Harmonie (*.sig)", "*.sig", false},
+};
+
+} // namespace
+
+std::span<const TypeRow> typeTable() { return rows; }
+
+} // namespace kvsig

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "kvsig/util/Export.h"
+
+#include <string>
+#include <string_view>
+
+namespace kvsig {
+
+/// The file name at the end of a path that may come from another system: behind the last '/', '\\'
+/// or a drive letter's colon.
+[[nodiscard]] KVSIG_API std::string_view baseName(std::string_view path);
+
+/// The path of the regular file in the folder of `path` whose name is the base name of `name`, or
+/// else differs from it in ASCII letter case alone; empty when there is none.
+[[nodiscard]] KVSIG_API std::string neighbourFile(const std::string& path, std::string_view name);
+
+} // namespace kvsig

@@ -1,0 +1,215 @@
+#include "kvsig/readers/InterleavedReader.h"
+
+#include "kvsig/readers/SnapshotReader.h"
+#include "kvsig/util/Text.h"
+#include "support/Opened.h"
+#include "support/RawFile.h"
+#include "support/ReadAround.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <string>
+
+namespace kvsig {
+namespace {
+
+using test::RawFile;
+using test::rawOf;
+using test::valuesOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+bool reads(DataReader& reader, const std::string& text) {
+    std::istringstream stream(text);
+    return reader.readAttributeFile(stream);
+}
+
+std::string written(DataReader& reader) {
+    std::ostringstream stream;
+    EXPECT_TRUE(reader.writeAttributeFile(stream));
+    return stream.str();
+}
+
+std::string replaced(std::string text, const std::string& from, const std::string& to) {
+    const std::size_t at = text.find(from);
+    return at == std::string::npos ? "not found: " + from : text.replace(at, from.size(), to);
+}
+
+class Interleaved : public testing::Test {
+  protected:
+    bool opens(DataReader& opened, const std::string& attributes, const std::string& bytes) {
+        EXPECT_TRUE(reads(opened, attributes));
+        return opened.open(dir.write("x.raw", bytes).c_str());
+    }
+
+    const test::TempDir dir;
+    InterleavedReader reader;
+};
+
+const std::string sections = "\n[ChannelMap]\nFp1-A1=1\nT7-A1=3\n[Patient]\nFirst=Ada\nMI=K\n"
+                             "Last=Doe\nSex=F\nHand=\nBirthDate=\nID=7\nTestDate=\nTestTime=\n"
+                             "Physician=\nTechnician=\nMedications=\nHistory=\nComments1=\n"
+                             "Comments2=a = b\n[SampleTimes]\n0=82800.125\n512=60.500\n";
+
+TEST_F(Interleaved, AttributesAndSamplesRoundTrip) {
+    const RawFile file = RawFile().rate("256.5").sections(sections);
+    ASSERT_TRUE(opens(reader, file.attributes(), file.bytes())) << reader.lastErrorText();
+    EXPECT_STREQ(reader.channelName(0), "Fp1-A1");
+    EXPECT_STREQ(reader.channelName(1), "Ch2");
+    EXPECT_STREQ(reader.grid1(2), "T7");
+    EXPECT_TRUE(reader.isMap1010());
+    EXPECT_STREQ(reader.refGrid(), "A1");
+    EXPECT_STREQ(reader.patientRec()->comments2, "a = b");
+    ASSERT_EQ(reader.sampleTimeCount(), 2);
+    SampleTime anchor;
+    reader.getSampleTime(1, anchor);
+    EXPECT_EQ(anchor.sample, 512);
+    EXPECT_EQ(anchor.time, 86460.5);
+
+    const std::string text = written(reader);
+    EXPECT_EQ(text, replaced(replaced(file.attributes(), "stored.raw\n",
+                                      std::string(reader.fileName()) + "\nFileType=Interleaved\n"),
+                             "T7", "Ch2=2\nT7")
+                        .replace(text.find("512=") + 4, 100, "86460.500\n"));
+    InterleavedReader fresh;
+    ASSERT_TRUE(reads(fresh, text));
+    EXPECT_EQ(written(fresh), text) << "before it is opened";
+    ASSERT_TRUE(fresh.open(fresh.fileName()));
+    EXPECT_EQ(written(fresh), text);
+    for (int channel = 0; channel < 3; ++channel)
+        EXPECT_EQ(valuesOf(fresh, channel, 0, 751), valuesOf(reader, channel, 0, 751));
+    EXPECT_EQ(valuesOf(fresh, 2, 700, 700)[0], 0.25F * static_cast<float>(file.count(2, 700)));
+}
+
+TEST_F(Interleaved, EncodingsAreTakenFromTheirBytes) {
+    const auto of = [this](int dataType, const std::string& bytes) {
+        const RawFile file = RawFile().channels(1).headerLength(1).dataType(dataType);
+        EXPECT_TRUE(opens(reader, file.attributes(), "h" + bytes + "123456"));
+        return rawOf(reader, 0, 0, 1);
+    };
+    EXPECT_THAT(of(0, "\x01\x02\xFF\x7F"), ElementsAre(513, 32767));
+    EXPECT_THAT(of(4, "\x01\x02\x80\x01"), ElementsAre(258, -32767));
+    EXPECT_THAT(of(6, std::string("\0\xFF", 2)), ElementsAre(-128, 127));
+    EXPECT_THAT(of(5, "\x01\x02\xFF\x7F"), ElementsAre(0, 0));
+    ASSERT_EQ(reader.openFindings().size(), 1U);
+    EXPECT_THAT(reader.openFindings()[0].text, HasSubstr("DataType is 5"));
+}
+
+TEST_F(Interleaved, TheLengthCountsTwoBytesAValue) {
+    for (const int dataType : {0, 6}) {
+        const RawFile file = RawFile().channels(2).headerLength(0).dataType(dataType);
+        ASSERT_TRUE(opens(reader, file.attributes(), std::string(1000, 'x')));
+        EXPECT_EQ(reader.maxDataIndex(), 249) << dataType;
+    }
+    EXPECT_THAT(reader.openFindings()[0].text, HasSubstr("the first half"));
+    const RawFile file = RawFile().channels(2).headerLength(10);
+    EXPECT_TRUE(opens(reader, file.attributes(), std::string(10 + 12, 'x')));
+    EXPECT_FALSE(opens(reader, file.attributes(), std::string(10 + 11, 'x')));
+    EXPECT_EQ(reader.getLastError(), 2);
+    EXPECT_THAT(reader.lastErrorText(), HasSubstr("it holds 2 samples of 2 channels behind 10"));
+    EXPECT_EQ(reader.sampleCount(), 0);
+}
+
+TEST_F(Interleaved, RefusalsSayWhy) {
+    EXPECT_FALSE(reader.open(dir.write("x.raw", "123456").c_str()));
+    EXPECT_EQ(reader.getLastError(), 2);
+    EXPECT_THAT(reader.lastErrorText(), HasSubstr("WaveformCount is 0"));
+    EXPECT_TRUE(reads(reader, RawFile().attributes()));
+    EXPECT_FALSE(reader.open(dir.file("missing").c_str()));
+    EXPECT_EQ(reader.getLastError(), 1);
+    EXPECT_THAT(reader.lastErrorText(), HasSubstr("no such file"));
+}
+
+TEST_F(Interleaved, EveryKeyIsNeeded) {
+    const std::string text = RawFile().attributes();
+    for (const char* key : {"File=", "SamplingRate=", "HeaderLength=", "Calibration=",
+                            "WaveformCount=", "DataType="}) {
+        EXPECT_FALSE(reads(reader, replaced(text, key, "Other="))) << key;
+        EXPECT_FALSE(reads(reader, replaced(text, key, std::string(key) + "\nOther="))) << key;
+    }
+    InterleavedReader fresh;
+    EXPECT_FALSE(reads(fresh, replaced(text, "WaveformCount=3", "")));
+    EXPECT_EQ(fresh.headerLength(), 16) << "what stood before the gap is kept";
+    EXPECT_EQ(fresh.channelCount(), 0);
+}
+
+TEST_F(Interleaved, TheNextAttributeFileLeavesNothingOfTheLast) {
+    const RawFile file = RawFile().sections(sections + "[Montage]\nOne=\n");
+    ASSERT_TRUE(opens(reader, file.attributes(), file.bytes()));
+    EXPECT_FALSE(reads(reader, "[Other]\n"));
+    EXPECT_STREQ(reader.channelName(0), "Fp1-A1") << "no attribute file, no change";
+    ASSERT_TRUE(opens(reader, RawFile().attributes(), file.bytes()));
+    EXPECT_STREQ(reader.channelName(0), "Ch1");
+    EXPECT_EQ(reader.hasChannelMap(), 0);
+    EXPECT_EQ(reader.montageCount(), 0);
+    EXPECT_STREQ(reader.patientRec()->last, "");
+    EXPECT_EQ(reader.getClockTime(1.0), 1.0) << "the default anchor";
+    EXPECT_EQ(reader.sampleTimeCount(), 1);
+}
+
+TEST_F(Interleaved, MontagesAreKeptByName) {
+    ASSERT_TRUE(reads(reader, RawFile().attributes() +
+                                  "[long]\nFp1-F7=\nF7-T3=left\n;x=\n[Montage]\nLong=\n=\nEmpty=1\n"
+                                  "LONG=\n[Long]\nC3=second\n"));
+    EXPECT_EQ(reader.montageCount(), 2);
+    EXPECT_EQ(reader.montageIndex("EMPTY"), 1);
+    EXPECT_STREQ(reader.montageName(0), "Long");
+    std::ostringstream stream;
+    for (const int outside : {-1, 2}) {
+        EXPECT_EQ(reader.montageName(outside), nullptr);
+        EXPECT_FALSE(reader.montageDefn(outside, stream));
+    }
+    EXPECT_TRUE(reader.montageDefn(0, stream));
+    EXPECT_TRUE(reader.montageDefn(1, stream));
+    EXPECT_EQ(stream.str(), "[Long]\nFp1-F7=\nF7-T3=left\n[Empty]\n");
+}
+
+TEST_F(Interleaved, HostileAttributesDoNoHarm) {
+    const std::string good = RawFile().attributes();
+    const std::string bytes = RawFile().bytes();
+    const auto survives = [&](const std::string& key, const std::string& value) {
+        const std::size_t at = good.find(key);
+        std::string text = good;
+        text.replace(at, good.find('\n', at) - at, key + value);
+        if (opens(reader, text, bytes))
+            test::readAround(reader);
+        else
+            EXPECT_EQ(reader.getLastError(), 2);
+        EXPECT_GE(reader.sampleCount(), 0);
+    };
+    for (const char* rate : {"0", "-1", "nan", "1e300", "1e999", "-1e999", "0.25", "1e-300", "x"})
+        survives("SamplingRate=", rate);
+    for (const char* count : {"0", "-3", "32768", "99999999999999999999"})
+        survives("WaveformCount=", count);
+    for (const char* length : {"-1", "-1000", "-99999999999", "4528", "99999999999999999999"})
+        survives("HeaderLength=", length);
+    for (const char* factor : {"0", "nan", "1e999"})
+        survives("Calibration=", factor);
+    for (const char* type : {"-1", "3", "99999999999"})
+        survives("DataType=", type);
+    std::string names;
+    for (int i = 0; i < 3000; ++i)
+        names += "M" + std::to_string(i) + "=\n";
+    EXPECT_TRUE(reads(reader, good + "[Montage]\n" + names));
+    EXPECT_EQ(reader.montageCount(), 3000);
+}
+
+TEST_F(Interleaved, BelowOneHertzThereAreSamples) {
+    const RawFile file = RawFile().rate("0.25");
+    ASSERT_TRUE(opens(reader, file.attributes(), file.bytes()));
+    EXPECT_EQ(rawOf(reader, 1, 500, 500)[0], file.count(1, 500));
+}
+
+TEST_F(Interleaved, SnapshotsDifferInTheirTypeName) {
+    SnapshotReader snapshot;
+    ASSERT_TRUE(reads(snapshot, RawFile().sections(sections).attributes()));
+    EXPECT_EQ(snapshot.fileType(), 39);
+    const std::string text = written(snapshot);
+    EXPECT_THAT(text, HasSubstr("FileType=SnapshotData\nSamplingRate=32\n"));
+    ASSERT_TRUE(reads(reader, text));
+    EXPECT_EQ(written(reader), replaced(text, "SnapshotData", "Interleaved"));
+}
+
+} // namespace
+} // namespace kvsig

@@ -1,0 +1,105 @@
+#include "support/Command.h"
+#include "support/EdfFile.h"
+
+#include <cstdlib>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace kvsig::test {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using Json = nlohmann::ordered_json;
+
+TEST(Types, ListEveryFormatAndWhetherItIsRead) {
+    const TempDir dir;
+    const CommandResult run = runCommand(dir, "types --json");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    const Json types = Json::parse(run.out);
+    EXPECT_EQ(types.size(), 69U);
+    for (const Json& type : types)
+        if (type["type"] == 48) {
+            EXPECT_EQ(type, (Json{{"type", 48},
+                                  {"name", "BDF"},
+                                  {"fullName", "BDF (*.bdf)"},
+                                  {"pattern", "*.bdf"},
+                                  {"readable", true}}));
+        }
+    EXPECT_THAT(runCommand(dir, "types").out, HasSubstr("28  Micromed"));
+    EXPECT_THAT(runCommand(dir, "types --readable").out, Not(HasSubstr("Micromed")));
+}
+
+TEST(Check, IsQuietOnCleanFilesAndTellsOddOnes) {
+    const TempDir dir;
+    EdfFile clean = EdfFile().signal("Fp1", 4).signal("Temp", 2).units("DegC").physical("34", "40");
+    clean.records(3).writeTo(dir.file("clean.edf"));
+    EdfFile odd = EdfFile().signal("Fp1", 4).units("V").physical("-3000", "3000");
+    odd.signal("x", 4).units("furlong").signal("x", 4).units("\xB5V").records(3).writeTo(
+        dir.file("odd.edf"));
+    dir.write("noise", "noise");
+    const CommandResult quiet = runCommand(dir, "check clean.edf");
+    EXPECT_EQ(quiet.exitCode, 0);
+    EXPECT_THAT(quiet.out + quiet.err, IsEmpty());
+    const CommandResult run = runCommand(dir, "check clean.edf odd.edf noise");
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_THAT(
+        run.out,
+        AllOf(HasSubstr("odd.edf: warning: channel #0 Fp1: a physical range of -3000 to 3000 V"),
+              HasSubstr("unit \"furlong\" is unknown"), HasSubstr("2 channels are named \"x\""),
+              HasSubstr("read as Latin-1"),
+              HasSubstr("noise: unusable: not a recording of a known format")));
+    const Json report = Json::parse(runCommand(dir, "check odd.edf --json").out);
+    EXPECT_EQ(report["opens"], true);
+    EXPECT_EQ(report["findings"][0]["severity"], "warning");
+}
+
+// What the collection's index says of each file.
+TEST(Check, TellsWhatIsOddAboutRealRecordings) {
+    const char* folder = std::getenv("KVSIG_RECORDINGS");
+    if (!folder)
+        GTEST_SKIP() << "KVSIG_RECORDINGS is not set";
+    const TempDir dir;
+    const struct {
+        const char* file;
+        const char* words; ///< null: clean
+    } cases[] = {
+        {"mixed_rates/short_psg.edf", nullptr},
+        {"mixed_rates/test_uneven_samp.edf", nullptr},
+        {"edf_plus_c/annotations_and_signals2.edf", nullptr},
+        {"edf_plus_c/26.08.23-05.52.59_Oximetry.EDF", nullptr},
+        {"edf_plus_c/test_stim_channel.edf", nullptr},
+        {"bdf/mne_python_test.bdf", nullptr},
+        {"plain_edf/bdf_test.edf", "there is no annotation signal"},
+        {"bdf/bdf_test.bdf", "\"EDF+C\" in a file of 24-bit samples"},
+        {"bdf/short_psg.bdf", "flat zeros"},
+        {"bdf/SC4001EC-Hypnogram.bdf", "all signals (1) hold annotations"},
+        {"edf_plus_c/test_utf8.edf", "annotation bytes are not ASCII"},
+        {"edf_plus_d/Discontinuous2.edf", "the first behind record 680; the largest gap is 2907 s"},
+        {"edf_plus_d/EDF+ normal.edf", "of 2 signals lie outside their digital range"},
+        {"odd/test_subsecond.edf", "begins 0.394531 s after the start time"},
+        {"odd/test_edf_stim_channel.edf", "holds a file path"},
+        {"odd/mne_python_test.edf", "of 138 signals lie outside their digital range"},
+        {"odd/Invalid DataRecord Count.edf", "is \"-1\": the recording was not closed"},
+        {"odd/EDFjl_test_uneven_samp.edf", "1 bytes follow the last data record"},
+        {"odd/sub-01_task-pullstand_eeg.edf", "stand one byte early"},
+        {"odd/sub-01_task-pullstand_emg.edf", "header length 2816 and 10 signals agree"},
+        {"odd/sub-COF008_task-HN_acq-T2301_eeg.edf", "is \"2872\", but the data holds 0"},
+        {"odd/sub-COF008_task-BL_acq-T224800_eeg.edf", "the file ends after 5000 bytes"},
+    };
+    for (const auto& c : cases) {
+        const CommandResult run =
+            runCommand(dir, std::string("check '") + folder + "/" + c.file + "'");
+        if (c.words) {
+            EXPECT_THAT(run.out, HasSubstr(c.words)) << c.file;
+        } else {
+            EXPECT_THAT(run.out + run.err, IsEmpty()) << c.file;
+        }
+    }
+}
+
+} // namespace
+} // namespace kvsig::test

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "tool/LongWork.h"
+#include "tool/Rows.h"
+
+#include <string>
+#include <vector>
+
+namespace kvsig::tool {
+
+/// How rows become 16-bit counts of one calibration.
+struct RawScale {
+    double calibration = 1.0;     ///< units per count
+    std::vector<int> multipliers; ///< of the file's own counts, by row; empty: values are rounded
+    std::vector<std::string> losses; ///< what does not survive, a sentence each
+
+    [[nodiscard]] bool isExact() const { return !multipliers.empty(); }
+};
+
+/// The scale at which recorded 16-bit channels keep their counts, where their calibrations are
+/// whole multiples of the smallest; else the finest at which the largest value of the range fits.
+/// The latter reads the range once. False in `done` when the work was interrupted.
+[[nodiscard]] RawScale rawScaleFor(const Recording& recording, const Rows& rows, SampleRange range,
+                                   bool filtered, LongWork& work, bool& done);
+
+} // namespace kvsig::tool
