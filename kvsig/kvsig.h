@@ -32,6 +32,8 @@
 #include "kvsig/montage/FilterDesign.h"
 #include "kvsig/montage/G1G2Source.h"
 #include "kvsig/montage/MontageContext.h"
+#include "kvsig/montage/MontageFiles.h"
+#include "kvsig/montage/SourceMontage.h"
 #include "kvsig/montage/names/Derivation.h"
 #include "kvsig/montage/names/References.h"
 #include "kvsig/montage/names/ReservedNames.h"

@@ -3,12 +3,26 @@
 #include "kvsig/filters/Filter.h"
 #include "kvsig/filters/FilterAttr.h"
 
+#include <cmath>
+#include <numbers>
+
 namespace kvsig {
 
 int designFilter(Filter& filter, FilterAttr attr, double samplingRate) {
     if (!(samplingRate > 0))
         return 0;
     return filter.design(attr.cutoff / samplingRate, attr.second / samplingRate, attr.third);
+}
+
+// The filter is the bilinear transform of (s^2 + t^2) / ((s + u)^2 + t^2), t = tan(pi f / rate),
+// whose half width is u on the warped axis; around f that axis is stretched by
+// pi / rate * (1 + t^2).
+double notchWidthFrequency(double cutoff, double halfWidth, double samplingRate) {
+    if (!(samplingRate > 0))
+        return 0.0;
+    constexpr double pi = std::numbers::pi;
+    const double t = std::tan(pi * cutoff / samplingRate);
+    return samplingRate / pi * std::atan(pi * halfWidth / samplingRate * (1.0 + t * t));
 }
 
 } // namespace kvsig

@@ -1,12 +1,14 @@
 #pragma once
 
+#include "kvsig/util/Export.h"
+
 namespace kvsig {
 
 class AvgSource;
 class DataSource;
 
 /// What a source asks of the montage that it belongs to.
-class MontageContext {
+class KVSIG_API MontageContext {
   public:
     /// The montage's average reference of that index, or null when there is none (any more).
     virtual AvgSource* averageReference(int index) = 0;

@@ -16,6 +16,8 @@ struct SourceSettings {
     std::int32_t intValue = 0;
     FilterAttr lowPass;  ///< the source's own high filter, hertz
     FilterAttr highPass; ///< the source's own low filter, hertz
+
+    friend bool operator==(const SourceSettings&, const SourceSettings&) = default;
 };
 
 /// Scale of a polygraphic channel as the host draws it.

@@ -1,6 +1,7 @@
 #include "kvsig/readers/InterleavedReader.h"
 
 #include "kvsig/kernel/AttributeFile.h"
+#include "kvsig/montage/MontageLoader.h"
 #include "kvsig/montage/names/ReservedNames.h"
 #include "kvsig/readers/StoredMontage.h"
 #include "kvsig/util/File.h"
@@ -145,6 +146,12 @@ bool InterleavedReader::montageDefn(int index, std::ostream& stream) {
         return false;
     writeStoredMontage(stream, m_raw->montages[static_cast<std::size_t>(index)]);
     return true;
+}
+
+void InterleavedReader::montageApply(SourceMontage& montage, const char* name) {
+    const int index = montageIndex(name);
+    if (index >= 0)
+        loadMontageEntries(montage, m_raw->montages[static_cast<std::size_t>(index)].lines);
 }
 
 bool InterleavedReader::readAttributeFile(std::istream& stream) {

@@ -32,6 +32,8 @@ class KVSIG_API InterleavedReader : public DataReader {
     /// What an earlier attribute file said of names, anchors, patient and montages is forgotten.
     bool readAttributeFile(std::istream& stream) override;
     bool writeAttributeFile(std::ostream& stream) override;
+    /// Adds the rows of the stored montage of that name; without one does nothing.
+    void montageApply(SourceMontage& montage, const char* name) override;
 
   protected:
     const char* _grid1(int channel) override;

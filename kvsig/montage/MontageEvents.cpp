@@ -1,0 +1,137 @@
+#include "kvsig/montage/MontageEvents.h"
+
+#include "kvsig/kernel/ClientEvent.h"
+#include "kvsig/kernel/IDataReader.h"
+#include "kvsig/montage/DataSource.h"
+#include "kvsig/montage/FilterDesign.h"
+#include "kvsig/montage/SourceMontage.h"
+#include "kvsig/util/Saturate.h"
+#include "kvsig/util/Text.h"
+
+#include <cmath>
+#include <string>
+
+namespace kvsig {
+namespace {
+
+enum Kind { sensitivity = 3, lowFilter = 4, highFilter = 5, notchFilter = 6, reset = 7 };
+
+constexpr double notchHalfWidth = 1.0; // hertz
+
+bool hasUse(const ClientEvent& event) {
+    return event.hasValue != 0 && std::isfinite(event.value) && event.value > 0;
+}
+
+// Switched off, a filter keeps its cutoff.
+FilterAttr changed(FilterAttr attr, const ClientEvent& event) {
+    attr.use = hasUse(event);
+    if (attr.use)
+        attr.cutoff = event.value;
+    return attr;
+}
+
+bool change(DataSource& source, const SourceSettings& settings) {
+    const bool differs = !(source.settings() == settings);
+    source.setSettings(settings);
+    return differs;
+}
+
+bool setSensitivity(DataSource& source, const ClientEvent& event) {
+    SourceSettings settings = source.settings();
+    settings.displayValue = hasUse(event) ? saturate<std::int32_t>(event.value) : 0;
+    return change(source, settings);
+}
+
+bool resetSource(DataSource& source) {
+    SourceSettings settings = source.settings();
+    settings.displayValue = 0;
+    settings.followMontage = true;
+    settings.lowPass = {};
+    settings.highPass = {};
+    return change(source, settings);
+}
+
+// What the row followed until now becomes its own, so that only the filter named changes.
+bool setOwnFilter(SourceMontage& montage, DataSource& source, const ClientEvent& event) {
+    SourceSettings settings = source.settings();
+    if (settings.followMontage) {
+        settings.followMontage = false;
+        settings.lowPass = montage.lowPass();
+        settings.highPass = montage.highPass();
+    }
+    FilterAttr& attr = event.kind == lowFilter ? settings.highPass : settings.lowPass;
+    attr = changed(attr, event);
+    return change(source, settings);
+}
+
+bool applyToRow(SourceMontage& montage, DataSource& source, const ClientEvent& event) {
+    switch (event.kind) {
+    case sensitivity:
+        return setSensitivity(source, event);
+    case lowFilter:
+    case highFilter:
+        return setOwnFilter(montage, source, event);
+    case reset:
+        return resetSource(source);
+    default: // the notch is the montage's alone
+        return false;
+    }
+}
+
+template <typename Apply>
+bool applyToRows(SourceMontage& montage, Apply apply) {
+    bool any = false;
+    for (int i = 0; i < montage.sourceCount(); ++i)
+        if (!montage.source(i)->isGap() && apply(*montage.source(i)))
+            any = true;
+    return any;
+}
+
+bool setFilters(SourceMontage& montage, FilterAttr low, FilterAttr high, FilterAttr notch) {
+    const bool differs =
+        !(low == montage.lowPass() && high == montage.highPass() && notch == montage.notch());
+    montage.setLowPass(low);
+    montage.setHighPass(high);
+    montage.setNotch(notch);
+    return differs;
+}
+
+FilterAttr changedNotch(SourceMontage& montage, const ClientEvent& event) {
+    FilterAttr attr = changed(montage.notch(), event);
+    if (attr.use && montage.reader())
+        attr.second =
+            notchWidthFrequency(attr.cutoff, notchHalfWidth, montage.reader()->samplingRate());
+    return attr;
+}
+
+bool applyToMontage(SourceMontage& montage, const ClientEvent& event) {
+    const FilterAttr low = montage.lowPass(), high = montage.highPass(), notch = montage.notch();
+    switch (event.kind) {
+    case sensitivity:
+        return applyToRows(montage, [&](DataSource& row) { return setSensitivity(row, event); });
+    case lowFilter:
+        return setFilters(montage, low, changed(high, event), notch);
+    case highFilter:
+        return setFilters(montage, changed(low, event), high, notch);
+    case notchFilter:
+        return setFilters(montage, low, high, changedNotch(montage, event));
+    default: {
+        const bool rows = applyToRows(montage, resetSource);
+        return setFilters(montage, {}, {}, {}) || rows;
+    }
+    }
+}
+
+} // namespace
+
+bool applyDisplayEvent(SourceMontage& montage, const ClientEvent& event) {
+    if (event.kind < sensitivity || event.kind > reset)
+        return false;
+    const std::string label(fieldView(event.label));
+    if (label.empty())
+        return applyToMontage(montage, event);
+    DataSource* row = montage.source(montage.indexOfFullName(label.c_str()));
+    return row && !row->isGap() && applyToRow(montage, *row, event);
+}
+
+} // namespace kvsig

@@ -1,0 +1,141 @@
+#include "kvsig/montage/MontageFiles.h"
+
+#include "kvsig/montage/MontageSearch.h"
+#include "kvsig/montage/MontageText.h"
+#include "kvsig/montage/names/ReservedNames.h"
+#include "kvsig/util/LogSink.h"
+#include "kvsig/util/StandardFolders.h"
+#include "kvsig/util/Text.h"
+#include "kvsig/util/TextFile.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <sstream>
+#include <utility>
+
+namespace kvsig {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t mostBytes = std::size_t{1} << 20;
+
+std::optional<std::string> hostDirectory; // never set: none, and all the other places
+std::string hostFile;
+std::istream* hostStream = nullptr;
+
+enum class Form { templates, sections, byContent };
+
+/// A file to look at, or the stream in its place.
+struct Candidate {
+    Form form = Form::sections;
+    std::string path;
+    std::istream* stream = nullptr;
+};
+
+std::vector<std::string> folders() {
+    if (hostDirectory && hostDirectory->empty())
+        return {""};
+    std::vector<std::string> all;
+    if (hostDirectory)
+        all.push_back(*hostDirectory);
+    all.emplace_back("");
+    if (const std::string user = userConfigFolder(); !user.empty())
+        all.push_back(user + "/kvsig");
+    // Beside the library wherever it was moved to, and where it was meant to be installed.
+    if (const std::string library = libraryFolder(); !library.empty()) {
+        all.push_back(library + "/" KVSIG_SHARE_FROM_LIBRARY);
+        all.push_back(library + "/../share/kvsig");
+    }
+    all.emplace_back(KVSIG_SHARE_FOLDER);
+    return all;
+}
+
+std::vector<Candidate> candidates() {
+    std::vector<Candidate> all;
+    if (!hostFile.empty())
+        all.push_back({Form::byContent, hostFile});
+    std::istream* stream = hostStream;
+    for (const std::string& folder : folders()) {
+        const auto inFolder = [&folder](const char* name) {
+            return (fs::path(folder) / name).string();
+        };
+        all.push_back({Form::templates, inFolder(szINIMontageFileXML)});
+        if (stream)
+            all.push_back({Form::sections, {}, std::exchange(stream, nullptr)});
+        else if (!hostStream)
+            all.push_back({Form::sections, inFolder(szINIMontageFile)});
+    }
+    return all;
+}
+
+bool isTemplates(const Candidate& file, std::string_view text) {
+    return file.form == Form::templates || (file.form == Form::byContent && isXML(text));
+}
+
+void logUnreadable(const Candidate& file, const std::string& reason) {
+    logMessage(logWarning, "SourceMontage: " + file.path + ": " + reason);
+}
+
+// A file that is not there is no fault.
+std::optional<std::string> textOf(const Candidate& file) {
+    std::error_code ignored;
+    if (!fs::exists(file.path, ignored))
+        return std::nullopt;
+    std::string reason;
+    auto text = readTextFile(file.path.c_str(), mostBytes, &reason);
+    if (!text)
+        logUnreadable(file, reason);
+    return text;
+}
+
+std::optional<MontageContent> findIn(const Candidate& file, const std::string& name) {
+    if (file.stream)
+        return sectionEntries(*file.stream, name);
+    const std::optional<std::string> text = textOf(file);
+    if (!text)
+        return std::nullopt;
+    if (!isTemplates(file, *text)) {
+        std::istringstream stream(*text);
+        return sectionEntries(stream, name);
+    }
+    std::string reason;
+    auto content = templateContent(*text, name, &reason);
+    if (!reason.empty())
+        logUnreadable(file, reason);
+    return content;
+}
+
+std::vector<std::string> namesIn(const Candidate& file) {
+    if (file.stream)
+        return sectionNames(*file.stream);
+    const std::string text = textOf(file).value_or("");
+    if (isTemplates(file, text))
+        return templateNames(text);
+    std::istringstream stream(text);
+    return sectionNames(stream);
+}
+
+} // namespace
+
+void SetMontageDirectory(const char* path) { hostDirectory = viewOf(path); }
+void SetMontageFile(const char* path) { hostFile = viewOf(path); }
+void SetMontageStream(std::istream* stream) { hostStream = stream; }
+
+std::vector<std::string> MontageNames() {
+    std::vector<std::string> names;
+    for (const Candidate& file : candidates())
+        for (std::string& name : namesIn(file))
+            if (!name.empty() && std::find(names.begin(), names.end(), name) == names.end())
+                names.push_back(std::move(name));
+    return names;
+}
+
+std::optional<MontageContent> findMontage(const std::string& name) {
+    for (const Candidate& file : candidates())
+        if (auto content = findIn(file, name))
+            return content;
+    return std::nullopt;
+}
+
+} // namespace kvsig

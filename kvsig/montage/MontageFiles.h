@@ -1,0 +1,38 @@
+#pragma once
+
+#include "kvsig/util/Export.h"
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+/// Where montages come from. In each of these places the XML templates (szINIMontageFileXML) are
+/// looked at, then the INI file (szINIMontageFile), and the first that has a montage of the name
+/// asked for is taken:
+///
+///   the file of SetMontageFile()
+///   the directory of SetMontageDirectory()
+///   the current directory
+///   the user's configuration directory (~/.config/kvsig)
+///   the directory of what is installed with the library
+///
+/// Template names are compared as they stand, section names without regard to letter case. Files
+/// of more than 1 MiB are not read. What is set here holds for the whole process and is to be set
+/// before montages are made on other threads.
+namespace kvsig {
+
+/// Puts a directory before the others (UTF-8); an empty one limits the search to the current
+/// directory.
+KVSIG_API void SetMontageDirectory(const char* path);
+
+/// Puts one file before all places, of either form; an empty path removes it.
+KVSIG_API void SetMontageFile(const char* path);
+
+/// Installs the text of the INI file: it takes the place of the first place's, and no other INI
+/// file is read. The stream is not owned and is rewound; null removes it.
+KVSIG_API void SetMontageStream(std::istream* stream);
+
+/// The names of all montages found, each once, in the order of the search.
+[[nodiscard]] KVSIG_API std::vector<std::string> MontageNames();
+
+} // namespace kvsig

@@ -1,0 +1,164 @@
+#pragma once
+
+#include "kvsig/filters/FilterAttr.h"
+#include "kvsig/filters/IIRHighPass.h"
+#include "kvsig/filters/IIRLowPass.h"
+#include "kvsig/filters/IIRNotch.h"
+#include "kvsig/kernel/ClientEvent.h"
+#include "kvsig/montage/MontageContext.h"
+#include "kvsig/util/Export.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace kvsig {
+
+class AvgSource;
+class DataSource;
+class G1G2Source;
+class IDataReader;
+
+/// Keeps the first place of the virtual table for the destructor, before what MontageContext adds.
+class KVSIG_API MontageBase {
+  public:
+    virtual ~MontageBase() = default;
+};
+
+/// The ordered rows that a host displays for one open recording, and a second list of averages that
+/// rows may use as their reference.
+///
+///   SourceMontage montage;
+///   montage.setReader(reader.get());
+///   if (montage.createMontage("Double banana"))
+///       montage.source(0)->getData(first, last, buffer, 1.0);
+///
+/// A montage owns its sources, and its own filter objects, which stand in the chains of many rows.
+/// It does not own the reader, which must live as long as there are sources over it. Gap rows are
+/// skipped by all that concerns references. Names are compared without regard to letter case. Null
+/// texts count as empty. A montage is used from one thread at a time, its reader with it.
+class KVSIG_API SourceMontage : public MontageBase, public MontageContext {
+  public:
+    SourceMontage();
+    ~SourceMontage() override;
+    SourceMontage(const SourceMontage&) = delete;
+    SourceMontage& operator=(const SourceMontage&) = delete;
+
+    virtual IDataReader* reader();
+    virtual const char* name();
+    /// The reference that isReferential() found; empty when it found none.
+    virtual const char* ref();
+    /// These three act on every row; flushCache() on the averages as well.
+    virtual void flushCache();
+    virtual void setUseCache(bool use);
+    virtual void setUseFilter(bool use);
+    /// Sources made before keep the reader that they were made for.
+    virtual void setReader(IDataReader* reader);
+    /// At most 31 characters are kept.
+    virtual void setName(const char* name);
+    /// Deletes every row and every average.
+    virtual void deleteSources();
+    /// Deletes a row or an average of this montage; anything else is ignored. Rows that had the
+    /// average as their reference have no grid 2 any more; their names stay.
+    virtual void deleteSource(DataSource* source);
+    /// Builds what a derivation definition (names/Derivation.h) describes: an average is appended
+    /// to the averages, all else to the rows. Null when a name in it is unknown or there is no
+    /// reader. Settings after "|" become the row's; updateFilters() puts them to work.
+    virtual DataSource* createSource(const char* defn);
+    /// Appends a plain average; null without a reader and beyond maxAverages.
+    virtual AvgSource* createSource(std::vector<int>& channels);
+    /// Appends a row over two channels of the reader; null without a reader.
+    virtual G1G2Source* createSource(int channel1, int channel2);
+    /// One row per channel of the reader; returns 1, or 0 without a reader.
+    virtual int createRecordedMontage();
+    /// Fills the montage by name: "Recorded", a montage of the files (MontageFiles.h), or one that
+    /// the recording itself holds. Returns nonzero on success and 0 when nothing was made. What
+    /// could not be made of it is left out: see unresolved().
+    virtual int createMontage(const char* name);
+    /// The first row whose display name begins with `name`; without one, for a name that begins
+    /// with a digit, the number that it spells minus 1, whether there is such a row or not; else
+    /// -1.
+    virtual int indexOfName(const char* name);
+    /// The first row of that display name. Without one, for an electrode of the reader, the first
+    /// row named by the electrode against its recording reference; else -1.
+    virtual int indexOfFullName(const char* name);
+    virtual int indexOfAvgRef(const char* name);
+    /// What a row's channel 2 is for a reference of that name: an average (its index with
+    /// G1G2Source::averageBit set), else a channel of the reader, else -1.
+    virtual int idOfChannel2(const char* name);
+    /// True when the rows have one reference in common, which becomes ref(): all scalp electrodes
+    /// have it, or more than half of all rows, on purpose, so that a few bipolar rows do no harm.
+    /// Never true for a recording of bipolar channels.
+    virtual bool isReferential();
+    /// True for an average of the montage and for an electrode of the reader; `id`, if not null,
+    /// then receives idOfChannel2().
+    virtual bool isValidReference(const char* name, int* id);
+    /// Gives the rows that stand against their recording reference another one; false when it is
+    /// not valid. Null gives every row its recording reference back, bipolar rows too. Rows that
+    /// already have another reference keep it: give null first.
+    virtual bool changeReference(const char* ref);
+    /// Adds the averages of gGlobalAvgRefs whose electrodes the recording has.
+    virtual void addGlobalAvgRefs();
+    /// Takes over a display setting (kinds 3 to 7 of ClientEvent). With an empty label it is the
+    /// montage's own, and the sensitivity that of every row; with a label it is the row's of that
+    /// name, which keeps the montage's other filter but follows the montage no more. A row has no
+    /// notch of its own. No value, or none above 0, switches off. Filters are rebuilt and caches
+    /// emptied. True when something changed.
+    virtual bool updateState(const ClientEvent& event);
+
+    /// Rebuilds the filter chain of every row from the settings of the montage and of the row:
+    /// low-pass, high-pass, notch. Switches the rows' caches on, and their filtering where there is
+    /// a filter. createMontage() does it too; to be called after a change of settings.
+    void updateFilters();
+
+    /// Settings in hertz. What is called the low filter in the field is the high-pass.
+    [[nodiscard]] FilterAttr lowPass() const { return m_lowPassAttr; }
+    [[nodiscard]] FilterAttr highPass() const { return m_highPassAttr; }
+    [[nodiscard]] FilterAttr notch() const { return m_notchAttr; }
+    void setLowPass(FilterAttr attr) { m_lowPassAttr = attr; }
+    void setHighPass(FilterAttr attr) { m_highPassAttr = attr; }
+    void setNotch(FilterAttr attr) { m_notchAttr = attr; }
+
+    /// Rows in display order, and averages; null out of range.
+    [[nodiscard]] int sourceCount() const;
+    [[nodiscard]] DataSource* source(int index) const;
+    [[nodiscard]] int avgRefCount() const;
+    [[nodiscard]] AvgSource* avgRef(int index) const;
+
+    /// Averages that a montage can hold: as many as a row's channel 2 can tell apart.
+    static constexpr int maxAverages = 0x1000;
+
+    /// Definitions that could not be resolved since the montage was last emptied, as they were
+    /// given, electrode names translated; the first few thousand.
+    [[nodiscard]] const std::vector<std::string>& unresolved() const { return m_unresolved; }
+
+  protected:
+    /// Fills the montage from the content of a template: "AvgRef" and "Channel" elements with the
+    /// attributes "Definition" and "Name". Returns the count of sources that the elements made.
+    int createMontageXML(const char* text);
+
+  private:
+    AvgSource* averageReference(int index) override;
+    int rowOf(const DataSource& source) override;
+
+    [[nodiscard]] int fill(const std::string& name);
+    [[nodiscard]] int rowNamed(const std::string& name) const;
+    [[nodiscard]] bool isRecorded() const;
+    void moveReference(G1G2Source& row, int channel2);
+    void forgetAverage(int index);
+
+    FilterAttr m_lowPassAttr;
+    IIRLowPass m_lowPass;
+    FilterAttr m_highPassAttr;
+    IIRHighPass m_highPass;
+    FilterAttr m_notchAttr;
+    IIRNotch m_notch;
+    char m_name[32] = "";
+    char m_ref[32] = "";
+    IDataReader* m_reader = nullptr;
+    std::vector<std::unique_ptr<DataSource>> m_sources;
+    std::vector<std::unique_ptr<AvgSource>> m_averages;
+    std::vector<std::string> m_unresolved;
+};
+
+} // namespace kvsig

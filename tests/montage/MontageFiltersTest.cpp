@@ -1,0 +1,168 @@
+#include "kvsig/filters/IIRHighPass.h"
+#include "kvsig/filters/IIRLowPass.h"
+#include "kvsig/montage/FilterDesign.h"
+#include "montage/MontageFixture.h"
+#include "support/Sine.h"
+
+#include <cmath>
+#include <gmock/gmock.h>
+
+namespace kvsig {
+namespace {
+
+using test::read;
+using test::TestMontage;
+
+constexpr FilterAttr on(double cutoff, double second = 0.0) {
+    return {.use = true, .cutoff = cutoff, .second = second};
+}
+
+std::vector<Filter::FilterType> chainOf(DataSource& source) {
+    std::vector<Filter::FilterType> types;
+    for (int i = 0; i < source.filters()->count(); ++i)
+        types.push_back(source.filters()->filter(i)->type());
+    return types;
+}
+
+ClientEvent event(int kind, std::optional<double> value, const char* label = "") {
+    ClientEvent event;
+    event.kind = static_cast<std::int16_t>(kind);
+    event.hasValue = value ? 1 : 0;
+    event.value = value.value_or(0.0);
+    std::char_traits<char>::copy(event.label, label, std::char_traits<char>::length(label) + 1);
+    return event;
+}
+
+// Row 1 has filters of its own.
+class MontageFilters : public testing::Test {
+  protected:
+    MontageFilters() { montage.add({"Fp1", "F7|0,0,0,0,0.16,30", "Fp1-F7", "Gap1"}); }
+
+    DataSource& row(int index) { return *montage.source(index); }
+
+    TestMontage montage{std::vector<std::string>{"Fp1", "F7"}};
+};
+
+TEST_F(MontageFilters, ChainsAreLowPassHighPassNotch) {
+    using enum Filter::FilterType;
+    montage.setLowPass(on(40));
+    montage.setHighPass(on(2));
+    montage.setNotch(on(50, 1));
+    montage.setUseCache(false);
+    montage.updateFilters();
+    montage.updateFilters();
+    EXPECT_EQ(chainOf(row(0)), (std::vector{lowPass, highPass, notch}));
+    EXPECT_EQ(chainOf(row(1)), (std::vector{lowPass, highPass, notch}));
+    EXPECT_EQ(row(2).filters()->filter(0), row(0).filters()->filter(0)) << "shared";
+    EXPECT_NE(row(1).filters()->filter(0), row(0).filters()->filter(0)) << "its own";
+    EXPECT_EQ(row(1).filters()->filter(2), row(0).filters()->filter(2)) << "one notch for all";
+    EXPECT_TRUE(row(0).useCache());
+    EXPECT_DOUBLE_EQ(row(0).filters()->filter(0)->freqCutoff(), 40.0 / 200.0);
+    EXPECT_DOUBLE_EQ(row(0).filters()->filter(2)->freqTransition(), 1.0 / 200.0);
+    EXPECT_DOUBLE_EQ(row(1).filters()->filter(0)->freqCutoff(), 30.0 / 200.0);
+    EXPECT_DOUBLE_EQ(row(1).filters()->filter(1)->freqCutoff(), 1.0 / 200.0);
+
+    montage.setLowPass({});
+    montage.setHighPass({});
+    montage.setNotch({});
+    montage.updateFilters();
+    EXPECT_FALSE(row(0).useFilter());
+    EXPECT_EQ(chainOf(row(0)).size(), 0U);
+    EXPECT_TRUE(row(1).useFilter());
+}
+
+TEST_F(MontageFilters, SamplesGoThroughTheChainOfTheMomentAndNoOther) {
+    const std::vector<float> plain = read(row(2), 400, 799);
+    IIRHighPass filter;
+    filter.design(2.0 / 200.0, 0, 0);
+    const int before = filter.nPrePts();
+    std::vector<float> expected = read(row(2), 400 - before, 799);
+    filter.apply(expected.data(), static_cast<int>(expected.size()));
+    expected.erase(expected.begin(), expected.begin() + before);
+    montage.setHighPass(on(2));
+    montage.updateFilters();
+    EXPECT_EQ(read(row(2), 400, 799), expected);
+    montage.setHighPass({});
+    montage.updateFilters();
+    EXPECT_EQ(read(row(2), 400, 799), plain);
+}
+
+TEST_F(MontageFilters, AFilledMontageHasItsFiltersAtOnce) {
+    montage.setHighPass(on(2));
+    ASSERT_EQ(montage.createMontage("Recorded"), 1);
+    EXPECT_EQ(chainOf(row(0)).size(), 1U);
+    montage.setReader(nullptr);
+    montage.updateFilters();
+    EXPECT_EQ(chainOf(row(0)).size(), 1U) << "as designed before";
+}
+
+TEST_F(MontageFilters, EventsWithoutALabelChangeTheMontage) {
+    EXPECT_TRUE(montage.updateState(event(4, 0.5)));
+    EXPECT_TRUE(montage.updateState(event(5, 70.0)));
+    EXPECT_FALSE(montage.updateState(event(5, 70.0))) << "nothing new";
+    EXPECT_TRUE(montage.updateState(event(6, 50.0)));
+    EXPECT_EQ(montage.highPass(), on(0.5));
+    EXPECT_EQ(montage.lowPass(), on(70));
+    EXPECT_EQ(chainOf(row(0)).size(), 3U);
+    EXPECT_EQ(chainOf(row(1)).size(), 3U);
+    EXPECT_TRUE(montage.updateState(event(5, {})));
+    EXPECT_FALSE(montage.lowPass().use);
+    EXPECT_EQ(double{montage.lowPass().cutoff}, 70.0);
+    EXPECT_TRUE(montage.updateState(event(3, 7.0)));
+    EXPECT_EQ(row(2).settings().displayValue, 7);
+    EXPECT_EQ(row(3).settings().displayValue, 0) << "a gap has none";
+
+    EXPECT_TRUE(montage.updateState(event(7, {})));
+    EXPECT_EQ(montage.notch(), FilterAttr());
+    EXPECT_TRUE(row(1).settings().followMontage);
+    EXPECT_EQ(row(2).settings(), SourceSettings());
+    EXPECT_FALSE(row(1).useFilter());
+    EXPECT_FALSE(montage.updateState(event(7, {})));
+}
+
+TEST_F(MontageFilters, ANotchByEventTakesItsFrequencyOutAndLittleElse) {
+    montage.updateState(event(6, 50.0));
+    const auto gainAt = [this](double hertz) {
+        std::vector<float> samples = sine(hertz / 200.0, 8000);
+        row(0).filters()->apply(samples.data(), 8000);
+        return amplitudeAt(hertz / 200.0, samples, 6000, 2000);
+    };
+    EXPECT_LT(gainAt(50), 0.01);
+    EXPECT_NEAR(gainAt(51) / gainAt(80), std::sqrt(0.5), 0.05) << "1 Hz to either side";
+}
+
+TEST_F(MontageFilters, EventsWithALabelChangeThatRow) {
+    montage.updateState(event(5, 70.0));
+    EXPECT_TRUE(montage.updateState(event(4, 5.0, "fp1-F7")));
+    EXPECT_FALSE(row(2).settings().followMontage);
+    EXPECT_EQ(row(2).settings().highPass, on(5));
+    EXPECT_EQ(row(2).settings().lowPass, on(70)) << "what it had until now";
+    EXPECT_TRUE(row(0).settings().followMontage);
+    EXPECT_TRUE(montage.updateState(event(3, 20.0, "Fp1"))) << "found by its electrode";
+    EXPECT_EQ(row(0).settings().displayValue, 20);
+    EXPECT_TRUE(row(0).settings().followMontage) << "sensitivity is no filter";
+    EXPECT_FALSE(montage.updateState(event(6, 50.0, "Fp1"))) << "no notch of its own";
+    EXPECT_FALSE(montage.updateState(event(4, 5.0, "nobody")));
+    EXPECT_FALSE(montage.updateState(event(4, 5.0, "        "))) << "the gap";
+    EXPECT_TRUE(montage.updateState(event(7, {}, "Fp1-F7")));
+    EXPECT_TRUE(row(2).settings().followMontage);
+    EXPECT_EQ(chainOf(row(2)).size(), 1U);
+}
+
+TEST_F(MontageFilters, EventsOfOtherKindsAndOddValuesDoNothingOrSwitchOff) {
+    for (const int kind : {-1, 0, 2, 8, 1000})
+        EXPECT_FALSE(montage.updateState(event(kind, 1.0)));
+    montage.updateState(event(4, 1.0));
+    for (const double value : {0.0, -1.0, std::nan(""), HUGE_VAL}) {
+        montage.updateState(event(4, 1.0));
+        EXPECT_TRUE(montage.updateState(event(4, value)));
+        EXPECT_FALSE(montage.highPass().use) << value;
+    }
+    EXPECT_TRUE(montage.updateState(event(3, 1e300)));
+    ClientEvent unterminated = event(3, 1.0);
+    std::fill(std::begin(unterminated.label), std::end(unterminated.label), 'x');
+    EXPECT_FALSE(montage.updateState(unterminated));
+}
+
+} // namespace
+} // namespace kvsig

@@ -1,0 +1,336 @@
+#include "kvsig/montage/SourceMontage.h"
+
+#include "kvsig/montage/ReferenceAnalysis.h"
+#include "montage/MontageFixture.h"
+
+#include <climits>
+#include <gmock/gmock.h>
+
+namespace kvsig {
+namespace {
+
+using test::definition;
+using test::newNames;
+using test::oldNames;
+using test::read;
+using test::TestMontage;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+using testing::StartsWith;
+
+constexpr int averageBit = G1G2Source::averageBit;
+
+TEST(SourceMontage, WithoutAReaderMakesNothing) {
+    SourceMontage montage;
+    std::vector<int> channels{0};
+    EXPECT_EQ(montage.createSource("C3"), nullptr);
+    EXPECT_EQ(montage.createSource(channels), nullptr);
+    EXPECT_EQ(montage.createSource(0, 1), nullptr);
+    EXPECT_EQ(montage.createMontage("Recorded"), 0);
+    EXPECT_EQ(montage.createRecordedMontage(), 0);
+    EXPECT_FALSE(montage.isReferential());
+    EXPECT_FALSE(montage.changeReference("Cz"));
+    EXPECT_TRUE(montage.changeReference(nullptr));
+    EXPECT_EQ(montage.indexOfFullName("C3"), -1);
+    EXPECT_EQ(montage.idOfChannel2("C3"), -1);
+    montage.updateFilters();
+    montage.deleteSource(nullptr);
+    EXPECT_EQ(montage.source(0), nullptr);
+    EXPECT_EQ(montage.avgRef(-1), nullptr);
+}
+
+TEST(SourceMontage, RecordedHasARowPerChannelAndTheAveragesThatExist) {
+    TestMontage montage(oldNames);
+    ASSERT_EQ(montage.createMontage("reCORDed"), 1);
+    EXPECT_STREQ(montage.name(), "Recorded");
+    EXPECT_THAT(montage.names(), SizeIs(21));
+    EXPECT_STREQ(montage.source(20)->name(), "A2-Ref");
+    EXPECT_FLOAT_EQ(montage.valueOf(20), 210.0F);
+    EXPECT_THAT(montage.averageNames(), ElementsAre("A1A2", "Av17", "Av12"));
+    EXPECT_STREQ(montage.ref(), "Ref");
+
+    TestMontage fewer({"A1", "A2", "Cz"});
+    ASSERT_EQ(fewer.createMontage("Recorded"), 1);
+    ASSERT_EQ(fewer.createMontage("Recorded"), 1);
+    EXPECT_THAT(fewer.averageNames(), ElementsAre("A1A2"));
+    EXPECT_THAT(fewer.names(), SizeIs(3));
+    EXPECT_THAT(fewer.unresolved(), IsEmpty()) << "averages on offer are not missed";
+}
+
+TEST(SourceMontage, DefinitionsAreWhatTheySay) {
+    // At sample 0: 10, 20, 30, 40.
+    TestMontage montage({"Fp1", "F7", "T3", "Cz"});
+    const struct {
+        const char* defn;
+        const char* name;
+        float value;
+    } rows[] = {
+        {"Fp1-F7", "Fp1-F7", -10},
+        {"cz-FP1", "Cz-Fp1", 30},
+        {"Fp1", "Fp1-Ref", 10},
+        {"Fp1-ref", "Fp1-Ref", 10},
+        {"-F7", "F7-Ref", 20},
+        {"Fp1-0.5*F7-0.5*T3", "Fp1-_av1", 10 - 10 - 15},
+        {"Cz-2*F7-T3", "Cz-_av2", 40 - 40 - 30},
+        {"Cz-_av1", "Cz-_av1", 40 - 25},
+        {"Gap, nothing else", "        ", 0},
+    };
+    for (const auto& row : rows) {
+        DataSource* source = montage.createSource(row.defn);
+        ASSERT_TRUE(source) << row.defn;
+        EXPECT_STREQ(source->name(), row.name);
+        EXPECT_FLOAT_EQ(read(*source, 0, 0).front(), row.value) << row.defn;
+    }
+    const int rowCount = montage.sourceCount();
+    DataSource* plain = montage.createSource("F7+T3");
+    DataSource* weighted = montage.createSource("F7:0.5+T3:-2");
+    DataSource* partly = montage.createSource("F7:0.5+T3");
+    ASSERT_TRUE(plain && weighted && partly);
+    EXPECT_FLOAT_EQ(read(*plain, 0, 0).front(), 25);
+    EXPECT_FLOAT_EQ(read(*weighted, 0, 0).front(), 10 - 60);
+    EXPECT_FLOAT_EQ(read(*partly, 0, 0).front(), 25) << "one weight for two channels: none";
+    EXPECT_EQ(montage.sourceCount(), rowCount);
+    EXPECT_EQ(montage.avgRefCount(), 5);
+    EXPECT_EQ(montage.avgRef(2), plain);
+
+    const char* unknown[] = {"",        "|",          "-",         "XX",
+                             "XX-F7",   "Fp1-XX",     "F7+XX",     "+",
+                             "0.5*F7",  "Fp1-0.5*XX", "F7*1+T3*1", "Fp1-F7-T3",
+                             "Fp1-*F7", "gap 1",      "F7:1+XX:1", "Fp1-0.5*F7-XX"};
+    for (const char* defn : unknown)
+        EXPECT_EQ(montage.createSource(defn), nullptr) << defn;
+    EXPECT_EQ(montage.createSource(static_cast<const char*>(nullptr)), nullptr);
+    EXPECT_EQ(montage.sourceCount(), rowCount) << "what fails leaves nothing behind";
+    EXPECT_EQ(montage.avgRefCount(), 5);
+    EXPECT_THAT(montage.unresolved(), SizeIs(17));
+}
+
+TEST(SourceMontage, ALabelThatHoldsAStarIsALabel) {
+    TestMontage montage({"C*3", "F7", "X*1"});
+    montage.add({"C*3", "C*3-F7", "C*3-X*1", "C*3-2*F7"});
+    EXPECT_THAT(montage.names(), ElementsAre("C*3-Ref", "C*3-F7", "C*3-X*1", "C*3-_av1"));
+    EXPECT_FLOAT_EQ(montage.valueOf(2), 10 - 30);
+    EXPECT_FLOAT_EQ(montage.valueOf(3), 10 - 2 * 20);
+}
+
+TEST(SourceMontage, RecordedPairsAreFoundAsPairsOnly) {
+    test::FakeRecording file = test::recordingOf({"Fp1", "F7", "F7"});
+    file.channels[0].grid2 = "F7";
+    file.channels[1].grid2 = "T3";
+    file.channels[2].grid2 = "C*3";
+    TestMontage montage(std::move(file));
+    ASSERT_FALSE(montage.recording.isMapReferential());
+    montage.add({"F7-t3", "f7-C*3"});
+    EXPECT_FLOAT_EQ(montage.valueOf(0), 20);
+    EXPECT_FLOAT_EQ(montage.valueOf(1), 30);
+    for (const char* defn : {"Fp1", "Fp1-T3", "Fp1+F7", "Fp1-0.5*F7"})
+        EXPECT_EQ(montage.createSource(defn), nullptr) << defn;
+    EXPECT_FALSE(montage.isReferential());
+    EXPECT_EQ(montage.createMontage("Recorded"), 1);
+    EXPECT_THAT(montage.averageNames(), IsEmpty());
+}
+
+TEST(SourceMontage, NumbersAsNamesAreAlwaysChannels) {
+    TestMontage montage({"Fp1", "F7"});
+    montage.recording.setGridNamesAsNumbers(true);
+    montage.add({"1-2", "2", "2-2"});
+    EXPECT_FLOAT_EQ(montage.valueOf(0), -10);
+    EXPECT_FLOAT_EQ(montage.valueOf(1), 20);
+    EXPECT_FLOAT_EQ(montage.valueOf(2), 0);
+}
+
+TEST(SourceMontage, SettingsFollowTheFirstBar) {
+    TestMontage montage({"Fp1", "F7"});
+    montage.add({"Fp1-F7|-7,1,0,3,0.1 sec,70 Hz,1,0,-2.5,8", "Fp1|5,0,0,0,(off),(OFF)",
+                 "Fp1-2*F7|0,1,1,9,(off),35", "Fp1|junk|5,1,0,0,1,1"});
+    auto* row = dynamic_cast<G1G2Source*>(montage.source(0));
+    EXPECT_EQ(row->settings().displayValue, -7);
+    EXPECT_TRUE(row->settings().flag);
+    EXPECT_FALSE(row->settings().followMontage);
+    EXPECT_DOUBLE_EQ(double{row->settings().highPass.cutoff}, 1.6);
+    EXPECT_EQ(double{row->settings().lowPass.cutoff}, 70.0);
+    EXPECT_TRUE(row->showScaling());
+    EXPECT_EQ(row->polyMaximum(), 8.0);
+    EXPECT_FALSE(montage.source(1)->settings().highPass.use);
+    EXPECT_EQ(montage.source(1)->settings().displayValue, 5);
+    EXPECT_EQ(montage.source(2)->settings().intValue, 9) << "numeric rows have settings too";
+    EXPECT_EQ(montage.source(3)->settings(), SourceSettings()) << "the rest is all after the bar";
+}
+
+TEST(SourceMontage, RowsAreFoundByTheirNames) {
+    TestMontage montage({"Fp1", "F7", "3"});
+    montage.add({"F7-Fp1", "Fp1", "F7"});
+    montage.source(0)->setName("fp1x");
+    EXPECT_EQ(montage.indexOfName("FP1"), 0);
+    EXPECT_EQ(montage.indexOfName("Fp1-"), 1);
+    EXPECT_EQ(montage.indexOfName(nullptr), 0) << "every name begins with nothing";
+    EXPECT_EQ(montage.indexOfName("70th"), 69) << "row numbers are not held against the count";
+    EXPECT_EQ(montage.indexOfName("0"), -1);
+    EXPECT_EQ(montage.indexOfName("99999999999"), INT_MAX);
+    EXPECT_EQ(montage.indexOfName("zz"), -1);
+    EXPECT_EQ(montage.indexOfFullName("FP1-ref"), 1);
+    EXPECT_EQ(montage.indexOfFullName("f7"), 2) << "against its recording reference";
+    EXPECT_EQ(montage.indexOfFullName("Fp"), -1);
+    EXPECT_EQ(montage.indexOfFullName("3"), -1);
+}
+
+TEST(CommonReference, IsThatOfTheScalpOrOfTheMajority) {
+    const auto rows = [](int count, const char* grid1, const char* grid2) {
+        return std::vector<RowGrids>(static_cast<std::size_t>(count), {grid1, grid2});
+    };
+    const auto of = [](std::vector<RowGrids> all, const std::vector<RowGrids>& more = {}) {
+        all.insert(all.end(), more.begin(), more.end());
+        return commonReference(all).value_or("none");
+    };
+    EXPECT_EQ(of(rows(10, "C3", "Cz"), rows(8, "C4", "T4")), "Cz");
+    EXPECT_EQ(of(rows(9, "C3", "Cz"), rows(9, "C4", "T4")), "none");
+    EXPECT_EQ(of(rows(9, "C4", "T4"), rows(10, "C3", "cZ")), "cZ");
+    EXPECT_EQ(of(rows(1, "C3", "A1"), rows(20, "ECG", "Leg")), "A1") << "the scalp comes first";
+    EXPECT_EQ(of(rows(2, "ECG", "Leg"), rows(1, "EMG", "Arm")), "Leg") << "no scalp row at all";
+    EXPECT_EQ(of({}), "none");
+}
+
+TEST(SourceMontage, GapRowsTakeNoPartInReferences) {
+    TestMontage montage({"C3", "C4", "F3", "Cz"});
+    montage.add({"Gap1", "Gap2", "Gap3", "C3-Cz", "C4-Cz", "C3-F3"});
+    EXPECT_TRUE(montage.isReferential()) << "two rows of three";
+    EXPECT_STREQ(montage.ref(), "Cz");
+    EXPECT_TRUE(montage.changeReference(nullptr));
+    EXPECT_THAT(montage.names(),
+                ElementsAre("        ", "        ", "        ", "C3-Ref", "C4-Ref", "C3-Ref"));
+    EXPECT_FLOAT_EQ(montage.valueOf(0), 0);
+    EXPECT_STREQ(montage.ref(), "Ref");
+    EXPECT_EQ(definition(*montage.source(2)), "Gap3");
+}
+
+TEST(SourceMontage, ANewReferenceMovesTheRowsThatHaveTheRecordingsOwn) {
+    TestMontage montage(oldNames);
+    montage.add({"Fp1", "F7", "Fp1-F7"});
+    montage.addGlobalAvgRefs();
+    montage.source(0)->setName("mine");
+    EXPECT_FALSE(montage.changeReference("nobody"));
+    EXPECT_FALSE(montage.changeReference(""));
+    EXPECT_FALSE(montage.changeReference("Ref")) << "no channel of that name";
+    EXPECT_TRUE(montage.changeReference("av17"));
+    EXPECT_THAT(montage.names(), ElementsAre("Fp1-Av17", "F7-Av17", "Fp1-F7"));
+    EXPECT_STREQ(montage.ref(), "Av17");
+    // The 17 are channels 3 to 19: their mean is 110.
+    EXPECT_FLOAT_EQ(montage.valueOf(0), 10 - 110);
+    EXPECT_TRUE(montage.changeReference("Cz"));
+    EXPECT_STREQ(montage.source(0)->name(), "Fp1-Av17") << "has another than the recording's own";
+    EXPECT_TRUE(montage.changeReference(nullptr));
+    EXPECT_TRUE(montage.changeReference("cz"));
+    EXPECT_THAT(montage.names(), ElementsAre("Fp1-Cz", "F7-Cz", "Fp1-Cz"));
+    EXPECT_FLOAT_EQ(montage.valueOf(0), 10 - 100);
+    int id = 0;
+    EXPECT_TRUE(montage.isValidReference("AV12", &id));
+    EXPECT_EQ(id, averageBit | 2);
+    EXPECT_TRUE(montage.isValidReference("f7", &id));
+    EXPECT_EQ(id, 2);
+}
+
+TEST(SourceMontage, TheRecordedMontageTellsItsReferenceAfterAChange) {
+    TestMontage montage(oldNames);
+    montage.createRecordedMontage();
+    EXPECT_TRUE(montage.changeReference("Av12"));
+    EXPECT_STREQ(montage.ref(), "Av12");
+    EXPECT_TRUE(montage.changeReference(nullptr));
+    EXPECT_STREQ(montage.ref(), "Ref");
+}
+
+TEST(SourceMontage, ADeletedAverageIsNoReferenceAndOthersStay) {
+    TestMontage montage(oldNames);
+    montage.addGlobalAvgRefs();
+    montage.add({"Fp1-A1A2", "Fp1-Av17", "Fp1-Av12", "Fp1-F7"});
+    montage.deleteSource(montage.avgRef(1));
+    EXPECT_THAT(montage.averageNames(), ElementsAre("A1A2", "Av12"));
+    EXPECT_THAT(montage.names(), ElementsAre("Fp1-A1A2", "Fp1-Ref", "Fp1-Av12", "Fp1-F7"));
+    EXPECT_FLOAT_EQ(montage.valueOf(1), 10);
+    montage.add({"F7+F8"});
+    EXPECT_STREQ(montage.source(1)->name(), "Fp1-Ref") << "a new average is not the old one";
+    montage.deleteSource(montage.source(0));
+    EXPECT_THAT(montage.names(), ElementsAre("Fp1-Ref", "Fp1-Av12", "Fp1-F7"));
+    G1G2Source foreign(montage.recording, 0, 1);
+    montage.deleteSource(&foreign);
+    EXPECT_EQ(montage.sourceCount(), 3);
+}
+
+TEST(SourceMontage, NumericAveragesKeepNamesOfTheirOwn) {
+    TestMontage montage({"Fp1", "F7"});
+    montage.add({"Fp1-1*F7", "Fp1-2*F7"});
+    montage.deleteSource(montage.avgRef(0));
+    montage.add({"Fp1-3*F7"});
+    EXPECT_THAT(montage.averageNames(), ElementsAre("_av2", "_av3"));
+    EXPECT_FLOAT_EQ(montage.valueOf(1), 10 - 40);
+    EXPECT_FLOAT_EQ(montage.valueOf(2), 10 - 60);
+}
+
+TEST(SourceMontage, WrittenOutAndReadBackIsTheSame) {
+    TestMontage montage(oldNames);
+    montage.addGlobalAvgRefs();
+    montage.add({"F7:0.5+T3:-0.25", "Fp1-F7", "Gap1", "C3", "C3-Av17|40,1,0,2,0.1 sec,35 Hz",
+                 "Fp1-0.5*F7-2*T3|0,0,1,0,(off),(off),1,1,-5,5", "Cz-A1A2"});
+    TestMontage copy(oldNames);
+    for (int i = 0; i < montage.avgRefCount(); ++i) {
+        DataSource* average = copy.createSource(definition(*montage.avgRef(i)).c_str());
+        ASSERT_TRUE(average);
+        average->setName(montage.avgRef(i)->name());
+    }
+    for (int i = 0; i < montage.sourceCount(); ++i)
+        ASSERT_TRUE(copy.createSource(definition(*montage.source(i)).c_str()));
+    montage.updateFilters();
+    copy.updateFilters();
+    EXPECT_EQ(copy.names(), montage.names());
+    EXPECT_EQ(copy.averageNames(), montage.averageNames());
+    for (int i = 0; i < montage.sourceCount(); ++i) {
+        EXPECT_EQ(definition(*copy.source(i)), definition(*montage.source(i)));
+        EXPECT_EQ(copy.source(i)->settings(), montage.source(i)->settings());
+        EXPECT_EQ(read(*copy.source(i), 300, 700), read(*montage.source(i), 300, 700)) << i;
+    }
+    EXPECT_EQ(copy.source(3)->filters()->count(), 2);
+}
+
+// A host with montages of its own, and a reader that holds one.
+class OwnMontageReader : public test::FakeReader {
+  public:
+    using FakeReader::FakeReader;
+    int montageCount() override { return 1; }
+    const char* montageName(int) override { return "In the file"; }
+    void montageApply(SourceMontage& montage, const char*) override {
+        montage.createSource("F7-Av17");
+        montage.createSource("F7-Fp1");
+    }
+};
+
+TEST(SourceMontage, TheRecordingsOwnMontageComesLast) {
+    const test::MontageDirectory files;
+    OwnMontageReader reader(test::recordingOf({"Fp1", "F7"}));
+    reader.open("scripted");
+    SourceMontage montage;
+    montage.setReader(&reader);
+    EXPECT_EQ(montage.createMontage("in THE file"), 1);
+    ASSERT_EQ(montage.sourceCount(), 1);
+    EXPECT_STREQ(montage.source(0)->name(), "F7-Fp1");
+    EXPECT_THAT(montage.unresolved(), ElementsAre("F7-Av17"));
+    files.ini("[In the file]\nFp1=\nF7=\n");
+    EXPECT_EQ(montage.createMontage("In the file"), 1);
+    EXPECT_EQ(montage.sourceCount(), 2);
+    EXPECT_EQ(montage.createMontage("Nowhere"), 0);
+    EXPECT_STREQ(montage.name(), "Nowhere");
+    EXPECT_EQ(montage.sourceCount(), 0);
+}
+
+TEST(SourceMontage, AveragesEndWhereTheirIdsDo) {
+    TestMontage montage({"Fp1"});
+    std::vector<int> channels{0};
+    for (int i = 0; i < SourceMontage::maxAverages; ++i)
+        ASSERT_TRUE(montage.createSource(channels));
+    EXPECT_EQ(montage.createSource(channels), nullptr);
+    EXPECT_EQ(montage.createSource("Fp1+Fp1"), nullptr);
+    EXPECT_EQ(montage.createSource("Fp1-2*Fp1"), nullptr);
+}
+
+} // namespace
+} // namespace kvsig
