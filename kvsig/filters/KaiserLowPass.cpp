@@ -18,9 +18,25 @@ double kaiserBeta(double attenuation) {
     return 0.0;
 }
 
-// Modified Bessel function of the first kind and order 0, by its power series. A sum beyond the
-// range of a double ends it as well: the terms would grow for ever.
+// Modified Bessel function of the first kind and order 0 by its asymptotic expansion (Abramowitz
+// and Stegun 9.7.1), which is exact to the last digits for the arguments that it is used for.
+double largeBesselI0(double x) {
+    double sum = 1.0;
+    double term = 1.0;
+    for (int k = 1; term > 1e-17; ++k) {
+        const double odd = 2.0 * k - 1.0;
+        term *= odd * odd / (8.0 * k * x);
+        sum += term;
+    }
+    return sum * std::exp(x) / std::sqrt(2.0 * std::numbers::pi * x);
+}
+
+// The same function, usually by its power series. Windows of hundreds of dB over millions of taps
+// would take it many seconds.
 double besselI0(double x) {
+    constexpr double largestForSeries = 40.0; // the window of some 370 dB
+    if (x > largestForSeries)
+        return largeBesselI0(x);
     const double half = x / 2.0;
     double sum = 1.0;
     double term = half;
@@ -29,7 +45,7 @@ double besselI0(double x) {
         sum += term * term;
         ++k;
         term = term * half / k;
-    } while (term > 1e-7 && std::isfinite(sum));
+    } while (term > 1e-7);
     return sum;
 }
 

@@ -12,6 +12,7 @@
 #include "kvsig/util/Text.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstring>
 #include <span>
@@ -35,13 +36,41 @@ std::string fieldText(const std::string& name, std::int64_t offset, const std::s
     return name + " (offset " + std::to_string(offset) + ") is " + quoted(value);
 }
 
+// The two pivots differ on purpose: EDF has no rule, EDF+ counts two-digit years from 1985.
+std::int64_t fullYear(std::int64_t year, const edf::Header& header) {
+    const int pivot = header.kind() == edf::Kind::continuous ? 85 : 90;
+    return year + (year < pivot ? 2000 : 1900);
+}
+
 // dd.mm.yy as yyyy.mm.dd; what is no date stays as it is.
-std::string fullDate(const std::string& text, int centuryPivot) {
+std::string fullDate(const edf::Header& header) {
+    const std::string text = header.text(edf::startDate);
     const DottedTriple date = dottedTriple(text);
     if (!date.complete)
         return text;
-    const std::int64_t year = date.third + (date.third < centuryPivot ? 2000 : 1900);
-    return paddedText(year, 4) + "." + paddedText(date.second, 2) + "." + paddedText(date.first, 2);
+    return paddedText(fullYear(date.third, header), 4) + "." + paddedText(date.second, 2) + "." +
+           paddedText(date.first, 2);
+}
+
+bool within(std::int64_t value, std::int64_t least, std::int64_t most) {
+    return value >= least && value <= most;
+}
+
+bool isCalendarDate(const edf::Header& header) {
+    const DottedTriple date = dottedTriple(header.text(edf::startDate));
+    if (!date.complete || !within(date.first, 1, 31) || !within(date.second, 1, 12) ||
+        !within(date.third, 0, 99))
+        return false;
+    using namespace std::chrono;
+    return year_month_day(year(static_cast<int>(fullYear(date.third, header))),
+                          month(static_cast<unsigned>(date.second)),
+                          day(static_cast<unsigned>(date.first)))
+        .ok();
+}
+
+bool isTimeOfDay(const DottedTriple& time) {
+    return time.complete && within(time.first, 0, 23) && within(time.second, 0, 59) &&
+           within(time.third, 0, 59);
 }
 
 std::string headerLengthText(const edf::Header& header) {
@@ -156,6 +185,7 @@ void EDF90Reader::layOutChannels() {
 
 void EDF90Reader::reportOddFields() {
     reportOddNumbers();
+    reportOddStart();
     reportOddTiming();
     reportOddSizes();
 }
@@ -175,6 +205,20 @@ void EDF90Reader::reportOddNumbers() {
     for (std::int64_t i = 0; i < header.fileSignals(); ++i)
         tell(samplesText(header, i), header.text(edf::samplesPerRecord, i),
              static_cast<double>(header.signalSamples()[static_cast<std::size_t>(i)]));
+}
+
+// What is no time still counts as one, overflowing hours and minutes included; clock times and the
+// patient record's date then mean nothing.
+void EDF90Reader::reportOddStart() {
+    const edf::Header& header = m_edf->header;
+    const std::string date = header.text(edf::startDate);
+    const std::string time = header.text(edf::startTime);
+    if (!isCalendarDate(header))
+        report(Severity::warning,
+               fieldText("start date", edf::startDate.offset, date) + ", no date as dd.mm.yy");
+    if (!isTimeOfDay(dottedTriple(time)))
+        report(Severity::warning,
+               fieldText("start time", edf::startTime.offset, time) + ", no time as hh.mm.ss");
 }
 
 void EDF90Reader::reportOddTiming() {
@@ -305,13 +349,12 @@ bool EDF90Reader::getPatientRec() {
     copyText(patient.rawRecording, header.text(edf::recordingId));
     copyText(patient.testTime, header.text(edf::startTime));
 
-    // The two pivots differ on purpose: EDF has no rule, EDF+ counts two-digit years from 1985.
-    const bool plus = header.kind() == edf::Kind::continuous;
-    copyText(patient.testDate, fullDate(header.text(edf::startDate), plus ? 85 : 90));
+    copyText(patient.testDate, fullDate(header));
     // What this file does not tell must not be the last one's patient.
     copyText(patient.id, "");
     copyText(patient.sex, "");
     copyText(patient.birthDate, "");
+    const bool plus = header.kind() == edf::Kind::continuous;
     const std::vector<std::string> words = splitWords(identification, ' ');
     if (plus && words.size() == 4) {
         copyText(patient.id, words[0]);

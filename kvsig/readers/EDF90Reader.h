@@ -74,6 +74,7 @@ class KVSIG_API EDF90Reader : public DataReader {
     void layOutChannels();
     void reportOddFields();
     void reportOddNumbers();
+    void reportOddStart();
     void reportOddTiming();
     void reportOddSizes();
     void reportOddCalibrations();

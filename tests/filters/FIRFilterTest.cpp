@@ -69,6 +69,10 @@ TEST(KaiserLowPass, IsAWindowedSinc) {
     expectKaiserSinc(kaiserLowPass(45, 0.1, -60.0), 45, 0.1, beta60);
     expectKaiserSinc(kaiserLowPass(31, 0.23, 20.0), 31, 0.23, 0.0);
     expectKaiserSinc(kaiserLowPass(12, 0.23, 40.0), 12, 0.23, beta40);
+    for (const double attenuation : {370.0, 400.0, 6000.0}) // either way to compute the window
+        expectKaiserSinc(kaiserLowPass(45, 0.1, attenuation), 45, 0.1,
+                         0.1102 * (attenuation - 8.7));
+    EXPECT_TRUE(kaiserLowPass(45, 0.1, 7000.0).empty());
     EXPECT_EQ(kaiserLowPass(12, 0.23, 40.0).size(), 7u);
     EXPECT_EQ(kaiserLowPass(12, 0.23, 40.0).back(), 0.0F);
 }

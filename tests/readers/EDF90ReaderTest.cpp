@@ -176,16 +176,23 @@ TEST(EDF90Reader, TheStartTimeAnchorsSampleZero) {
     const struct {
         const char* time;
         double clock;
+        bool told;
     } cases[] = {
-        {"00.00.00", 0},     {"23.05.07", 83107}, {"1.2.3", 3723}, {" 1. 2. 3", 3723},
-        {"26.00.99", 93699}, {"23:05:07", 0},     {"23.05", 0},    {"", 0},
-        {"ab.cd.ef", 0},     {"12.34.5x", 45245}, {"23.05.", 0},
+        {"00.00.00", 0, false},    {"23.59.59", 86399, false}, {"1.2.3", 3723, false},
+        {" 1. 2. 3", 3723, false}, {"12.34.5x", 45245, false}, {"26.00.99", 93699, true},
+        {"24.00.00", 86400, true}, {"0.60.0", 3600, true},     {"0.0.-1", -1, true},
+        {"23:05:07", 0, true},     {"23.05", 0, true},         {"", 0, true},
+        {"ab.cd.ef", 0, true},     {"23.05.", 0, true},
     };
     for (const auto& c : cases) {
         Edf reader(oneSignal().start("04.07.89", c.time));
         EXPECT_EQ(reader.sampleTimeCount(), 1) << c.time;
         EXPECT_EQ(startClock(reader), c.clock) << c.time;
         EXPECT_STREQ(reader.patientRec()->testTime, c.time);
+        EXPECT_EQ(findingsOf(reader, Severity::warning),
+                  c.told ? std::string("start time (offset 176) is \"") + c.time +
+                               "\", no time as hh.mm.ss\n"
+                         : "");
     }
     EDF90Reader anchored;
     SampleTime own{0, 100.0};
@@ -201,19 +208,28 @@ TEST(EDF90Reader, TheStartTimeAnchorsSampleZero) {
 TEST(EDF90Reader, DatesGetTheirCenturyByTheFormatsOwnPivot) {
     const struct {
         const char *date, *plain, *plus;
+        bool told;
     } cases[] = {
-        {"04.07.89", "2089.07.04", "1989.07.04"},
-        {"01.12.84", "2084.12.01", "2084.12.01"},
-        {"31.01.90", "1990.01.31", "1990.01.31"},
-        {"04-07-89", "04-07-89", "04-07-89"},
-        {"", "", ""},
-        {"1.1.1989", "3889.01.01", "3889.01.01"},
+        {"04.07.89", "2089.07.04", "1989.07.04", false},
+        {"01.12.84", "2084.12.01", "2084.12.01", false},
+        {"31.01.90", "1990.01.31", "1990.01.31", false},
+        {"29.02.00", "2000.02.29", "2000.02.29", false},
+        {"29.02.90", "1990.02.29", "1990.02.29", true},
+        {"45.13.99", "1999.13.45", "1999.13.45", true},
+        {"00.01.99", "1999.01.00", "1999.01.00", true},
+        {"04-07-89", "04-07-89", "04-07-89", true},
+        {"", "", "", true},
+        {"1.1.1989", "3889.01.01", "3889.01.01", true},
     };
     for (const auto& c : cases) {
         Edf plain(oneSignal().start(c.date, "00.00.00"));
         Edf plus(oneSignal().start(c.date, "00.00.00").reserved("EDF+C"));
         EXPECT_STREQ(plain.patientRec()->testDate, c.plain) << c.date;
         EXPECT_STREQ(plus.patientRec()->testDate, c.plus) << c.date;
+        EXPECT_EQ(findingsOf(plus, Severity::warning),
+                  c.told ? std::string("start date (offset 168) is \"") + c.date +
+                               "\", no date as dd.mm.yy\n"
+                         : "");
     }
 }
 

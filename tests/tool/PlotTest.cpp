@@ -1,12 +1,19 @@
 #include "support/Command.h"
 #include "support/EdfFile.h"
+#include "tool/plot/PageCaption.h"
 #include "tool/plot/PageLayout.h"
 #include "tool/plot/TraceReducer.h"
 
+#include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
+#include <locale>
+#include <sstream>
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace kvsig::test {
@@ -62,11 +69,12 @@ TEST(TraceReducer, KeepsEverySampleOfAShortTrace) {
     const float values[] = {1, 5, std::numeric_limits<float>::quiet_NaN(), -2};
     trace.add(values, 4);
     trace.finish();
-    ASSERT_EQ(trace.points().size(), 3U);
-    EXPECT_EQ(trace.points()[2].position, 0.75F);
+    ASSERT_EQ(trace.line().size(), 3U);
+    EXPECT_EQ(trace.line()[2].position, 0.75F);
     EXPECT_EQ(trace.lowest(), -2.0F);
     EXPECT_EQ(trace.highest(), 5.0F);
-    EXPECT_NEAR(trace.mean(), 4.0 / 3, 1e-12);
+    EXPECT_EQ(trace.centre(), 1.0) << "the median";
+    EXPECT_TRUE(trace.columns().empty());
 }
 
 TEST(TraceReducer, KeepsTheExtremesOfALongOne) {
@@ -80,12 +88,123 @@ TEST(TraceReducer, KeepsTheExtremesOfALongOne) {
     for (std::int64_t at = 0; at < count; at += 777)
         parts.add(values.data() + at, std::min<std::int64_t>(777, count - at));
     parts.finish();
-    EXPECT_LE(whole.points().size(), 200U);
-    ASSERT_EQ(whole.points().size(), parts.points().size()) << "blocks must not matter";
-    const auto spike = std::find_if(whole.points().begin(), whole.points().end(),
+    const auto line = whole.line();
+    EXPECT_LE(line.size(), 200U);
+    ASSERT_EQ(line.size(), parts.line().size()) << "blocks must not matter";
+    const auto spike = std::find_if(line.begin(), line.end(),
                                     [](const auto& point) { return point.value == 9.0F; });
-    ASSERT_NE(spike, whole.points().end());
+    ASSERT_NE(spike, line.end());
     EXPECT_EQ((spike + 1)->value, -7.0F) << "in their order";
+}
+
+TEST(TraceReducer, ColumnsTellWhereMostSamplesLie) {
+    constexpr std::int64_t count = 100000;
+    tool::TraceReducer trace(count, 100);
+    std::vector<float> values(count);
+    for (std::size_t i = 0; i < values.size(); ++i)
+        values[i] = i % 2 == 0 ? 10003.0F : 9997.0F;
+    std::fill_n(values.begin(), 20000, 1e9F); // an artefact of a fifth of the page
+    trace.add(values.data(), count);
+    trace.finish();
+    ASSERT_EQ(trace.columns().size(), 100U);
+    const tool::TraceColumn& column = trace.columns()[70];
+    EXPECT_FLOAT_EQ(column.position, 0.705F);
+    EXPECT_EQ(column.low, 9997.0F);
+    EXPECT_EQ(column.high, 10003.0F);
+    EXPECT_NEAR(column.mean, 10000.0, 1e-2);
+    EXPECT_NEAR(column.deviation, 3.0, 1e-4);
+    EXPECT_NEAR(trace.centre(), 10000.0, 1e-2) << "an artefact does not move the row";
+}
+
+using Points = std::vector<std::pair<double, double>>;
+
+// The lines of an SVG that have more points than the grid's, in millimetres, in drawing order.
+std::vector<Points> tracesOf(const std::string& svg) {
+    std::vector<Points> traces;
+    for (std::size_t at = svg.find(" d=\"M "); at != std::string::npos;
+         at = svg.find(" d=\"M ", at + 1)) {
+        std::istringstream path(svg.substr(at + 4, svg.find('"', at + 4) - at - 4));
+        path.imbue(std::locale::classic());
+        Points points;
+        char command = 0;
+        double x = 0.0;
+        double y = 0.0;
+        while (path >> command >> x >> y && (command == 'M' || command == 'L'))
+            points.emplace_back(x, y);
+        if (points.size() > 100)
+            traces.push_back(points);
+    }
+    return traces;
+}
+
+// Each row has one pulse of its own time and sign; the areas of the page are those of its layout.
+TEST(Plot, NegativeIsUpAndRowsFollowTheSelection) {
+    const TempDir dir;
+    EdfFile()
+        .signal("EEG C3-Ref", 64) // 0.1 uV a count
+        .signal("EEG C4-Ref", 64)
+        .signal("ECG", 64)
+        .records(10)
+        .samples([](int signal, std::int64_t i) {
+            const int second[] = {2, 6, 8};
+            const int counts[] = {1000, -1000, 10000};
+            const int wiggle = i % 2 == 0 ? 1 : -1; // of a straight line no points are left
+            return wiggle + (i / 64 == second[signal] ? counts[signal] : 50);
+        })
+        .writeTo(dir.file("a.edf"));
+    const CommandResult run =
+        runCommand(dir, "plot a.edf --channels C4,ECG,C3 --sensitivity 10 -o a.svg");
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    const std::vector<Points> traces = tracesOf(dir.read("a.svg"));
+    ASSERT_EQ(traces.size(), 3U);
+    const tool::PageLayout layout(3);
+    const auto belowCentre = [&](std::size_t row, double seconds) {
+        const double x = layout.left + seconds / 10 * layout.traceWidth();
+        const auto point = std::find_if(traces[row].begin(), traces[row].end(),
+                                        [x](const auto& p) { return p.first >= x; });
+        return point->second - layout.rowCentre(row);
+    };
+    EXPECT_NEAR(belowCentre(0, 1.5), 0.0, 0.03) << "C4: its constant is taken off";
+    EXPECT_NEAR(belowCentre(0, 6.5), -10.5, 0.03) << "105 uV to the negative at 10 uV/mm: up";
+    EXPECT_LT(belowCentre(1, 8.5), -5.0) << "ECG: positive up, on a scale of its own";
+    EXPECT_NEAR(belowCentre(2, 6.5), 0.0, 0.03) << "C3";
+    EXPECT_NEAR(belowCentre(2, 2.5), 9.5, 0.03) << "95 uV to the positive: down";
+}
+
+TEST(Plot, LongPagesAreNoSolidInk) {
+    const TempDir dir;
+    EdfFile().signal("C3", 64).records(200).writeTo(dir.file("a.edf"));
+    const auto shades = [&dir](const std::string& range) {
+        EXPECT_EQ(runCommand(dir, "plot a.edf -o a.svg " + range).exitCode, 0);
+        const std::string svg = dir.read("a.svg");
+        return svg.find("fill-opacity:0.22") != std::string::npos;
+    };
+    EXPECT_TRUE(shades(""));
+    EXPECT_FALSE(shades("--to 30")) << "a usual page is a line";
+}
+
+TEST(Plot, SeveralFilesGoToOneFolder) {
+    const TempDir dir;
+    for (const char* name : {"a.edf", "b.edf"})
+        EdfFile().signal("C3", 64).records(2).writeTo(dir.file(name));
+    std::filesystem::create_directory(dir.file("out"));
+    EXPECT_EQ(runCommand(dir, "plot a.edf missing.edf b.edf -o out/ --format svg").exitCode, 1);
+    for (const char* name : {"out/a.svg", "out/b.svg"})
+        EXPECT_THAT(dir.read(name), StartsWith("<?xml")) << name;
+    EXPECT_EQ(runCommand(dir, "plot a.edf b.edf -o x.svg").exitCode, 2);
+    EXPECT_EQ(dir.read("x.svg"), "");
+}
+
+TEST(PageCaption, NamesSensitivitySpeedAndFilters) {
+    tool::SignalOptions signals;
+    EXPECT_EQ(tool::captionText(7, 26, signals),
+              "7 uV/mm, negative up   26 mm/s   low filter off   high filter off   notch off");
+    signals.lowFilter = 0.5;
+    signals.highFilter = 70;
+    signals.notch = 60;
+    EXPECT_EQ(tool::captionText(0, 0.00903, signals),
+              "0.00903 mm/s   low filter 0.5 Hz   high filter 70 Hz   notch 60 Hz (2 Hz wide at "
+              "-3 dB)");
 }
 
 TEST(PageLayout, GridsSuitThePagesDuration) {

@@ -1,9 +1,9 @@
 #include "tool/plot/PageDrawing.h"
 
-#include "kvsig/filters/DisplayText.h"
 #include "kvsig/util/NumberText.h"
 #include "kvsig/util/Text.h"
 #include "tool/Words.h"
+#include "tool/plot/PageCaption.h"
 
 #include <algorithm>
 #include <cmath>
@@ -36,7 +36,7 @@ RowScale scaleOf(const Row& row, const TraceReducer& trace, const PageContent& c
         // The ECG is read with its R wave up, whatever the electrodes' convention.
         scale.mmPerUnit = (own ? -1.0 : 1.0) / sensitivity;
         // Without a low filter the electrodes' offset would carry the trace off the page.
-        scale.centre = content.signals->lowFilter > 0 ? 0.0 : trace.mean();
+        scale.centre = content.signals->lowFilter > 0 ? 0.0 : trace.centre();
         if (own)
             scale.note = shortestText(sensitivity) + " uV/mm";
         return scale;
@@ -104,16 +104,24 @@ class PagePainter {
     void drawRow(std::size_t index, const Row& row, const TraceReducer& trace) {
         const double centre = m_layout.rowCentre(index);
         const RowScale scale = scaleOf(row, trace, m_content, m_layout.rowSpacing);
-        const double nameSize = std::min(3.1, 0.75 * m_layout.rowSpacing);
+        const double room = m_layout.rowSpacing;
+        const bool note = !scale.note.empty();
+        const double nameSize = std::min(3.1, (note ? 0.5 : 0.75) * room);
         const double labelRight = m_layout.left - 2.0;
         const double labelRoom = m_layout.left - 4.0;
-        const bool note = !scale.note.empty() && m_layout.rowSpacing > 5.0;
         m_canvas.text(labelRight, centre + (note ? 0.0 : 0.35 * nameSize), row.name, nameSize,
                       Align::right, words, labelRoom);
         if (note)
-            m_canvas.text(labelRight, centre + 2.9, scale.note, 2.2, Align::right, faint,
-                          labelRoom);
+            m_canvas.text(labelRight, centre + std::min(2.9, 0.45 * room), scale.note,
+                          std::min(2.2, 0.38 * room), Align::right, faint, labelRoom);
         drawTrace(trace, centre, scale);
+    }
+
+    // Whether columns hold so much time that a line through their extremes would be solid ink.
+    [[nodiscard]] bool isEnvelope(const TraceReducer& trace) const {
+        constexpr double longestColumn = 0.06; // s; an alpha wave takes two of these at the least
+        const auto columns = static_cast<double>(trace.columns().size());
+        return columns > 0 && m_duration / columns > longestColumn;
     }
 
     void drawTrace(const TraceReducer& trace, double centre, const RowScale& scale) {
@@ -122,17 +130,46 @@ class PagePainter {
         cairo_rectangle(context, m_layout.left, m_layout.top - 4.0, m_layout.traceWidth(),
                         m_layout.bottom - m_layout.top + 4.0);
         cairo_clip(context);
-        cairo_set_source_rgb(context, ink.red, ink.green, ink.blue);
-        cairo_set_line_width(context, 0.18);
-        // Far off the page a coordinate means nothing more, and the picture's formats overflow.
-        constexpr double farAway = 2000.0;
-        for (const TracePoint& point : trace.points()) {
-            const double y = (double{point.value} - scale.centre) * scale.mmPerUnit;
-            cairo_line_to(context, m_layout.left + point.position * m_layout.traceWidth(),
+        const auto lineTo = [&](float position, double value) {
+            // Far off the page a coordinate means nothing more, and the picture's formats overflow.
+            constexpr double farAway = 2000.0;
+            const double y = (value - scale.centre) * scale.mmPerUnit;
+            cairo_line_to(context, m_layout.left + double{position} * m_layout.traceWidth(),
                           centre + std::clamp(y, -farAway, farAway));
+        };
+        if (isEnvelope(trace)) {
+            drawEnvelope(trace.columns(), lineTo);
+        } else {
+            for (const TracePoint& point : trace.line())
+                lineTo(point.position, double{point.value});
+            cairo_set_source_rgb(context, ink.red, ink.green, ink.blue);
+            cairo_set_line_width(context, 0.18);
+            cairo_stroke(context);
         }
-        cairo_stroke(context);
         cairo_restore(context);
+    }
+
+    // The columns' extremes light, so that neighbours show through; where most samples lie, dark.
+    template <typename LineTo>
+    void drawEnvelope(const std::vector<TraceColumn>& columns, LineTo lineTo) {
+        cairo_t* context = m_canvas.context();
+        const auto around = [&](auto upper, auto lower) {
+            for (auto column = columns.begin(); column != columns.end(); ++column)
+                lineTo(column->position, upper(*column));
+            for (auto column = columns.rbegin(); column != columns.rend(); ++column)
+                lineTo(column->position, lower(*column));
+            cairo_close_path(context);
+        };
+        around([](const TraceColumn& c) { return double{c.high}; },
+               [](const TraceColumn& c) { return double{c.low}; });
+        cairo_set_source_rgba(context, ink.red, ink.green, ink.blue, 0.22);
+        cairo_fill(context);
+        around([](const TraceColumn& c) { return double{c.mean} + double{c.deviation}; },
+               [](const TraceColumn& c) { return double{c.mean} - double{c.deviation}; });
+        cairo_set_source_rgba(context, ink.red, ink.green, ink.blue, 0.6);
+        cairo_set_line_width(context, 0.18);
+        cairo_fill_preserve(context);
+        cairo_stroke(context);
     }
 
     void drawScaleBar() {
@@ -154,22 +191,6 @@ class PagePainter {
         return !std::all_of(rows.begin(), rows.end(), hasOwnScale);
     }
 
-    [[nodiscard]] std::string commonScaleWords() const {
-        return hasCommonScale() ? shortestText(m_content.sensitivity) + " uV/mm, negative up   "
-                                : std::string();
-    }
-
-    [[nodiscard]] std::string filterWords() const {
-        const auto hertz = [](double value) {
-            char text[filterTextSize];
-            return std::string(value > 0 ? FreqAsText(text, value) : "off");
-        };
-        const SignalOptions& signals = *m_content.signals;
-        return "low filter " + hertz(signals.lowFilter) + "   high filter " +
-               hertz(signals.highFilter) + "   notch " + hertz(signals.notch) +
-               (signals.notch > 0 ? " (2 Hz wide at -3 dB)" : "");
-    }
-
     void drawCaption() {
         IDataReader& reader = *m_content.recording->reader;
         const std::string& path = m_content.recording->path;
@@ -181,15 +202,24 @@ class PagePainter {
                           generalText(m_duration, 6) + " s shown",
                       3.0, Align::right, words);
         const double speed = m_layout.traceWidth() / m_duration;
-        m_canvas.text(2.0, 11.0,
-                      commonScaleWords() + generalText(speed, 3) + " mm/s   " + filterWords(), 3.0,
-                      Align::left, words);
-        const bool meanTaken = m_content.signals->lowFilter <= 0 && hasCommonScale();
-        std::string remarks = meanTaken ? "each trace's mean is taken off" : "";
+        m_canvas.text(
+            2.0, 11.0,
+            captionText(hasCommonScale() ? m_content.sensitivity : 0.0, speed, *m_content.signals),
+            3.0, Align::left, words);
+        std::string remarks;
+        const auto remark = [&remarks](bool applies, const char* sentence) {
+            if (applies)
+                remarks += std::string(remarks.empty() ? "" : "; ") + sentence;
+        };
         const auto& rows = m_content.rows->rows();
-        if (std::any_of(rows.begin(), rows.end(), hasOwnScale))
-            remarks += std::string(remarks.empty() ? "" : "; ") +
-                       "rows with a scale of their own: positive up";
+        const auto& traces = *m_content.traces;
+        remark(m_content.signals->lowFilter <= 0 && hasCommonScale(),
+               "each trace's median is taken off");
+        remark(std::any_of(rows.begin(), rows.end(), hasOwnScale),
+               "rows with a scale of their own: positive up");
+        remark(std::any_of(traces.begin(), traces.end(),
+                           [this](const TraceReducer& trace) { return isEnvelope(trace); }),
+               "light: all values, dark: mean and standard deviation");
         m_canvas.text(2.0, m_layout.height - 2.5, remarks, 2.5, Align::left, faint);
     }
 

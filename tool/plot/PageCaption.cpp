@@ -1,0 +1,24 @@
+#include "tool/plot/PageCaption.h"
+
+#include "kvsig/filters/DisplayText.h"
+#include "kvsig/util/NumberText.h"
+
+namespace kvsig::tool {
+namespace {
+
+std::string hertz(double value) {
+    char text[filterTextSize];
+    return value > 0 ? FreqAsText(text, value) : "off";
+}
+
+} // namespace
+
+std::string captionText(double sensitivity, double speed, const SignalOptions& signals) {
+    const std::string scale =
+        sensitivity > 0 ? shortestText(sensitivity) + " uV/mm, negative up   " : std::string();
+    return scale + generalText(speed, 3) + " mm/s   low filter " + hertz(signals.lowFilter) +
+           "   high filter " + hertz(signals.highFilter) + "   notch " + hertz(signals.notch) +
+           (signals.notch > 0 ? " (2 Hz wide at -3 dB)" : "");
+}
+
+} // namespace kvsig::tool

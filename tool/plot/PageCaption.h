@@ -1,0 +1,14 @@
+#pragma once
+
+#include "tool/SignalOptions.h"
+
+#include <string>
+
+namespace kvsig::tool {
+
+/// How a page is to be read: sensitivity (microvolts per millimetre; 0: no row has the common one),
+/// speed (millimetres per second) and filters.
+[[nodiscard]] std::string captionText(double sensitivity, double speed,
+                                      const SignalOptions& signals);
+
+} // namespace kvsig::tool
