@@ -1,52 +1,55 @@
 #include "tool/Command.h"
 #include "tool/ExportWriters.h"
-#include "tool/LongWork.h"
-#include "tool/Output.h"
-#include "tool/Recording.h"
+#include "tool/FileNames.h"
 #include "tool/RowStream.h"
-#include "tool/Rows.h"
-#include "tool/SignalOptions.h"
+#include "tool/Selection.h"
 #include "tool/Words.h"
+#include "tool/raw/RawExport.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace kvsig::tool {
 namespace {
 
 struct ExportOptions {
-    std::string file;
-    std::string format = "csv";
+    std::string format; ///< empty: by the output's ending
     std::string values = "physical";
     std::string output;
+    bool showPatient = false;
     SignalOptions signals;
 };
 
-bool rawIsPossible(const Recording& recording, const Rows& rows, const ExportOptions& options) {
-    const SignalOptions& signals = options.signals;
-    if (signals.lowFilter > 0 || signals.highFilter > 0 || signals.notch > 0) {
-        complain(recording.path +
-                 ": --values raw gives the file's own integers; it takes no filter");
+bool hasRawValues(const Selection& selection) {
+    const Recording& recording = selection.recording;
+    for (const Row& row : selection.rows.rows()) {
+        std::string why;
+        if (row.channel < 0)
+            why = " is a derivation, which has no raw values";
+        else if (recording.placeOf(row.channel).reader->samplingRate() !=
+                 recording.reader->samplingRate())
+            why = " is stretched to the rate of the other recording, which has no raw values";
+        if (why.empty())
+            continue;
+        complain(recording.path + ": --values raw: " + row.name + why);
         return false;
     }
-    for (const Row& row : rows.rows())
-        if (row.channel < 0) {
-            complain(recording.path + ": --values raw: " + row.name +
-                     " is a derivation, which has no raw values");
-            return false;
-        }
     return true;
 }
 
-bool writeRaw(const Recording& recording, const Rows& rows, SampleRange range, TableWriter& writer,
-              LongWork& work) {
-    const long window = windowLengthFor(rows.rows(), range);
-    std::vector<std::vector<std::int32_t>> columns(rows.rows().size());
+bool writeRaw(const Selection& selection, TableWriter& writer, LongWork& work) {
+    const std::vector<Row>& rows = selection.rows.rows();
+    const SampleRange range = selection.range;
+    const long window = windowLengthFor(rows, range);
+    std::vector<std::vector<std::int32_t>> columns(rows.size());
     for (long first = range.first; first <= range.last; first += window) {
         const SampleRange part{first, std::min(range.last, first + window - 1)};
         for (std::size_t i = 0; i < columns.size(); ++i) {
             columns[i].resize(static_cast<std::size_t>(part.length()));
-            const Recording::Place place = recording.placeOf(rows.rows()[i].channel);
+            const Recording::Place place = selection.recording.placeOf(rows[i].channel);
             place.reader->getRawData(place.channel, part.first, part.last, columns[i].data());
         }
         if (!goOn(work, part, range) || !writer.writeRaw(part, columns))
@@ -55,49 +58,75 @@ bool writeRaw(const Recording& recording, const Rows& rows, SampleRange range, T
     return true;
 }
 
-bool writeValues(const Rows& rows, SampleRange range, bool kernelValues, TableWriter& writer,
+bool writeValues(const Selection& selection, bool kernelValues, TableWriter& writer,
                  LongWork& work) {
-    RowStream stream(rows.rows(), range);
+    const std::vector<Row>& rows = selection.rows.rows();
+    RowStream stream(rows, selection.range);
     stream.setKernelValues(kernelValues);
     while (stream.next())
-        if (!goOn(work, stream.window(), range) || !writer.writeValues(stream, rows.rows().size()))
+        if (!goOn(work, stream.window(), selection.range) ||
+            !writer.writeValues(stream, rows.size()))
             return false;
     return true;
 }
 
-int run(const ExportOptions& options) {
-    setQuiet(options.signals.quiet);
-    const std::optional<int> type = typeFromName(options.signals.type);
-    if (!type)
-        return exitWrongUsage;
-    const std::optional<Recording> recording = openUsableRecording(options.file, *type);
-    if (!recording || isRecordingItself(*recording, options.output) ||
-        !filtersFit(*recording, options.signals))
-        return exitFailed;
-    const std::optional<SampleRange> range = sampleRange(*recording, options.signals);
-    Rows rows(*recording);
-    if (!range || !rows.select(options.signals))
-        return exitFailed;
-    const bool raw = options.values == "raw";
-    if (raw && !rawIsPossible(*recording, rows, options))
-        return exitWrongUsage;
+std::string formatOf(const ExportOptions& options) {
+    const std::string ending = endingAmong(options.output, {"csv", "tsv", "npy", "raw"});
+    if (!options.format.empty())
+        return options.format;
+    return ending.empty() ? "csv" : ending;
+}
 
-    Output output;
-    LongWork work("exporting " + options.file, options.signals.quiet);
-    bool written = output.open(options.output);
-    if (written) {
-        const auto writer = makeTableWriter(
-            options.format, output, {&rows.rows(), *range, recording->reader->samplingRate(), raw});
-        const bool kernelValues = options.values == "kernel";
-        written = writer->writeHead() &&
-                  (raw ? writeRaw(*recording, rows, *range, *writer, work)
-                       : writeValues(rows, *range, kernelValues, *writer, work)) &&
-                  output.commit();
-    }
-    if (!written)
-        complain(work.interrupted() ? options.file + ": interrupted, what was written is incomplete"
-                                    : output.error());
-    return written ? exitWell : exitFailed;
+bool isFiltered(const SignalOptions& signals) {
+    return signals.lowFilter > 0 || signals.highFilter > 0 || signals.notch > 0;
+}
+
+void writeTables(SelectionJob& job, const ExportOptions& options) {
+    const bool raw = options.values == "raw";
+    if (raw && isFiltered(options.signals))
+        throw CLI::ValidationError("--values raw",
+                                   "gives the file's own integers; it takes no filter");
+    if (raw)
+        job.check = hasRawValues;
+    const bool kernelValues = options.values == "kernel";
+    job.write = [raw, kernelValues, format = job.ending](const Selection& selection, Output& output,
+                                                         LongWork& work) {
+        const double rate = selection.recording.reader->samplingRate();
+        const auto writer =
+            makeTableWriter(format, output, {&selection.rows.rows(), selection.range, rate, raw});
+        return writer->writeHead() && (raw ? writeRaw(selection, *writer, work)
+                                           : writeValues(selection, kernelValues, *writer, work));
+    };
+}
+
+void writeInterleaved(SelectionJob& job, const ExportOptions& options) {
+    if (options.values != "physical")
+        throw CLI::ValidationError("--values " + options.values,
+                                   "goes with tables; --format raw chooses its own counts");
+    if (options.output.empty() || options.output == "-")
+        throw CLI::ValidationError("--format raw", "writes two files; it needs --output");
+    const auto raw = std::make_shared<RawExport>(isFiltered(options.signals), options.showPatient);
+    job.companion = layoutPathFor;
+    job.write = [raw](const Selection& selection, Output& output, LongWork& work) {
+        return raw->writeData(selection, output, work);
+    };
+    job.finish = [raw](const Selection& selection, const std::string& path) {
+        return raw->writeLayout(selection, path);
+    };
+}
+
+int run(const ExportOptions& options) {
+    const std::string format = formatOf(options);
+    SelectionJob job;
+    job.signals = &options.signals;
+    job.output = options.output;
+    job.ending = format;
+    job.doing = "exporting";
+    if (format == "raw")
+        writeInterleaved(job, options);
+    else
+        writeTables(job, options);
+    return runForEachFile(job);
 }
 
 } // namespace
@@ -105,15 +134,20 @@ int run(const ExportOptions& options) {
 void addExportCommand(CLI::App& app, int& exitCode) {
     auto options = std::make_shared<ExportOptions>();
     CLI::App* command = app.add_subcommand("export", "Write samples of channels or derivations");
-    command->add_option("FILE", options->file, "Recording")->required();
-    command->add_option("--format", options->format, "csv (default), tsv or npy")
-        ->check(CLI::IsMember({"csv", "tsv", "npy"}));
+    command
+        ->add_option("--format", options->format,
+                     "csv, tsv, npy or raw (default: by the output's ending, else csv); raw is "
+                     "interleaved 16-bit data with the layout that describes it")
+        ->check(CLI::IsMember({"csv", "tsv", "npy", "raw"}));
     command
         ->add_option("--values", options->values,
                      "physical (default): in the units of the file; kernel: what the library's "
                      "getData gives at gain 1; raw: the file's integers")
         ->check(CLI::IsMember({"physical", "kernel", "raw"}));
-    command->add_option("-o,--output", options->output, "File to write (default: standard output)");
+    command->add_option("-o,--output", options->output,
+                        "File to write, or folder for several (default: standard output)");
+    command->add_flag("--show-patient", options->showPatient,
+                      "Write who was recorded into the layout of raw data");
     addSignalOptions(*command, options->signals);
     command->callback([options, &exitCode] { exitCode = run(*options); });
 }

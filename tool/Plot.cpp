@@ -1,11 +1,7 @@
 #include "tool/Command.h"
-#include "tool/LongWork.h"
-#include "tool/Output.h"
-#include "tool/Recording.h"
+#include "tool/FileNames.h"
 #include "tool/RowStream.h"
-#include "tool/Rows.h"
-#include "tool/SignalOptions.h"
-#include "tool/Words.h"
+#include "tool/Selection.h"
 #include "tool/plot/Canvas.h"
 #include "tool/plot/PageDrawing.h"
 #include "tool/plot/PageLayout.h"
@@ -22,8 +18,8 @@ namespace {
 constexpr int traceColumns = 1500; // as many as a picture has pixels across
 
 struct PlotOptions {
-    std::string file;
     std::string output;
+    std::string format;     ///< empty: by the output's ending
     double sensitivity = 0; ///< microvolts per millimetre; 0: one that fits
     SignalOptions signals;
 };
@@ -54,45 +50,44 @@ double chosenSensitivity(const Rows& rows, const std::vector<TraceReducer>& trac
     return fittingSensitivity(median(spans), usualRoom * layout.rowSpacing);
 }
 
-int run(const PlotOptions& options) {
-    setQuiet(options.signals.quiet);
-    const std::string kind = Canvas::kindOf(options.output);
-    if (kind.empty()) {
-        complain("--output " + options.output + ": the name must end in .svg, .png or .pdf");
-        return exitWrongUsage;
-    }
-    const std::optional<int> type = typeFromName(options.signals.type);
-    if (!type)
-        return exitWrongUsage;
-    const std::optional<Recording> recording = openUsableRecording(options.file, *type);
-    if (!recording || isRecordingItself(*recording, options.output) ||
-        !filtersFit(*recording, options.signals))
-        return exitFailed;
-    const std::optional<SampleRange> range = sampleRange(*recording, options.signals);
-    Rows rows(*recording);
-    if (!range || !rows.select(options.signals))
-        return exitFailed;
-
+bool drawSelection(const Selection& selection, const std::string& format,
+                   const PlotOptions& options, Output& output, LongWork& work) {
+    const Rows& rows = selection.rows;
     const PageLayout layout(rows.rows().size());
-    LongWork work("drawing " + options.file, options.signals.quiet);
-    const std::vector<TraceReducer> traces = reduceTraces(rows, *range, work);
-    if (traces.empty()) {
-        complain(options.file + ": interrupted, nothing is drawn");
-        return exitFailed;
-    }
+    const std::vector<TraceReducer> traces = reduceTraces(rows, selection.range, work);
+    if (traces.empty())
+        return false;
     const double sensitivity =
         options.sensitivity > 0 ? options.sensitivity : chosenSensitivity(rows, traces, layout);
-    Output output;
-    bool written = output.open(options.output);
-    if (written) {
-        Canvas canvas(kind, layout.width, layout.height, output);
-        drawPage(canvas, layout,
-                 {&*recording, &rows, &traces, *range, &options.signals, sensitivity});
-        written = canvas.finish() && output.commit();
-    }
-    if (!written)
-        complain(output.error());
-    return written ? exitWell : exitFailed;
+    Canvas canvas(format, layout.width, layout.height, output);
+    drawPage(
+        canvas, layout,
+        {&selection.recording, &rows, &traces, selection.range, &options.signals, sensitivity});
+    return canvas.finish();
+}
+
+std::string formatOf(const PlotOptions& options) {
+    if (!options.format.empty())
+        return options.format;
+    const std::string ending = endingAmong(options.output, {"svg", "png", "pdf"});
+    if (ending.empty() && !namesFolder(options.output))
+        throw CLI::ValidationError("--output " + options.output,
+                                   "the name must end in .svg, .png or .pdf, or --format tell "
+                                   "which it is");
+    return ending.empty() ? "png" : ending;
+}
+
+int run(const PlotOptions& options) {
+    const std::string format = formatOf(options);
+    SelectionJob job;
+    job.signals = &options.signals;
+    job.output = options.output;
+    job.ending = format;
+    job.doing = "drawing";
+    job.write = [&](const Selection& selection, Output& output, LongWork& work) {
+        return drawSelection(selection, format, options, output, work);
+    };
+    return runForEachFile(job);
 }
 
 } // namespace
@@ -100,9 +95,14 @@ int run(const PlotOptions& options) {
 void addPlotCommand(CLI::App& app, int& exitCode) {
     auto options = std::make_shared<PlotOptions>();
     CLI::App* command = app.add_subcommand("plot", "Draw a page of channels or derivations");
-    command->add_option("FILE", options->file, "Recording")->required();
-    command->add_option("-o,--output", options->output, "Picture to write: .svg, .png or .pdf")
+    command
+        ->add_option("-o,--output", options->output,
+                     "Picture to write, .svg, .png or .pdf, or folder for several")
         ->required();
+    command
+        ->add_option("--format", options->format,
+                     "svg, png or pdf (default: by the output's ending, png in a folder)")
+        ->check(CLI::IsMember({"svg", "png", "pdf"}));
     command
         ->add_option("--sensitivity", options->sensitivity,
                      "Microvolts per millimetre (default: one at which the traces fit)")

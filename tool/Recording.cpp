@@ -1,8 +1,8 @@
 #include "tool/Recording.h"
 
 #include "kvsig/readers/SyncReader.h"
-#include "kvsig/registry/types/FileTypes.h"
 #include "kvsig/registry/FrontDoor.h"
+#include "kvsig/registry/types/FileTypes.h"
 #include "kvsig/util/Saturate.h"
 #include "tool/Words.h"
 
@@ -103,11 +103,20 @@ std::optional<Recording> openUsableRecording(const std::string& path, int type) 
 }
 
 bool isRecordingItself(const Recording& recording, const std::string& output) {
-    std::error_code ignored;
-    if (output.empty() || !std::filesystem::equivalent(recording.path, output, ignored))
+    if (output.empty())
         return false;
-    complain(recording.path + ": --output " + output + " is the recording itself");
-    return true;
+    // A layout and the data file that it names are both the recording.
+    std::vector<std::string> files{recording.path};
+    for (const DataReader* member : recording.members())
+        files.push_back(member->filePath());
+    for (const std::string& file : files) {
+        std::error_code ignored;
+        if (!std::filesystem::equivalent(file, output, ignored))
+            continue;
+        complain(recording.path + ": writing " + output + " would replace the recording itself");
+        return true;
+    }
+    return false;
 }
 
 } // namespace kvsig::tool

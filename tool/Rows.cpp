@@ -1,11 +1,8 @@
 #include "tool/Rows.h"
 
 #include "kvsig/montage/FilterDesign.h"
-#include "kvsig/montage/names/Derivation.h"
-#include "kvsig/montage/names/References.h"
-#include "kvsig/util/NumberText.h"
 #include "kvsig/util/Text.h"
-#include "tool/Nearest.h"
+#include "tool/PhysicalValues.h"
 #include "tool/Words.h"
 
 #include <algorithm>
@@ -17,28 +14,6 @@ namespace {
 
 constexpr short otherUnitType = 100;
 constexpr double notchHalfWidth = 1.0; // hertz to either side, at -3 dB
-
-std::string trimmed(const std::string& text) {
-    const std::size_t start = text.find_first_not_of(' ');
-    return start == std::string::npos ? std::string()
-                                      : text.substr(start, text.find_last_not_of(' ') - start + 1);
-}
-
-// The kernel multiplies the physical value of a type-100 channel by the calibration once more; the
-// gain undoes that. Of the other types it leaves out a constant.
-double physicalGain(IDataReader& reader, int channel) {
-    const double calibration = reader.calibration(channel);
-    const bool invertible = calibration != 0.0 && std::isfinite(calibration);
-    return reader.channelType(channel) == otherUnitType && invertible ? 1.0 / calibration : 1.0;
-}
-
-double physicalOffset(IDataReader& reader, int channel) {
-    const double calibration = reader.calibration(channel);
-    // Equal physical limits: every sample has that one value, which the kernel's zeros leave out.
-    if (reader.channelType(channel) == otherUnitType && calibration != 0.0)
-        return 0.0;
-    return reader.physioLow(channel) - reader.digitalLow(channel) * calibration;
-}
 
 // The width frequency that makes a notch notchHalfWidth wide to either side. The filter is the
 // bilinear transform of (s^2 + t^2) / ((s + u)^2 + t^2), t = tan(pi f / rate), whose half width is
@@ -92,14 +67,13 @@ int Rows::rowOf(const DataSource& source) {
 }
 
 bool Rows::select(const SignalOptions& options) {
-    IDataReader& reader = *m_recording->reader;
     if (!options.channels) {
-        for (int i = 0; i < reader.channelCount(); ++i)
+        for (int i = 0; i < m_recording->reader->channelCount(); ++i)
             addRecorded(i);
     } else {
         bool all = true;
         for (const std::string& text : splitWords(*options.channels, ','))
-            all = add(trimmed(text)) && all;
+            all = add(text) && all;
         if (!all)
             return false;
     }
@@ -113,84 +87,53 @@ bool Rows::select(const SignalOptions& options) {
 }
 
 bool Rows::add(const std::string& text) {
-    if (const int channel = channelOf(text); channel >= 0) {
-        remarkOnTwins(channel);
-        addRecorded(channel);
+    std::string fault;
+    const auto definition = readRowDefinition(text, m_names, fault);
+    if (!definition) {
+        complain(m_recording->path + ": --channels " + fault);
+        return false;
+    }
+    for (const RowPart& part : definition->parts)
+        remarkOnTwins(part.name);
+    switch (definition->kind) {
+    case RowDefinition::Kind::recorded:
+        addRecorded(definition->parts.front().channel);
         return true;
+    case RowDefinition::Kind::average:
+        return append(makeAverage(definition->channels(), definition->weights()), *definition);
+    default:
+        return addDifference(*definition);
     }
-    // Channel names may hold hyphens themselves: the first one that splits the text into two known
-    // labels is the minus.
-    for (std::size_t minus = text.find('-'); minus != std::string::npos;
-         minus = text.find('-', minus + 1)) {
-        const std::string first = trimmed(text.substr(0, minus));
-        const std::string second = trimmed(text.substr(minus + 1));
-        if (channelOf(first) >= 0 && (channelOf(second) >= 0 || averageOf(second) >= 0))
-            return addDerivation(text, first, second);
-    }
-    if (text.find('-') == std::string::npos && IsAvgDefn(text.c_str()))
-        return addAverage(text);
-    complainUnknown(text);
-    return false;
 }
 
-int Rows::channelOf(const std::string& label) const {
-    IDataReader& reader = *m_recording->reader;
-    if (label.size() > 1 && label.front() == '#' &&
-        std::all_of(label.begin() + 1, label.end(), isDigit)) {
-        const std::int64_t index = leadingInteger(label.substr(1));
-        return index < reader.channelCount() ? static_cast<int>(index) : -1;
-    }
-    for (int i = 0; i < reader.channelCount(); ++i)
-        if (equalNoCase(toUtf8(reader.channelName(i)), label))
-            return i;
-    for (int i = 0; i < reader.channelCount(); ++i)
-        if (equalNoCase(toUtf8(reader.grid1(i)), label))
-            return i;
-    return -1;
+void Rows::remarkOnTwins(const std::string& name) {
+    const std::vector<int> twins = m_names.all(name);
+    if (twins.size() < 2 || !m_remarked.insert(twins.front()).second)
+        return;
+    std::string others;
+    for (std::size_t i = 1; i < twins.size(); ++i)
+        others += (i + 1 < twins.size() ? ", #" : " and #") + std::to_string(twins[i]);
+    const std::string taken = "#" + std::to_string(twins.front());
+    remark(m_recording->path + ": channels " + taken + others + " are " +
+           (twins.size() == 2 ? "both" : "all") + " named " + name + "; " + taken + " is taken");
 }
 
-void Rows::remarkOnTwins(int channel) const {
-    IDataReader& reader = *m_recording->reader;
-    const std::string name = reader.channelName(channel);
-    for (int i = channel + 1; i < reader.channelCount(); ++i)
-        if (equalNoCase(reader.channelName(i), name))
-            remark(m_recording->path + ": channels #" + std::to_string(channel) + " and #" +
-                   std::to_string(i) + " are both named " + toUtf8(name) + "; #" +
-                   std::to_string(channel) + " is taken");
-}
-
-std::unique_ptr<AvgSource> Rows::makeAverage(const std::string& defn) const {
-    std::vector<int> channels;
-    std::vector<double> weights;
-    for (std::string term : splitWords(defn, '+')) {
-        double weight = 0.0;
-        if (YankAvgWgt(term.data(), weight))
-            weights.push_back(weight);
-        channels.push_back(channelOf(trimmed(term.c_str())));
-        if (channels.back() < 0)
-            return nullptr;
-    }
-    if (channels.empty())
-        return nullptr;
+std::unique_ptr<AvgSource> Rows::makeAverage(const std::vector<int>& channels,
+                                             const std::vector<double>& weights) const {
     auto average = std::make_unique<AvgSource>(*m_recording->reader, channels);
-    if (weights.size() == channels.size())
+    if (!weights.empty())
         average->setWeights(weights);
     return average;
 }
 
-int Rows::averageOf(const std::string& label) {
+int Rows::averageOf(const RowDefinition& definition) {
     for (std::size_t i = 0; i < m_averages.size(); ++i)
-        if (equalNoCase(m_averages[i]->name(), label))
+        if (equalNoCase(m_averages[i]->name(), definition.average))
             return static_cast<int>(i);
-    std::string defn = IsAvgDefn(label.c_str()) ? label : "";
-    for (const AvgRefDefn* row = gGlobalAvgRefs; row->pszName; ++row)
-        if (equalNoCase(row->pszName, label))
-            defn = row->pszDefn;
-    auto average = makeAverage(defn);
-    if (!average)
-        return -1;
-    average->setName(label.c_str());
-    m_averages.push_back(std::move(average));
+    std::vector<int> channels = definition.channels();
+    channels.erase(channels.begin());
+    m_averages.push_back(makeAverage(channels, definition.weights()));
+    m_averages.back()->setName(definition.average.c_str());
     return static_cast<int>(m_averages.size() - 1);
 }
 
@@ -198,86 +141,56 @@ void Rows::addRecorded(int channel) {
     IDataReader& reader = *m_recording->reader;
     Row row;
     row.source = std::make_unique<G1G2Source>(reader, channel, -1);
-    row.name = toUtf8(reader.channelName(channel));
+    row.name = m_names.label(channel);
     row.units = toUtf8(reader.channelUnits(channel));
     row.channel = channel;
-    row.gain = physicalGain(reader, channel);
-    row.offset = physicalOffset(reader, channel);
+    const PhysicalMap map = physicalMapOf(reader, channel);
+    row.gain = map.gain;
+    row.offset = map.offset;
     row.microvolts = reader.channelType(channel) != otherUnitType;
     m_rows.push_back(std::move(row));
 }
 
-bool Rows::addDerivation(const std::string& text, const std::string& first,
-                         const std::string& second) {
-    const int channel1 = channelOf(first);
-    std::vector<int> channels{channel1};
-    int channel2 = channelOf(second);
-    if (channel2 >= 0) {
-        channels.push_back(channel2);
-    } else if (m_recording->reader->channelCount() > G1G2Source::averageBit) {
-        complain(m_recording->path + ": " + text + ": averages need a recording of at most " +
-                 std::to_string(G1G2Source::averageBit) + " channels");
-        return false;
-    } else {
-        const int average = averageOf(second);
-        channel2 = G1G2Source::averageBit | average;
-        const auto& members = m_averages[static_cast<std::size_t>(average)]->getAvgChannels();
-        channels.insert(channels.end(), members.begin(), members.end());
+bool Rows::addDifference(const RowDefinition& definition) {
+    IDataReader& reader = *m_recording->reader;
+    int channel2 = definition.parts.back().channel;
+    if (definition.kind == RowDefinition::Kind::averageDifference) {
+        if (reader.channelCount() > G1G2Source::averageBit) {
+            complain(m_recording->path + ": " + definition.text +
+                     ": averages need a recording of at most " +
+                     std::to_string(G1G2Source::averageBit) + " channels");
+            return false;
+        }
+        channel2 = G1G2Source::averageBit | averageOf(definition);
     }
-    return append(std::make_unique<G1G2Source>(*m_recording->reader, channel1, channel2), channels,
-                  text);
-}
-
-bool Rows::addAverage(const std::string& text) {
-    auto average = makeAverage(text);
-    if (!average) {
-        complainUnknown(text);
-        return false;
-    }
-    const std::vector<int> channels = average->getAvgChannels();
-    return append(std::move(average), channels, text);
+    return append(std::make_unique<G1G2Source>(reader, definition.parts.front().channel, channel2),
+                  definition);
 }
 
 // One scale serves a whole derivation, so its channels must share type, units and calibration where
 // the scale depends on them.
-bool Rows::append(std::unique_ptr<DataSource> source, const std::vector<int>& channels,
-                  const std::string& text) {
+bool Rows::append(std::unique_ptr<DataSource> source, const RowDefinition& definition) {
     IDataReader& reader = *m_recording->reader;
+    const std::vector<int> channels = definition.channels();
     Row row;
-    row.gain = physicalGain(reader, channels.front());
+    row.gain = physicalMapOf(reader, channels.front()).gain;
     for (const int channel : channels) {
         const bool sameKind = reader.channelType(channel) == reader.channelType(channels.front());
-        if (sameKind && physicalGain(reader, channel) == row.gain)
+        if (sameKind && physicalMapOf(reader, channel).gain == row.gain)
             continue;
-        complain(m_recording->path + ": " + text + ": " + toUtf8(reader.channelName(channel)) +
-                 " (" + toUtf8(reader.channelUnits(channel)) + ") and " +
-                 toUtf8(reader.channelName(channels.front())) + " (" +
-                 toUtf8(reader.channelUnits(channels.front())) +
+        complain(m_recording->path + ": " + definition.text + ": " + m_names.label(channel) + " (" +
+                 toUtf8(reader.channelUnits(channel)) + ") and " + m_names.label(channels.front()) +
+                 " (" + toUtf8(reader.channelUnits(channels.front())) +
                  ") differ in units or scale and cannot be combined");
         return false;
     }
     source->setMontage(this);
     row.source = std::move(source);
-    row.name = text;
+    row.name = definition.text;
     row.units = toUtf8(reader.channelUnits(channels.front()));
     row.microvolts = reader.channelType(channels.front()) != otherUnitType;
     m_rows.push_back(std::move(row));
     return true;
-}
-
-void Rows::complainUnknown(const std::string& label) const {
-    IDataReader& reader = *m_recording->reader;
-    std::vector<std::string> names;
-    for (int i = 0; i < reader.channelCount(); ++i) {
-        names.push_back(toUtf8(reader.channelName(i)));
-        names.push_back(toUtf8(reader.grid1(i)));
-    }
-    std::string hint;
-    for (const std::string& name : nearestNames(label, names))
-        hint += (hint.empty() ? "; the nearest are " : ", ") + name;
-    constexpr std::size_t longestEcho = 60;
-    complain(m_recording->path + ": --channels " + label.substr(0, longestEcho) +
-             (label.size() > longestEcho ? "..." : "") + ": no such channel" + hint);
 }
 
 void Rows::applyFilters(const SignalOptions& options) {

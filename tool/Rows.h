@@ -4,12 +4,14 @@
 #include "kvsig/montage/AvgSource.h"
 #include "kvsig/montage/G1G2Source.h"
 #include "kvsig/montage/MontageContext.h"
+#include "tool/ChannelNames.h"
 #include "tool/Recording.h"
+#include "tool/RowDefinition.h"
 #include "tool/SignalOptions.h"
 
 #include <deque>
 #include <memory>
-#include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -30,7 +32,8 @@ struct Row {
 /// Refers to its recording, which must outlive it; does not move.
 class Rows final : public MontageContext {
   public:
-    explicit Rows(const Recording& recording) : m_recording(&recording) {}
+    explicit Rows(const Recording& recording)
+        : m_recording(&recording), m_names(*recording.reader) {}
     Rows(const Rows&) = delete;
     Rows& operator=(const Rows&) = delete;
 
@@ -44,21 +47,20 @@ class Rows final : public MontageContext {
   private:
     bool add(const std::string& text);
     void addRecorded(int channel);
-    bool addDerivation(const std::string& text, const std::string& first,
-                       const std::string& second);
-    bool addAverage(const std::string& text);
-    bool append(std::unique_ptr<DataSource> source, const std::vector<int>& channels,
-                const std::string& text);
+    bool addDifference(const RowDefinition& definition);
+    bool append(std::unique_ptr<DataSource> source, const RowDefinition& definition);
 
-    [[nodiscard]] int channelOf(const std::string& label) const;
-    void remarkOnTwins(int channel) const;
-    /// Index of the average of that name or definition, made when needed; -1 when it cannot be.
-    int averageOf(const std::string& label);
-    [[nodiscard]] std::unique_ptr<AvgSource> makeAverage(const std::string& defn) const;
-    void complainUnknown(const std::string& label) const;
+    /// Says once of each name that several channels share which of them is taken.
+    void remarkOnTwins(const std::string& name);
+    /// Index of the average that a difference subtracts, made when needed.
+    int averageOf(const RowDefinition& definition);
+    [[nodiscard]] std::unique_ptr<AvgSource> makeAverage(const std::vector<int>& channels,
+                                                         const std::vector<double>& weights) const;
     void applyFilters(const SignalOptions& options);
 
     const Recording* m_recording;
+    ChannelNames m_names;
+    std::set<int> m_remarked; ///< first channels of the shared names that were remarked on
     std::vector<Row> m_rows;
     std::vector<std::unique_ptr<AvgSource>> m_averages;
     std::deque<IIRNotch> m_notches;

@@ -41,6 +41,7 @@ std::string positiveFault(const std::string& text) {
 }
 
 void addSignalOptions(CLI::App& command, SignalOptions& options) {
+    command.add_option("FILE", options.files, "Recordings")->required();
     command.add_option("--channels", options.channels,
                        "Channel names, #indexes and derivations, e.g. Fp1-F7,C3-A1+A2 (default: "
                        "all recorded channels)");

@@ -9,8 +9,9 @@
 
 namespace kvsig::tool {
 
-/// What export and plot are asked to show of a recording.
+/// What export and plot are asked to show, and of which recordings.
 struct SignalOptions {
+    std::vector<std::string> files;
     std::optional<std::string> channels; ///< names and derivations, comma-separated; none: all
     std::string from;                    ///< times as texts; empty: from the start, to the end
     std::string to;

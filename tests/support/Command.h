@@ -13,7 +13,9 @@ struct CommandResult {
     std::string err;
 };
 
-/// Runs the real command with these arguments (as a shell splits them) in a directory.
-CommandResult runCommand(const TempDir& directory, const std::string& arguments);
+/// Runs the real command with these arguments (as a shell splits them) in a directory, after the
+/// shell has done `before`.
+CommandResult runCommand(const TempDir& directory, const std::string& arguments,
+                         const std::string& before = ":");
 
 } // namespace kvsig::test

@@ -4,8 +4,10 @@
 
 #include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <numbers>
 #include <sstream>
 #include <vector>
@@ -73,14 +75,52 @@ TEST(Export, DerivationsAndSelections) {
         .writeTo(dir.file("a.edf"));
     // C3 = 5, A1 = 10, A2 = 15 uV.
     EXPECT_EQ(runCommand(dir, "export a.edf --to 0.25 --channels "
-                              "c3,C3-A1,C3-A1+A2,C3-A1A2,A1+A2,A1:0.1+A2:0.2,#2,C3-Ref-A2-Ref")
+                              "c3,C3-A1,C3-A1+A2,C3-A1A2,A1+A2,A1:0.1+A2:0.2,#2,C3-Ref-A2-Ref,"
+                              "A1-Ref+A2-Ref,C3-Ref-A1-Ref:2+A2:-1")
                   .out,
-              "time,C3-Ref,C3-A1,C3-A1+A2,C3-A1A2,A1+A2,A1:0.1+A2:0.2,A2-Ref,C3-Ref-A2-Ref\n"
-              "0,5,-5,-7.5,-7.5,12.5,4,15,-10\n");
-    const CommandResult unknown = runCommand(dir, "export a.edf --channels C4");
-    EXPECT_EQ(unknown.exitCode, 1);
-    EXPECT_THAT(unknown.err, HasSubstr("--channels C4: no such channel; the nearest are C3"));
-    EXPECT_EQ(unknown.out, "");
+              "time,C3-Ref,C3-A1,C3-A1+A2,C3-A1A2,A1+A2,A1:0.1+A2:0.2,A2-Ref,C3-Ref-A2-Ref,"
+              "A1-Ref+A2-Ref,C3-Ref-A1-Ref:2+A2:-1\n"
+              "0,5,-5,-7.5,-7.5,12.5,4,15,-10,12.5,0\n");
+}
+
+TEST(Export, UnreadableSelectionsNameTheirFault) {
+    const TempDir dir;
+    threeSignals().writeTo(dir.file("a.edf"));
+    for (const auto& [channels, fault] : {
+             std::pair("C4", "C4: no such channel; the nearest are C3"),
+             std::pair("C3-Tenp", "C3-Tenp: no such channel Tenp; the nearest are Temp"),
+             std::pair("Tenp-C3", "Tenp-C3: no such channel Tenp;"),
+             std::pair("C3-C3+C9", "C3-C3+C9: no such channel C9; the nearest are C3"),
+             std::pair("C3-Ref+C9", "C3-Ref+C9: no such channel C9;"),
+             std::pair("C3-Av17", "C3-Av17: no such channel F7;"),
+             std::pair("C3-", "C3-: a channel name is missing"),
+             std::pair("C3-+", "C3-+: a channel name is missing"),
+             std::pair("#3", "#3: no such channel; the last is #2"),
+             std::pair("C3:2+Temp", "C3 has a weight and Temp has none"),
+             std::pair("Temp-Temp+C3:2", "C3 has a weight and Temp has none"),
+             std::pair("C3:half+Temp:0.5", "the weight of C3 is no number"),
+         }) {
+        const CommandResult run =
+            runCommand(dir, std::string("export a.edf --channels ") + "'" + channels + "'");
+        EXPECT_EQ(run.exitCode, 1) << channels;
+        EXPECT_THAT(run.err, HasSubstr(std::string("a.edf: --channels ") + channels + ": "));
+        EXPECT_THAT(run.err, HasSubstr(fault));
+        EXPECT_EQ(run.out, "");
+    }
+}
+
+TEST(Export, SharedAndMissingNamesAreTold) {
+    const TempDir dir;
+    EdfFile().signal("Cz", 4).signal("", 4).signal("Cz", 4).signal("Pz", 4).writeTo(
+        dir.file("a.edf"));
+    const std::string remark = "kvsig: a.edf: channels #0 and #2 are both named cz; #0 is taken\n";
+    const CommandResult run =
+        runCommand(dir, "export a.edf --to 0.25 --channels 'pz-cz, cz-pz,#2'");
+    EXPECT_EQ(run.err, remark) << "once, inside derivations too, and not for an index";
+    EXPECT_THAT(run.out, testing::StartsWith("time,pz-cz,cz-pz,Cz\n"));
+    EXPECT_THAT(runCommand(dir, "export a.edf").out, testing::StartsWith("time,Cz,#1,Cz,Pz\n"));
+    EXPECT_THAT(runCommand(dir, "export a.edf --channels '#1-Pz'").out,
+                testing::StartsWith("time,#1-Pz\n"));
 }
 
 TEST(Export, RangesAreClippedAndTold) {
@@ -147,6 +187,48 @@ TEST(Export, AFailedExportLeavesTheOldFile) {
     const CommandResult run = runCommand(dir, "export a.edf -o nosuchdir/a.csv");
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_THAT(run.err, testing::StartsWith("kvsig: nosuchdir/a.csv: "));
+}
+
+TEST(Export, AFullDiskLeavesNothingBehind) {
+    const TempDir dir;
+    EdfFile().signal("Cz", 256).records(200).writeTo(dir.file("a.edf"));
+    const std::string noLargeFiles = "trap '' XFSZ && ulimit -f 600";
+    for (const char* format : {"csv", "npy"}) {
+        const CommandResult run = runCommand(
+            dir, std::string("export a.edf --channels Cz,Cz,Cz,Cz -o x.") + format, noLargeFiles);
+        EXPECT_EQ(run.exitCode, 1);
+        EXPECT_EQ(run.err, std::string("kvsig: x.") + format + ": File too large\n");
+    }
+    const std::filesystem::directory_iterator left(dir.path());
+    EXPECT_EQ(std::distance(begin(left), end(left)), 3) << "the recording and what was printed";
+    if (std::filesystem::exists("/dev/full")) {
+        const CommandResult run = runCommand(dir, "export a.edf -o /dev/full");
+        EXPECT_EQ(run.exitCode, 1);
+        EXPECT_EQ(run.err, "kvsig: /dev/full: no space left on the disk\n");
+    }
+}
+
+TEST(Export, SeveralFilesGoToOneFolder) {
+    const TempDir dir;
+    threeSignals().writeTo(dir.file("a.edf"));
+    EdfFile().signal("Cz", 4).writeTo(dir.file("b.EDF"));
+    std::filesystem::create_directory(dir.file("out"));
+    std::filesystem::copy(dir.file("a.edf"), dir.file("out/a.edf"));
+    const CommandResult run = runCommand(dir, "export a.edf missing.edf b.EDF --format npy -o out");
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(run.err, "kvsig: missing.edf: no such file\n");
+    EXPECT_THAT(dir.read("out/a.npy"), HasSubstr("(3, 8)"));
+    EXPECT_THAT(dir.read("out/b.npy"), HasSubstr("(1, 4)")) << "the others are still done";
+
+    EXPECT_EQ(runCommand(dir, "export b.EDF -o out/").exitCode, 0);
+    const std::string table = dir.read("out/b.csv");
+    EXPECT_THAT(table, testing::StartsWith("time,Cz\n0,"));
+    EXPECT_EQ(runCommand(dir, "export b.EDF b.EDF").out, table + table) << "standard output";
+    EXPECT_EQ(runCommand(dir, "export b.EDF -o x.tsv").exitCode, 0);
+    EXPECT_THAT(dir.read("x.tsv"), testing::StartsWith("time\tCz\n")) << "by the ending";
+    for (const char* wrong : {"a.edf b.EDF -o x.csv", "a.edf out/a.edf -o out"})
+        EXPECT_EQ(runCommand(dir, std::string("export ") + wrong).exitCode, 2) << wrong;
+    EXPECT_EQ(dir.read("x.csv") + dir.read("out/a.csv"), "");
 }
 
 // Root mean square of a sine at `hertz` after the command's filters, over a second in mid-file.

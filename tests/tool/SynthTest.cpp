@@ -356,6 +356,11 @@ TEST(SynthCommand, WritesOrSaysWhyNot) {
                   file),
               exitWell);
     EXPECT_EQ(std::filesystem::file_size(file), 256U * 4 + 60 * 2 * 257);
+    const std::string wide = dir.file("x.BDF");
+    EXPECT_EQ(run("--duration 1 -o " + wide), exitWell);
+    EXPECT_EQ(dir.read("x.BDF").substr(0, 8), "\xFF"
+                                              "BIOSEMI")
+        << "by the ending";
     testing::internal::CaptureStderr();
     EXPECT_EQ(run("--duration 1 -o " + dir.file("none/x.edf")), exitFailed);
     EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("x.edf: no such directory\n"));

@@ -1,7 +1,5 @@
 #include "tool/plot/Canvas.h"
 
-#include "kvsig/util/Text.h"
-
 #include <cairo-pdf.h>
 #include <cairo-svg.h>
 #include <cmath>
@@ -33,16 +31,6 @@ void setColour(cairo_t* context, Colour colour) {
 }
 
 } // namespace
-
-std::string Canvas::kindOf(const std::string& path) {
-    for (const char* kind : {"svg", "png", "pdf"}) {
-        const std::string ending = std::string(".") + kind;
-        if (path.size() > ending.size() &&
-            equalNoCase(std::string_view(path).substr(path.size() - ending.size()), ending))
-            return kind;
-    }
-    return {};
-}
 
 Canvas::Canvas(const std::string& kind, double width, double height, Output& output)
     : m_kind(kind),

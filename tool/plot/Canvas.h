@@ -17,10 +17,7 @@ enum class Align { left, centre, right };
 /// A page to draw on, in millimetres, that becomes an SVG, PNG or PDF file.
 class Canvas {
   public:
-    /// By the file name's ending; empty when it is none of svg, png and pdf.
-    static std::string kindOf(const std::string& path);
-
-    /// The output must outlive the canvas.
+    /// `kind` is svg, png or pdf. The output must outlive the canvas.
     Canvas(const std::string& kind, double width, double height, Output& output);
 
     [[nodiscard]] cairo_t* context() const { return m_context.get(); }

@@ -27,10 +27,10 @@ std::string mapName(const std::string& name, IDataReader& reader) {
 }
 
 // Equal keys would name one channel twice and the other not at all.
-std::vector<std::string> mapNames(IDataReader& reader, const Rows& rows) {
+std::vector<std::string> mapNames(IDataReader& reader, const std::vector<Row>& rows) {
     std::vector<std::string> names;
     std::set<std::string> used;
-    for (const Row& row : rows.rows()) {
+    for (const Row& row : rows) {
         const std::string wanted = mapName(row.name, reader);
         std::string name = wanted;
         for (int copy = 2; !used.insert(name).second; ++copy)
@@ -59,21 +59,22 @@ std::vector<SampleTime> anchorsOf(IDataReader& reader, SampleRange range) {
 
 } // namespace
 
-std::string layoutText(const Recording& recording, const Rows& rows, SampleRange range,
-                       double calibration, const std::string& dataPath, bool showPatient) {
-    IDataReader& reader = *recording.reader;
+std::string layoutText(const Selection& selection, double calibration, const std::string& dataPath,
+                       bool showPatient) {
+    IDataReader& reader = *selection.recording.reader;
+    const std::vector<Row>& rows = selection.rows.rows();
     FileInfo info;
     info.file = baseName(dataPath);
     info.typeName = typeNameOf(interleavedType);
     info.layout =
-        RawLayout{reader.samplingRate(), 0, calibration, static_cast<int>(rows.rows().size()), 0};
+        RawLayout{reader.samplingRate(), 0, calibration, static_cast<int>(rows.size()), 0};
     std::ostringstream text;
     writeFileInfo(text, info);
     text << '\n';
     writeChannelNames(text, "ChannelMap", mapNames(reader, rows));
     if (showPatient)
         writePatientSection(text, *reader.patientRec());
-    writeSampleTimes(text, anchorsOf(reader, range));
+    writeSampleTimes(text, anchorsOf(reader, selection.range));
     return text.str();
 }
 

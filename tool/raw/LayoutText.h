@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tool/Rows.h"
+#include "tool/Selection.h"
 
 #include <string>
 
@@ -8,8 +8,7 @@ namespace kvsig::tool {
 
 /// The layout of interleaved 16-bit data: how to read it, what its channels are called, when it
 /// starts, and if asked for who was recorded. Names that a channel map cannot hold are changed.
-[[nodiscard]] std::string layoutText(const Recording& recording, const Rows& rows,
-                                     SampleRange range, double calibration,
+[[nodiscard]] std::string layoutText(const Selection& selection, double calibration,
                                      const std::string& dataPath, bool showPatient);
 
 } // namespace kvsig::tool

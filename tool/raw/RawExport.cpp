@@ -18,7 +18,7 @@ namespace {
 /// Frames of 16-bit little-endian counts, channel within sample.
 class FrameWriter {
   public:
-    FrameWriter(OutputFile& file, std::size_t channels) : m_file(file), m_channels(channels) {}
+    FrameWriter(Output& output, std::size_t channels) : m_output(output), m_channels(channels) {}
 
     void start(long samples) {
         m_bytes.assign(static_cast<std::size_t>(samples) * m_channels * 2, std::byte{0});
@@ -27,23 +27,28 @@ class FrameWriter {
         storeLittle16(
             m_bytes.data() + (static_cast<std::size_t>(sample) * m_channels + channel) * 2, count);
     }
-    bool write() { return m_file.write(m_bytes.data(), m_bytes.size()); }
+    bool write() {
+        return m_output.write(
+            {static_cast<const char*>(static_cast<const void*>(m_bytes.data())), m_bytes.size()});
+    }
 
   private:
-    OutputFile& m_file;
+    Output& m_output;
     std::size_t m_channels;
     std::vector<std::byte> m_bytes;
 };
 
-bool writeCounts(const Recording& recording, const Rows& rows, SampleRange range,
-                 const RawScale& scale, FrameWriter& frames, LongWork& work) {
-    const long window = windowLengthFor(rows.rows(), range);
+bool writeCounts(const Selection& selection, const RawScale& scale, FrameWriter& frames,
+                 LongWork& work) {
+    const std::vector<Row>& rows = selection.rows.rows();
+    const SampleRange range = selection.range;
+    const long window = windowLengthFor(rows, range);
     std::vector<std::int32_t> counts(static_cast<std::size_t>(window));
     for (long first = range.first; first <= range.last; first += window) {
         const SampleRange part{first, std::min(range.last, first + window - 1)};
         frames.start(part.length());
-        for (std::size_t row = 0; row < rows.rows().size(); ++row) {
-            const Recording::Place place = recording.placeOf(rows.rows()[row].channel);
+        for (std::size_t row = 0; row < rows.size(); ++row) {
+            const Recording::Place place = selection.recording.placeOf(rows[row].channel);
             place.reader->getRawData(place.channel, part.first, part.last, counts.data());
             for (long i = 0; i < part.length(); ++i)
                 frames.put(i, row,
@@ -56,17 +61,18 @@ bool writeCounts(const Recording& recording, const Rows& rows, SampleRange range
     return true;
 }
 
-bool writeRounded(const Rows& rows, SampleRange range, const RawScale& scale, FrameWriter& frames,
+bool writeRounded(const Selection& selection, const RawScale& scale, FrameWriter& frames,
                   LongWork& work) {
-    RowStream stream(rows.rows(), range);
+    const std::size_t rows = selection.rows.rows().size();
+    RowStream stream(selection.rows.rows(), selection.range);
     while (stream.next()) {
         frames.start(stream.window().length());
-        for (std::size_t row = 0; row < rows.rows().size(); ++row)
+        for (std::size_t row = 0; row < rows; ++row)
             for (long i = 0; i < stream.window().length(); ++i)
                 frames.put(i, row,
                            saturate<std::int16_t>(std::round(
                                static_cast<double>(stream.values(row)[i]) / scale.calibration)));
-        if (!goOn(work, stream.window(), range) || !frames.write())
+        if (!goOn(work, stream.window(), selection.range) || !frames.write())
             return false;
     }
     return true;
@@ -82,35 +88,25 @@ std::string layoutPathFor(const std::string& dataPath) {
     return (hasEnding ? dataPath.substr(0, dot) : dataPath) + ".lay";
 }
 
-bool exportRaw(const Recording& recording, const Rows& rows, SampleRange range,
-               const RawExportOptions& options, LongWork& work) {
-    const auto fail = [&](const std::string& reason) {
-        complain(work.interrupted() ? recording.path + ": interrupted, nothing was written"
-                                    : reason);
+bool RawExport::writeData(const Selection& selection, Output& output, LongWork& work) {
+    if (!chooseRawScale(selection, m_filtered, work, m_scale))
         return false;
-    };
-    bool done = false;
-    const RawScale scale = rawScaleFor(recording, rows, range, options.filtered, work, done);
-    OutputFile data;
-    if (!done || !data.open(options.output.c_str()))
-        return fail(options.output + ": " + data.error());
-    FrameWriter frames(data, rows.rows().size());
-    const bool written = scale.isExact() ? writeCounts(recording, rows, range, scale, frames, work)
-                                         : writeRounded(rows, range, scale, frames, work);
-    if (!written)
-        return fail(options.output + ": " + data.error());
-    const std::string layoutPath = layoutPathFor(options.output);
+    FrameWriter frames(output, selection.rows.rows().size());
+    return m_scale.isExact() ? writeCounts(selection, m_scale, frames, work)
+                             : writeRounded(selection, m_scale, frames, work);
+}
+
+bool RawExport::writeLayout(const Selection& selection, const std::string& dataPath) {
+    const std::string path = layoutPathFor(dataPath);
     OutputFile layout;
-    if (!layout.open(layoutPath.c_str()) ||
-        !layout.write(layoutText(recording, rows, range, scale.calibration, options.output,
-                                 options.showPatient)))
-        return fail(layoutPath + ": " + layout.error());
-    if (!data.commit())
-        return fail(options.output + ": " + data.error());
-    if (!layout.commit())
-        return fail(layoutPath + ": " + layout.error());
-    for (const std::string& loss : scale.losses)
-        remark(recording.path + ": " + loss);
+    if (!layout.open(path.c_str()) ||
+        !layout.write(layoutText(selection, m_scale.calibration, dataPath, m_showPatient)) ||
+        !layout.commit()) {
+        complain(path + ": " + layout.error());
+        return false;
+    }
+    for (const std::string& loss : m_scale.losses)
+        remark(selection.recording.path + ": " + loss);
     return true;
 }
 

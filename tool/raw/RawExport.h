@@ -1,22 +1,29 @@
 #pragma once
 
-#include "tool/LongWork.h"
-#include "tool/Rows.h"
+#include "tool/Selection.h"
+#include "tool/raw/RawScale.h"
 
 #include <string>
 
 namespace kvsig::tool {
 
-struct RawExportOptions {
-    std::string output; ///< the data file; the layout stands beside it with the ending ".lay"
-    bool filtered = false;
-    bool showPatient = false;
-};
+/// Writes a selection as interleaved 16-bit data and the layout that describes it, for one file
+/// after another.
+class RawExport {
+  public:
+    RawExport(bool filtered, bool showPatient) : m_filtered(filtered), m_showPatient(showPatient) {}
 
-/// Writes rows as interleaved 16-bit data and the layout that describes it; says what is lost.
-/// False with a complaint when it failed or was interrupted; then neither file is replaced.
-[[nodiscard]] bool exportRaw(const Recording& recording, const Rows& rows, SampleRange range,
-                             const RawExportOptions& options, LongWork& work);
+    /// The data; false when it failed or was interrupted.
+    bool writeData(const Selection& selection, Output& output, LongWork& work);
+    /// The layout of the data just written to `dataPath`; says what was lost. False with a
+    /// complaint.
+    bool writeLayout(const Selection& selection, const std::string& dataPath);
+
+  private:
+    bool m_filtered;
+    bool m_showPatient;
+    RawScale m_scale;
+};
 
 /// Where the layout of a data file stands.
 [[nodiscard]] std::string layoutPathFor(const std::string& dataPath);

@@ -19,7 +19,8 @@ bool isLinear16(const Recording& recording, const Row& row) {
         return false;
     const Recording::Place place = recording.placeOf(row.channel);
     const double calibration = place.reader->calibration(place.channel);
-    return place.reader->bytesPerSample() == 2 && calibration > 0 && std::isfinite(calibration) &&
+    return place.reader->bytesPerSample() == 2 && calibration != 0.0 &&
+           std::isfinite(calibration) &&
            place.reader->channelType(place.channel) != otherUnitType &&
            place.reader->samplingRate() == recording.reader->samplingRate();
 }
@@ -28,53 +29,64 @@ bool isLinear16(const Recording& recording, const Row& row) {
 int wholeMultiple(double calibration, double base) {
     const double steps = std::round(calibration / base);
     constexpr double rounding = 1e-12; // what the divisions that made the calibrations leave
-    const bool whole = steps >= 1 && steps <= largestCount &&
-                       std::abs(steps * base - calibration) <= rounding * calibration;
+    const bool whole = steps != 0.0 && std::abs(steps) <= largestCount &&
+                       std::abs(steps * base - calibration) <= rounding * std::abs(calibration);
     return whole ? static_cast<int>(steps) : 0;
 }
 
 // Empty when the calibrations have no common step, or the multiplied counts might not fit.
-std::vector<int> multipliersFor(const Recording& recording, const Rows& rows, double base) {
+std::vector<int> multipliersFor(const Recording& recording, const std::vector<Row>& rows,
+                                double base) {
     std::vector<int> multipliers;
-    for (const Row& row : rows.rows()) {
+    for (const Row& row : rows) {
         IDataReader& reader = *recording.reader;
         const int multiplier = wholeMultiple(reader.calibration(row.channel), base);
         const std::int64_t largest =
             std::max(std::abs(std::int64_t{reader.digitalLow(row.channel)}),
                      std::abs(std::int64_t{reader.digitalHigh(row.channel)}));
-        if (multiplier == 0 || (multiplier > 1 && multiplier * largest > largestCount))
+        if (multiplier == 0 || (multiplier != 1 && std::abs(multiplier) * largest > largestCount))
             return {};
         multipliers.push_back(multiplier);
     }
     return multipliers;
 }
 
-double smallestCalibration(const Recording& recording, const Rows& rows) {
+double smallestCalibration(const Recording& recording, const std::vector<Row>& rows) {
     double smallest = std::numeric_limits<double>::infinity();
-    for (const Row& row : rows.rows())
-        smallest = std::min(smallest, recording.reader->calibration(row.channel));
+    for (const Row& row : rows) {
+        const double calibration = recording.reader->calibration(row.channel);
+        if (std::abs(calibration) < std::abs(smallest))
+            smallest = calibration;
+    }
     return smallest;
 }
 
-// The largest finite value of the range, whatever its sign; below 0 when interrupted.
-double largestValue(const Rows& rows, SampleRange range, LongWork& work) {
-    double largest = 0.0;
-    RowStream stream(rows.rows(), range);
+struct Peak {
+    double value = 0.0; ///< whatever its sign
+    std::size_t row = 0;
+};
+
+// The largest finite value of the range; false when interrupted.
+bool findPeak(const Selection& selection, LongWork& work, Peak& peak) {
+    const std::size_t rows = selection.rows.rows().size();
+    RowStream stream(selection.rows.rows(), selection.range);
     while (stream.next()) {
-        if (!goOn(work, stream.window(), range))
-            return -1.0;
-        for (std::size_t row = 0; row < rows.rows().size(); ++row) {
+        if (!goOn(work, stream.window(), selection.range))
+            return false;
+        for (std::size_t row = 0; row < rows; ++row) {
             const float* values = stream.values(row);
-            for (long i = 0; i < stream.window().length(); ++i)
-                if (std::isfinite(values[i]))
-                    largest = std::max(largest, static_cast<double>(std::abs(values[i])));
+            for (long i = 0; i < stream.window().length(); ++i) {
+                const double size = std::abs(static_cast<double>(values[i]));
+                if (std::isfinite(size) && size > peak.value)
+                    peak = {size, row};
+            }
         }
     }
-    return largest;
+    return true;
 }
 
-void tellLostFacts(const Rows& rows, RawScale& scale) {
-    for (const Row& row : rows.rows()) {
+void tellLostFacts(const std::vector<Row>& rows, RawScale& scale) {
+    for (const Row& row : rows) {
         if (!row.microvolts)
             scale.losses.push_back("the unit of " + row.name + " (" + toUtf8(row.units) +
                                    ") is not kept");
@@ -86,26 +98,27 @@ void tellLostFacts(const Rows& rows, RawScale& scale) {
 
 } // namespace
 
-RawScale rawScaleFor(const Recording& recording, const Rows& rows, SampleRange range, bool filtered,
-                     LongWork& work, bool& done) {
-    RawScale scale;
-    done = true;
-    const auto& all = rows.rows();
-    if (!filtered && std::all_of(all.begin(), all.end(), [&recording](const Row& row) {
+bool chooseRawScale(const Selection& selection, bool filtered, LongWork& work, RawScale& scale) {
+    scale = RawScale();
+    const std::vector<Row>& rows = selection.rows.rows();
+    const Recording& recording = selection.recording;
+    if (!filtered && std::all_of(rows.begin(), rows.end(), [&recording](const Row& row) {
             return isLinear16(recording, row);
         })) {
         scale.calibration = smallestCalibration(recording, rows);
         scale.multipliers = multipliersFor(recording, rows, scale.calibration);
     }
     if (!scale.isExact()) {
-        const double largest = largestValue(rows, range, work);
-        done = largest >= 0.0;
-        scale.calibration = largest > 0.0 ? largest / largestCount : 1.0;
+        Peak peak;
+        if (!findPeak(selection, work, peak))
+            return false;
+        scale.calibration = peak.value > 0.0 ? peak.value / largestCount : 1.0;
         scale.losses.push_back("values are rounded to steps of " +
-                               generalText(scale.calibration, 4));
+                               generalText(scale.calibration, 4) + ", at which " +
+                               rows[peak.row].name + " fits, the largest");
     }
     tellLostFacts(rows, scale);
-    return scale;
+    return true;
 }
 
 } // namespace kvsig::tool

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "tool/LongWork.h"
-#include "tool/Rows.h"
+#include "tool/Selection.h"
 
 #include <string>
 #include <vector>
@@ -18,9 +17,9 @@ struct RawScale {
 };
 
 /// The scale at which recorded 16-bit channels keep their counts, where their calibrations are
-/// whole multiples of the smallest; else the finest at which the largest value of the range fits.
-/// The latter reads the range once. False in `done` when the work was interrupted.
-[[nodiscard]] RawScale rawScaleFor(const Recording& recording, const Rows& rows, SampleRange range,
-                                   bool filtered, LongWork& work, bool& done);
+/// whole multiples of the smallest; else the finest at which the largest value of the range fits,
+/// for which the range is read once. False when the work was interrupted.
+[[nodiscard]] bool chooseRawScale(const Selection& selection, bool filtered, LongWork& work,
+                                  RawScale& scale);
 
 } // namespace kvsig::tool

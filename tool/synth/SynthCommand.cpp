@@ -2,6 +2,7 @@
 #include "kvsig/util/OutputFile.h"
 #include "kvsig/util/Text.h"
 #include "tool/Command.h"
+#include "tool/FileNames.h"
 #include "tool/LongWork.h"
 #include "tool/TimeOption.h"
 #include "tool/Words.h"
@@ -23,7 +24,7 @@ namespace {
 struct SynthArguments {
     SynthOptions options;
     std::string output;
-    std::string format = "edf+c";
+    std::string format; ///< empty: by the output's ending
     std::string duration = "60";
     std::string recordDuration = "1";
     std::string rates;
@@ -60,7 +61,9 @@ std::vector<RateGroup> rateGroupsOf(const std::string& text) {
     return groups;
 }
 
-EdfKind kindOf(const std::string& format) {
+EdfKind kindOf(const SynthArguments& arguments) {
+    const std::string format =
+        arguments.format.empty() ? endingAmong(arguments.output, {"bdf"}) : arguments.format;
     if (format == "bdf")
         return EdfKind::bdf;
     return format == "edf" ? EdfKind::edf : EdfKind::edfPlus;
@@ -77,7 +80,7 @@ std::uint64_t seedOf(const std::string& text) {
 
 SynthOptions optionsOf(const SynthArguments& arguments) {
     SynthOptions options = arguments.options;
-    options.kind = kindOf(arguments.format);
+    options.kind = kindOf(arguments);
     options.seed = seedOf(arguments.seed);
     options.duration = timeOf("--duration", arguments.duration);
     options.recordDuration = timeOf("--record-duration", arguments.recordDuration);
@@ -135,9 +138,10 @@ void addSynthCommand(CLI::App& app, int& exitCode) {
     command->add_option("-o,--output", arguments->output, "The file to write")
         ->type_name("FILE")
         ->required();
-    command->add_option("--format", arguments->format, "Kind of file; edf+c has annotations")
-        ->transform(CLI::IsMember({"edf", "edf+c", "bdf"}, CLI::ignore_case))
-        ->capture_default_str();
+    command
+        ->add_option("--format", arguments->format,
+                     "Kind of file; edf+c has annotations (default: bdf for .bdf, else edf+c)")
+        ->transform(CLI::IsMember({"edf", "edf+c", "bdf"}, CLI::ignore_case));
     command
         ->add_option("--duration", arguments->duration,
                      "Seconds or [d:]h:m:s, rounded up to whole records")
