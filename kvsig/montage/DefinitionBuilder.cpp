@@ -129,7 +129,11 @@ DataSource* buildAverage(SourceMontage& montage, const char* defn) {
         if (terms.channels.back() < 0)
             return nullptr;
     }
-    return terms.channels.empty() ? nullptr : buildWeighted(montage, terms);
+    AvgSource* average = terms.channels.empty() ? nullptr : buildWeighted(montage, terms);
+    // Rows look averages up by name: it is not put together anew each time.
+    if (average)
+        average->setName(std::string(average->name()).c_str());
+    return average;
 }
 
 // Where the channels are recorded pairs, only such a pair can be shown.

@@ -36,6 +36,44 @@ TEST(PublicApi, ARecordingIsReadAndFiltered) {
     EXPECT_NEAR(page[255], 0.0F, 0.5F);
 }
 
+// A host opens the loading of templates to itself, and comes from a row back to its montage.
+class TemplateMontage : public SourceMontage {
+  public:
+    using SourceMontage::createMontageXML;
+};
+
+TEST(PublicApi, AMontageIsFilledAndFiltered) {
+    const TempDir dir;
+    EdfFile()
+        .signal("EEG Fp1-Ref", 256)
+        .signal("EEG F7-Ref", 256)
+        .samples([](int signal, std::int64_t) { return signal == 0 ? 300 : 100; })
+        .records(10)
+        .writeTo(dir.file("a.edf"));
+    const ReaderPtr reader = openReader(dir.file("a.edf").c_str());
+    ASSERT_TRUE(reader);
+    TemplateMontage montage;
+    montage.setReader(reader.get());
+    EXPECT_NE(montage.createMontage("Double banana"), 0) << "found beside the library";
+    EXPECT_STREQ(montage.source(0)->name(), "Fp1-F7");
+    EXPECT_EQ(montage.unresolved().size(), 17U);
+    montage.deleteSources();
+    EXPECT_EQ(montage.createMontageXML("<Channel Definition='Fp1-F7' Name='row'/>"), 1);
+    DataSource* row = montage.source(montage.indexOfName("ROW"));
+    ASSERT_TRUE(row);
+    EXPECT_EQ(dynamic_cast<SourceMontage*>(row->montage()), &montage);
+    std::vector<float> page(256);
+    EXPECT_EQ(row->getData(512, 767, page.data(), 1.0), 256);
+    EXPECT_FLOAT_EQ(page[0], 20.0F);
+    ClientEvent event;
+    event.kind = 4;
+    event.hasValue = 1;
+    event.value = 5.0;
+    EXPECT_TRUE(montage.updateState(event));
+    EXPECT_EQ(row->getData(512, 767, page.data(), 1.0), 256);
+    EXPECT_NEAR(page[255], 0.0F, 0.5F);
+}
+
 // A host derives a reader of its own from nothing but the public headers.
 class ToyReader : public DataReader {
   public:

@@ -9,6 +9,7 @@
 #include "support/TempDir.h"
 
 #include <initializer_list>
+#include <stdexcept>
 #include <string>
 #include <vector>
 

@@ -1,5 +1,7 @@
 #include "kvsig/readers/InterleavedReader.h"
 
+#include "kvsig/montage/DataSource.h"
+#include "kvsig/montage/SourceMontage.h"
 #include "kvsig/readers/SnapshotReader.h"
 #include "kvsig/util/Text.h"
 #include "support/Opened.h"
@@ -163,6 +165,24 @@ TEST_F(Interleaved, MontagesAreKeptByName) {
     EXPECT_TRUE(reader.montageDefn(0, stream));
     EXPECT_TRUE(reader.montageDefn(1, stream));
     EXPECT_EQ(stream.str(), "[Long]\nFp1-F7=\nF7-T3=left\n[Empty]\n");
+}
+
+TEST_F(Interleaved, AStoredMontageFillsAMontage) {
+    const RawFile file =
+        RawFile().sections("[ChannelMap]\nFp1-A1=1\nF7-A1=2\nT7-A1=3\n[Montage]\nLong=\n"
+                           "[Long]\nF7-Both=\nFp1-F7=\nF7-T3=left\nF7-C3=\nFp1+T3=Both\n");
+    ASSERT_TRUE(opens(reader, file.attributes(), file.bytes()));
+    SourceMontage montage;
+    montage.setReader(&reader);
+    ASSERT_EQ(montage.createMontage("LONG"), 1);
+    ASSERT_EQ(montage.sourceCount(), 3);
+    EXPECT_STREQ(montage.source(0)->name(), "F7-Both");
+    EXPECT_STREQ(montage.source(1)->name(), "Fp1-F7");
+    EXPECT_STREQ(montage.source(2)->name(), "left");
+    EXPECT_STREQ(montage.source(2)->grid2(), "T7");
+    EXPECT_THAT(montage.unresolved(), ElementsAre("F7-C3"));
+    reader.montageApply(montage, "none");
+    EXPECT_EQ(montage.sourceCount(), 3);
 }
 
 TEST_F(Interleaved, HostileAttributesDoNoHarm) {

@@ -18,7 +18,7 @@ std::string findLibraryFolder() {
     const std::unique_ptr<char, void (*)(void*)> path(::realpath(info.dli_fname, nullptr),
                                                       &std::free);
     const std::string file(viewOf(path.get()));
-    return file.substr(0, file.find_last_of('/') + 1);
+    return file.substr(0, file.find_last_of('/'));
 }
 
 } // namespace
