@@ -84,6 +84,7 @@ int run(const PlotOptions& options) {
     job.output = options.output;
     job.ending = format;
     job.doing = "drawing";
+    job.keepsGaps = true;
     job.write = [&](const Selection& selection, Output& output, LongWork& work) {
         return drawSelection(selection, format, options, output, work);
     };

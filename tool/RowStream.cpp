@@ -46,6 +46,8 @@ bool RowStream::next() {
         const Row& row = (*m_rows)[i];
         const double gain = m_kernelValues ? 1.0 : row.gain;
         float* out = m_values.data() + i * m_windowLength;
+        if (row.gap)
+            continue; // stays at zeros
         if (!m_started)
             runIn(row, gain, out);
         row.source->iterGetData(m_window.length(), out, gain);

@@ -1,5 +1,6 @@
 #include "tool/Rows.h"
 
+#include "kvsig/montage/DataSource.h"
 #include "kvsig/montage/FilterDesign.h"
 #include "kvsig/util/Text.h"
 #include "tool/PhysicalValues.h"
@@ -61,29 +62,80 @@ AvgSource* Rows::averageReference(int index) {
 
 int Rows::rowOf(const DataSource& source) {
     for (std::size_t i = 0; i < m_rows.size(); ++i)
-        if (m_rows[i].source.get() == &source)
+        if (m_rows[i].source == &source)
             return static_cast<int>(i);
     return -1;
 }
 
-bool Rows::select(const SignalOptions& options) {
-    if (!options.channels) {
+bool Rows::select(const SignalOptions& options, bool keepGaps) {
+    bool selected = true;
+    if (options.montage.isMade())
+        selected = selectMontage(options.montage, keepGaps);
+    else if (options.channels)
+        selected = selectChannels(*options.channels);
+    else
         for (int i = 0; i < m_recording->reader->channelCount(); ++i)
             addRecorded(i);
-    } else {
-        bool all = true;
-        for (const std::string& text : splitWords(*options.channels, ','))
-            all = add(text) && all;
-        if (!all)
-            return false;
-    }
-    if (m_rows.empty()) {
-        complain(m_recording->path + ": --channels \"" + options.channels.value_or("") +
-                 "\" names no channel");
+    if (selected)
+        applyFilters(options);
+    return selected;
+}
+
+bool Rows::selectChannels(const std::string& list) {
+    bool all = true;
+    for (const std::string& text : splitWords(list, ','))
+        all = add(text) && all;
+    if (all && m_rows.empty())
+        complain(m_recording->path + ": --channels \"" + list + "\" names no channel");
+    return all && !m_rows.empty();
+}
+
+bool Rows::selectMontage(const MontageChoice& choice, bool keepGaps) {
+    if (!fillMontage(m_montage, *m_recording, choice))
         return false;
+    for (int i = 0; i < m_montage.sourceCount(); ++i)
+        if (keepGaps || !m_montage.source(i)->isGap())
+            addMontageRow(*m_montage.source(i));
+    if (m_rows.empty())
+        complain(m_recording->path + ": montage " + m_montage.name() + " has no rows to show");
+    return !m_rows.empty();
+}
+
+namespace {
+
+// The reader's channels that a montage's row is computed from.
+std::vector<int> channelsOf(const SourceMontage& montage, const G1G2Source& row) {
+    std::vector<int> channels{row.channel1()};
+    if (row.channel2() < 0)
+        return channels;
+    if ((row.channel2() & G1G2Source::averageBit) == 0) {
+        channels.push_back(row.channel2());
+        return channels;
     }
-    applyFilters(options);
-    return true;
+    if (const AvgSource* average = montage.avgRef(row.channel2() & ~G1G2Source::averageBit))
+        channels.insert(channels.end(), average->getAvgChannels().begin(),
+                        average->getAvgChannels().end());
+    return channels;
+}
+
+} // namespace
+
+void Rows::addMontageRow(DataSource& source) {
+    const auto* pair = dynamic_cast<G1G2Source*>(&source);
+    Row row;
+    if (source.isGap()) {
+        row.gap = true;
+    } else if (pair) {
+        const std::vector<int> channels = channelsOf(m_montage, *pair);
+        if (const std::string fault = mixFault(channels); !fault.empty()) {
+            remark(m_recording->path + ": " + toUtf8(source.name()) + " is left out: " + fault);
+            return;
+        }
+        row = channels.size() == 1 ? recordedRow(channels.front()) : derivedRow(channels);
+        row.name = toUtf8(source.name());
+    }
+    row.source = &source;
+    m_rows.push_back(std::move(row));
 }
 
 bool Rows::add(const std::string& text) {
@@ -137,10 +189,13 @@ int Rows::averageOf(const RowDefinition& definition) {
     return static_cast<int>(m_averages.size() - 1);
 }
 
-void Rows::addRecorded(int channel) {
+DataSource& Rows::keep(std::unique_ptr<DataSource> source) {
+    return *m_sources.emplace_back(std::move(source));
+}
+
+Row Rows::recordedRow(int channel) const {
     IDataReader& reader = *m_recording->reader;
     Row row;
-    row.source = std::make_unique<G1G2Source>(reader, channel, -1);
     row.name = m_names.label(channel);
     row.units = toUtf8(reader.channelUnits(channel));
     row.channel = channel;
@@ -148,6 +203,12 @@ void Rows::addRecorded(int channel) {
     row.gain = map.gain;
     row.offset = map.offset;
     row.microvolts = reader.channelType(channel) != otherUnitType;
+    return row;
+}
+
+void Rows::addRecorded(int channel) {
+    Row row = recordedRow(channel);
+    row.source = &keep(std::make_unique<G1G2Source>(*m_recording->reader, channel, -1));
     m_rows.push_back(std::move(row));
 }
 
@@ -169,45 +230,62 @@ bool Rows::addDifference(const RowDefinition& definition) {
 
 // One scale serves a whole derivation, so its channels must share type, units and calibration where
 // the scale depends on them.
-bool Rows::append(std::unique_ptr<DataSource> source, const RowDefinition& definition) {
+std::string Rows::mixFault(const std::vector<int>& channels) const {
     IDataReader& reader = *m_recording->reader;
-    const std::vector<int> channels = definition.channels();
+    const int first = channels.front();
+    const auto named = [&](int channel) {
+        return m_names.label(channel) + " (" + toUtf8(reader.channelUnits(channel)) + ")";
+    };
+    for (const int channel : channels)
+        if (reader.channelType(channel) != reader.channelType(first) ||
+            physicalMapOf(reader, channel).gain != physicalMapOf(reader, first).gain)
+            return named(channel) + " and " + named(first) +
+                   " differ in units or scale and cannot be combined";
+    return {};
+}
+
+Row Rows::derivedRow(const std::vector<int>& channels) const {
+    IDataReader& reader = *m_recording->reader;
+    const int first = channels.front();
     Row row;
-    row.gain = physicalMapOf(reader, channels.front()).gain;
-    for (const int channel : channels) {
-        const bool sameKind = reader.channelType(channel) == reader.channelType(channels.front());
-        if (sameKind && physicalMapOf(reader, channel).gain == row.gain)
-            continue;
-        complain(m_recording->path + ": " + definition.text + ": " + m_names.label(channel) + " (" +
-                 toUtf8(reader.channelUnits(channel)) + ") and " + m_names.label(channels.front()) +
-                 " (" + toUtf8(reader.channelUnits(channels.front())) +
-                 ") differ in units or scale and cannot be combined");
+    row.gain = physicalMapOf(reader, first).gain;
+    row.units = toUtf8(reader.channelUnits(first));
+    row.microvolts = reader.channelType(first) != otherUnitType;
+    return row;
+}
+
+bool Rows::append(std::unique_ptr<DataSource> source, const RowDefinition& definition) {
+    const std::vector<int> channels = definition.channels();
+    if (const std::string fault = mixFault(channels); !fault.empty()) {
+        complain(m_recording->path + ": " + definition.text + ": " + fault);
         return false;
     }
     source->setMontage(this);
-    row.source = std::move(source);
+    Row row = derivedRow(channels);
+    row.source = &keep(std::move(source));
     row.name = definition.text;
-    row.units = toUtf8(reader.channelUnits(channels.front()));
-    row.microvolts = reader.channelType(channels.front()) != otherUnitType;
     m_rows.push_back(std::move(row));
     return true;
 }
 
+// Rows stream side by side, so each runs through filters of its own: a filter carries its row's
+// state. A montage's own filter objects are shared, and leave the chains here.
 void Rows::applyFilters(const SignalOptions& options) {
     const double rate = m_recording->reader->samplingRate();
-    SourceSettings settings;
-    settings.followMontage = false;
-    settings.lowPass = attrOf(options.highFilter);
-    settings.highPass = attrOf(options.lowFilter);
     FilterAttr notch = attrOf(options.notch);
     notch.second = notchWidthFrequency(options.notch, rate);
     const double notchPass = notch.use ? notchGainAtZeroHertz(notch, rate) : 1.0;
     for (Row& row : m_rows) {
+        SourceSettings settings = row.source->settings();
+        if (settings.followMontage) {
+            settings.lowPass = attrOf(options.highFilter);
+            settings.highPass = attrOf(options.lowFilter);
+        }
+        row.source->filters()->removeAll();
         row.source->setUseFilter(false);
         row.source->setSettings(settings);
         row.source->appendOwnFilters(rate);
         if (notch.use) {
-            // Each row streams through a notch of its own: the filter carries the row's state.
             designFilter(m_notches.emplace_back(), notch, rate);
             row.source->setUseFilter(true);
             row.source->filters()->addNext(&m_notches.back());

@@ -3,7 +3,7 @@
 #include "kvsig/filters/IIRNotch.h"
 #include "kvsig/montage/AvgSource.h"
 #include "kvsig/montage/G1G2Source.h"
-#include "kvsig/montage/MontageContext.h"
+#include "kvsig/montage/SourceMontage.h"
 #include "tool/ChannelNames.h"
 #include "tool/Recording.h"
 #include "tool/RowDefinition.h"
@@ -19,13 +19,14 @@ namespace kvsig::tool {
 
 /// One row of an export or a picture: a source, and how its values become physical ones.
 struct Row {
-    std::unique_ptr<DataSource> source;
+    DataSource* source = nullptr; ///< of the Rows that hold the row
     std::string name;
     std::string units;
     int channel = -1;    ///< the recorded channel, or -1 for a derivation
     double gain = 1.0;   ///< the scale that gives physical units
     double offset = 0.0; ///< added to the scaled values; 0 for derivations
     bool microvolts = true;
+    bool gap = false; ///< an empty row that sets others apart
 };
 
 /// The rows of a selection, with the averages that they refer to and the filters that they share.
@@ -38,17 +39,27 @@ class Rows final : public MontageContext {
     Rows& operator=(const Rows&) = delete;
 
     /// Adds the rows that the options select; false with a complaint when one cannot be made.
-    bool select(const SignalOptions& options);
+    /// Gap rows of a montage are rows when `keepGaps`.
+    bool select(const SignalOptions& options, bool keepGaps);
     [[nodiscard]] const std::vector<Row>& rows() const { return m_rows; }
 
     AvgSource* averageReference(int index) override;
     int rowOf(const DataSource& source) override;
 
   private:
+    bool selectChannels(const std::string& list);
+    bool selectMontage(const MontageChoice& choice, bool keepGaps);
+    void addMontageRow(DataSource& source);
     bool add(const std::string& text);
     void addRecorded(int channel);
     bool addDifference(const RowDefinition& definition);
     bool append(std::unique_ptr<DataSource> source, const RowDefinition& definition);
+    DataSource& keep(std::unique_ptr<DataSource> source);
+    /// Why channels cannot stand in one derivation; empty when they can.
+    [[nodiscard]] std::string mixFault(const std::vector<int>& channels) const;
+    /// A row of a derivation of these channels, without its source and name.
+    [[nodiscard]] Row recordedRow(int channel) const;
+    [[nodiscard]] Row derivedRow(const std::vector<int>& channels) const;
 
     /// Says once of each name that several channels share which of them is taken.
     void remarkOnTwins(const std::string& name);
@@ -62,7 +73,9 @@ class Rows final : public MontageContext {
     ChannelNames m_names;
     std::set<int> m_remarked; ///< first channels of the shared names that were remarked on
     std::vector<Row> m_rows;
+    std::vector<std::unique_ptr<DataSource>> m_sources;
     std::vector<std::unique_ptr<AvgSource>> m_averages;
+    SourceMontage m_montage;
     std::deque<IIRNotch> m_notches;
 };
 

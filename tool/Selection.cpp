@@ -28,7 +28,7 @@ std::unique_ptr<Selection> openSelection(const SelectionJob& job, const std::str
         return nullptr;
     auto selection = std::make_unique<Selection>(std::move(*recording));
     selection->range = *range;
-    return selection->rows.select(signals) ? std::move(selection) : nullptr;
+    return selection->rows.select(signals, job.keepsGaps) ? std::move(selection) : nullptr;
 }
 
 int writeSelection(const SelectionJob& job, const Selection& selection, const std::string& path,

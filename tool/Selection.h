@@ -27,9 +27,10 @@ struct Selection {
 /// The files of a command and what is done with them.
 struct SelectionJob {
     const SignalOptions* signals = nullptr;
-    std::string output; ///< a path, a folder, or empty for standard output
-    std::string ending; ///< of the files written into a folder
-    std::string doing;  ///< "exporting"
+    std::string output;     ///< a path, a folder, or empty for standard output
+    std::string ending;     ///< of the files written into a folder
+    std::string doing;      ///< "exporting"
+    bool keepsGaps = false; ///< of a montage
     /// Writes what the selection shows; false when writing failed or the work was interrupted.
     std::function<bool(const Selection&, Output&, LongWork&)> write;
     /// Complains of a selection that cannot be written; may be empty.

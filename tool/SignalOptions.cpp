@@ -42,9 +42,13 @@ std::string positiveFault(const std::string& text) {
 
 void addSignalOptions(CLI::App& command, SignalOptions& options) {
     command.add_option("FILE", options.files, "Recordings")->required();
-    command.add_option("--channels", options.channels,
-                       "Channel names, #indexes and derivations, e.g. Fp1-F7,C3-A1+A2 (default: "
-                       "all recorded channels)");
+    CLI::Option* channels = command.add_option(
+        "--channels", options.channels,
+        "Channel names, #indexes and derivations, e.g. Fp1-F7,C3-A1+A2 (default: all recorded "
+        "channels)");
+    addMontageOptions(command, options.montage);
+    for (const char* option : {"--montage", "--reference"})
+        command.get_option(option)->excludes(channels);
     command.add_option("--from", options.from, "Start: seconds or [d:]h:m:s from the beginning")
         ->check(timeFault);
     command.add_option("--to", options.to, "End, not included (default: the end)")

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tool/MontageChoice.h"
 #include "tool/Recording.h"
 
 #include <CLI/CLI.hpp>
@@ -13,6 +14,7 @@ namespace kvsig::tool {
 struct SignalOptions {
     std::vector<std::string> files;
     std::optional<std::string> channels; ///< names and derivations, comma-separated; none: all
+    MontageChoice montage;               ///< in place of channels
     std::string from;                    ///< times as texts; empty: from the start, to the end
     std::string to;
     double lowFilter = 0;  ///< hertz, a high-pass; 0: none

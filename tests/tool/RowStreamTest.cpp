@@ -46,7 +46,7 @@ class RowStreamTest : public testing::Test {
     std::vector<float> streamed(int pages, SampleRange range, int& windows) const {
         const auto recording = opened(pages);
         Rows rows(*recording);
-        EXPECT_TRUE(rows.select(options));
+        EXPECT_TRUE(rows.select(options, false));
         const auto length = static_cast<std::size_t>(range.length());
         std::vector<float> values(rows.rows().size() * length);
         RowStream stream(rows.rows(), range);
@@ -62,7 +62,7 @@ class RowStreamTest : public testing::Test {
     std::vector<float> inOnePass(SampleRange range) const {
         const auto recording = opened(15);
         Rows rows(*recording);
-        EXPECT_TRUE(rows.select(options));
+        EXPECT_TRUE(rows.select(options, false));
         std::vector<float> values;
         for (const Row& row : rows.rows()) {
             std::vector<float> all(static_cast<std::size_t>(range.last) + 1);

@@ -63,7 +63,8 @@ class PagePainter {
         drawGrid();
         const auto& rows = m_content.rows->rows();
         for (std::size_t i = 0; i < rows.size(); ++i)
-            drawRow(i, rows[i], (*m_content.traces)[i]);
+            if (!rows[i].gap)
+                drawRow(i, rows[i], (*m_content.traces)[i]);
         drawScaleBar();
         drawCaption();
     }
@@ -235,7 +236,7 @@ class PagePainter {
 } // namespace
 
 bool hasOwnScale(const Row& row) {
-    return !row.microvolts || startsWithNoCase(row.name, "ECG") ||
+    return row.gap || !row.microvolts || startsWithNoCase(row.name, "ECG") ||
            startsWithNoCase(row.name, "EKG");
 }
 

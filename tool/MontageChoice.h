@@ -1,0 +1,31 @@
+#pragma once
+
+#include "kvsig/montage/SourceMontage.h"
+#include "tool/Recording.h"
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+namespace kvsig::tool {
+
+/// Which montage of a recording is wanted.
+struct MontageChoice {
+    std::string name;      ///< empty: the recording's own channels
+    std::string file;      ///< montages in this file come before all others
+    std::string reference; ///< empty: as the montage has it
+
+    [[nodiscard]] bool isMade() const { return !name.empty() || !reference.empty(); }
+};
+
+void addMontageOptions(CLI::App& command, MontageChoice& choice);
+
+/// Fills a montage over the recording; says what of it is left out. False with a complaint when
+/// there is no such montage or reference, or nothing of it can be made.
+[[nodiscard]] bool fillMontage(SourceMontage& montage, const Recording& recording,
+                               const MontageChoice& choice);
+
+/// The names of the montages that a recording can be shown in.
+[[nodiscard]] std::vector<std::string> montageNames(IDataReader& reader,
+                                                    const MontageChoice& choice);
+
+} // namespace kvsig::tool
