@@ -25,7 +25,7 @@ struct MontageOptions {
 Json sourceFacts(DataSource& source) {
     char definition[DataSource::definitionSize];
     source.constructDefn(definition, true);
-    return {{"name", source.isGap() ? "" : toUtf8(source.name())},
+    return {{"name", rowLabel(source)},
             {"definition", toUtf8(definition)},
             {"grid1", toUtf8(source.grid1())},
             {"grid2", toUtf8(source.grid2())},

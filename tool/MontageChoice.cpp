@@ -1,8 +1,9 @@
 #include "tool/MontageChoice.h"
 
 #include "kvsig/montage/AvgSource.h"
-#include "kvsig/montage/DataSource.h"
+#include "kvsig/montage/G1G2Source.h"
 #include "kvsig/montage/MontageFiles.h"
+#include "kvsig/montage/names/ScalpGrid.h"
 #include "kvsig/util/File.h"
 #include "kvsig/util/Text.h"
 #include "tool/Nearest.h"
@@ -55,9 +56,23 @@ std::string validReferences(const SourceMontage& montage, IDataReader& reader) {
            std::to_string(reader.channelCount());
 }
 
+// The library moves every row that stands against its channel's recorded reference, the ECG and
+// the temperature too. What is no scalp electrode stays as it was.
+void keepOtherRows(SourceMontage& montage, int reference, const std::vector<std::string>& names) {
+    for (int i = 0; i < montage.sourceCount(); ++i) {
+        auto* row = dynamic_cast<G1G2Source*>(montage.source(i));
+        if (!row || row->isGap() || row->channel2() != reference || IndexOf1020(row->grid1()) >= 0)
+            continue;
+        row->setChannel12(row->channel1(), -1);
+        row->setName(names[static_cast<std::size_t>(i)].c_str());
+        row->flushCache();
+    }
+}
+
 bool applyReference(SourceMontage& montage, const std::string& reference,
                     const std::string& where) {
-    if (!montage.isValidReference(reference.c_str(), nullptr)) {
+    int id = -1;
+    if (!montage.isValidReference(reference.c_str(), &id)) {
         complain(where + ": --reference " + reference + " is none here; it can be " +
                  validReferences(montage, *montage.reader()));
         return false;
@@ -66,7 +81,9 @@ bool applyReference(SourceMontage& montage, const std::string& reference,
     // Rows against another common reference go back to the recording's first.
     if (montage.isReferential())
         montage.changeReference(nullptr);
+    const std::vector<std::string> recorded = rowNames(montage);
     montage.changeReference(reference.c_str());
+    keepOtherRows(montage, id, recorded);
     if (rowNames(montage) == before)
         remark(where + ": --reference " + reference +
                " changes nothing: no row stands against the recording's reference");
@@ -82,6 +99,13 @@ void addMontageOptions(CLI::App& command, MontageChoice& choice) {
                        "Montages of this file come first (INI or XML)");
     command.add_option("--reference", choice.reference,
                        "Reference of referential rows: an electrode or an average, e.g. Av17");
+}
+
+std::string rowLabel(DataSource& source) {
+    if (source.isGap())
+        return {};
+    const std::string name = toUtf8(source.name());
+    return name.ends_with('-') ? name.substr(0, name.size() - 1) : name;
 }
 
 std::vector<std::string> montageNames(IDataReader& reader, const MontageChoice& choice) {

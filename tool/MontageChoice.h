@@ -24,6 +24,9 @@ void addMontageOptions(CLI::App& command, MontageChoice& choice);
 [[nodiscard]] bool fillMontage(SourceMontage& montage, const Recording& recording,
                                const MontageChoice& choice);
 
+/// What a row is labelled with; empty for a gap. A channel without a reference has no hyphen.
+[[nodiscard]] std::string rowLabel(DataSource& source);
+
 /// The names of the montages that a recording can be shown in.
 [[nodiscard]] std::vector<std::string> montageNames(IDataReader& reader,
                                                     const MontageChoice& choice);

@@ -45,7 +45,7 @@ double chosenSensitivity(const Rows& rows, const std::vector<TraceReducer>& trac
     constexpr double usualRoom = 1.2; // rows may reach into their neighbours, as on paper
     std::vector<double> spans;
     for (std::size_t i = 0; i < traces.size(); ++i)
-        if (!hasOwnScale(rows.rows()[i]) && !traces[i].empty())
+        if (hasCommonScale(rows.rows()[i]) && !traces[i].empty())
             spans.push_back(double{traces[i].highest()} - double{traces[i].lowest()});
     return fittingSensitivity(median(spans), usualRoom * layout.rowSpacing);
 }

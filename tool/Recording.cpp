@@ -58,18 +58,27 @@ const OpenFinding* Recording::unusable() const {
     return nullptr;
 }
 
+namespace {
+
+// 0 for an empty name too, which the look-up takes for the beginning of every name.
+int knownType(const std::string& name) {
+    return name.empty() ? noReaderType : KrnlGetFileType(name.c_str());
+}
+
+} // namespace
+
 std::optional<int> typeFromName(const std::string& name) {
     if (name.empty())
         return noReaderType;
-    if (const int type = KrnlGetFileType(name.c_str()))
-        return type;
-    const std::size_t plus = name.find('+');
-    if (plus != std::string::npos && plus > 0 && plus + 1 < name.size()) {
-        const int first = KrnlGetFileType(name.substr(0, plus).c_str());
-        const int second = KrnlGetFileType(name.substr(plus + 1).c_str());
+    // Before the name as a whole: some names match whatever follows them.
+    if (const std::size_t plus = name.find('+'); plus != std::string::npos) {
+        const int first = knownType(name.substr(0, plus));
+        const int second = knownType(name.substr(plus + 1));
         if (first != noReaderType && second != noReaderType)
             return pairType(first, second);
     }
+    if (const int type = knownType(name))
+        return type;
     complain("--type " + name + ": no such type; 'kvsig types' lists them");
     return std::nullopt;
 }

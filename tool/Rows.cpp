@@ -8,22 +8,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 namespace kvsig::tool {
 namespace {
 
 constexpr short otherUnitType = 100;
 constexpr double notchHalfWidth = 1.0; // hertz to either side, at -3 dB
-
-// The width frequency that makes a notch notchHalfWidth wide to either side. The filter is the
-// bilinear transform of (s^2 + t^2) / ((s + u)^2 + t^2), t = tan(pi f / rate), whose half width is
-// u on the warped axis; around f that axis is stretched by pi / rate * (1 + t^2).
-double notchWidthFrequency(double hertz, double rate) {
-    constexpr double pi = std::numbers::pi;
-    const double t = std::tan(pi * hertz / rate);
-    return rate / pi * std::atan(pi * notchHalfWidth / rate * (1.0 + t * t));
-}
 
 // What a chain does to a constant.
 double gainAtZeroHertz(const FilterList& chain) {
@@ -128,11 +118,11 @@ void Rows::addMontageRow(DataSource& source) {
     } else if (pair) {
         const std::vector<int> channels = channelsOf(m_montage, *pair);
         if (const std::string fault = mixFault(channels); !fault.empty()) {
-            remark(m_recording->path + ": " + toUtf8(source.name()) + " is left out: " + fault);
+            remark(m_recording->path + ": " + rowLabel(source) + " is left out: " + fault);
             return;
         }
         row = channels.size() == 1 ? recordedRow(channels.front()) : derivedRow(channels);
-        row.name = toUtf8(source.name());
+        row.name = rowLabel(source);
     }
     row.source = &source;
     m_rows.push_back(std::move(row));
@@ -273,7 +263,7 @@ bool Rows::append(std::unique_ptr<DataSource> source, const RowDefinition& defin
 void Rows::applyFilters(const SignalOptions& options) {
     const double rate = m_recording->reader->samplingRate();
     FilterAttr notch = attrOf(options.notch);
-    notch.second = notchWidthFrequency(options.notch, rate);
+    notch.second = notchWidthFrequency(options.notch, notchHalfWidth, rate);
     const double notchPass = notch.use ? notchGainAtZeroHertz(notch, rate) : 1.0;
     for (Row& row : m_rows) {
         SourceSettings settings = row.source->settings();

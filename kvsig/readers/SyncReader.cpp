@@ -86,7 +86,10 @@ struct SyncReader::State {
     }
 
     bool openMember(IDataReader& member) {
-        if (member.open(member.fileName()))
+        // The file name is cut to its field; the path that the member was given is not.
+        const auto* recording = dynamic_cast<DataReader*>(&member);
+        const std::string path = recording ? recording->filePath() : member.fileName();
+        if (member.open(path.c_str()))
             return true;
         memberSentence = whyItFailed(member);
         own.setFileName(member.fileName());

@@ -2,8 +2,8 @@
 
 #include "kvsig/kernel/ReaderPtr.h"
 #include "kvsig/readers/SyncReader.h"
-#include "kvsig/registry/types/FileTypes.h"
 #include "kvsig/registry/Layout.h"
+#include "kvsig/registry/types/FileTypes.h"
 #include "kvsig/registry/types/NewReader.h"
 #include "kvsig/registry/types/TypeTable.h"
 #include "kvsig/util/LogSink.h"

@@ -1,17 +1,19 @@
 #include "kvsig/registry/Detection.h"
 
-#include "kvsig/registry/types/DataReaderManager.h"
-#include "kvsig/registry/types/FileTypes.h"
 #include "kvsig/registry/Layout.h"
 #include "kvsig/registry/ReadableFormats.h"
 #include "kvsig/registry/XmlLayout.h"
+#include "kvsig/registry/types/DataReaderManager.h"
+#include "kvsig/registry/types/FileTypes.h"
 #include "kvsig/util/File.h"
 #include "kvsig/util/FilePattern.h"
 #include "kvsig/util/NeighbourFile.h"
 #include "kvsig/util/Text.h"
 
 #include <algorithm>
+#include <optional>
 #include <set>
+#include <utility>
 
 namespace kvsig {
 namespace {
@@ -57,22 +59,8 @@ std::vector<const DRFactory*> unreadableByName(const char* path) {
     return fitting;
 }
 
-int detectPair(const char* path) {
-    const std::string both(path);
-    const std::size_t star = both.find('*');
-    if (star == std::string::npos)
-        return noReaderType;
-    const int first = DetectFileType(both.substr(0, star).c_str());
-    const int second = DetectFileType(both.substr(star + 1).c_str());
-    const bool canPair = first > 0 && second > 0 && !isPairType(first) && !isPairType(second);
-    return canPair ? pairType(first, second) : noReaderType;
-}
-
-} // namespace
-
-int DetectFileType(const char* path) {
-    if (!File().open(path))
-        return path ? detectPair(path) : noReaderType;
+// The type of one file, which exists.
+ReaderType typeOfFile(const char* path) {
     for (const DRFactory* factory : dataReaderManager().factories())
         if (fitsFilePattern(baseName(path), viewOf(factory->pattern)) &&
             knowsContent(factory->type, path))
@@ -88,9 +76,24 @@ int DetectFileType(const char* path) {
     return one ? fitting.front()->type : noReaderType;
 }
 
-std::string undetectedReason(const char* path) {
+bool isFile(const std::string& path) { return File().open(path.c_str()); }
+
+// Both paths of "a*b"; empty when there is no '*'.
+std::optional<std::pair<std::string, std::string>> pairOfPaths(std::string_view path) {
+    const std::size_t star = path.find('*');
+    if (star == std::string_view::npos)
+        return std::nullopt;
+    return std::pair(std::string(path.substr(0, star)), std::string(path.substr(star + 1)));
+}
+
+std::string undetectedFile(const char* path) {
     std::string reason;
     if (!File().open(path, &reason))
+        return reason;
+    const std::string_view name = baseName(path);
+    if (fitsFilePattern(name, "*.lay"))
+        return "not a layout: it has no section FileInfo";
+    if (fitsFilePattern(name, "*.kvx") && !readXmlLayout(path, reason))
         return reason;
     reason = "not a recording of a known format: its content is none of those that this build "
              "tells apart";
@@ -102,6 +105,31 @@ std::string undetectedReason(const char* path) {
     if (!names.empty())
         reason += "; by its name it may be " + names + ", which are not built";
     return reason;
+}
+
+} // namespace
+
+int DetectFileType(const char* path) {
+    const std::string file(viewOf(path));
+    if (isFile(file))
+        return typeOfFile(file.c_str());
+    const auto paths = pairOfPaths(file);
+    if (!paths || !isFile(paths->first) || !isFile(paths->second))
+        return noReaderType;
+    const ReaderType first = typeOfFile(paths->first.c_str());
+    const ReaderType second = typeOfFile(paths->second.c_str());
+    return first != noReaderType && second != noReaderType ? pairType(first, second) : noReaderType;
+}
+
+std::string undetectedReason(const char* path) {
+    const std::string file(viewOf(path));
+    const auto paths = isFile(file) ? std::nullopt : pairOfPaths(file);
+    if (!paths)
+        return file + ": " + undetectedFile(file.c_str());
+    for (const std::string& half : {paths->first, paths->second})
+        if (!isFile(half) || typeOfFile(half.c_str()) == noReaderType)
+            return half + ": " + undetectedFile(half.c_str());
+    return file + ": the two recordings cannot be paired";
 }
 
 } // namespace kvsig

@@ -12,7 +12,8 @@ namespace kvsig {
 /// the pair type of both. 0 when the type cannot be told.
 [[nodiscard]] KVSIG_API int DetectFileType(const char* path);
 
-/// Why the type of a file cannot be told, in one sentence without the file's name.
+/// Why the type of a file cannot be told, in one sentence that begins with its path (of a pair, the
+/// path of the half that it is about).
 [[nodiscard]] std::string undetectedReason(const char* path);
 
 } // namespace kvsig

@@ -3,6 +3,7 @@
 #include "kvsig/kernel/DataReader.h"
 #include "kvsig/readers/SyncReader.h"
 #include "kvsig/registry/Allocation.h"
+#include "kvsig/registry/Layout.h"
 #include "kvsig/util/Text.h"
 
 namespace kvsig {
@@ -48,6 +49,19 @@ std::string openPath(IDataReader& reader) {
 
 } // namespace
 
+namespace {
+
+// Raw data that was opened in place of the layout that describes it.
+std::string layoutHint(const std::string& path) {
+    const std::size_t dot = path.rfind('.');
+    const std::string layout = path.substr(0, dot) + ".lay";
+    return layout != path && isLayoutFile(layout.c_str())
+               ? "; the layout " + layout + " describes a recording"
+               : std::string();
+}
+
+} // namespace
+
 ReaderPtr openReader(const char* path, int type, std::string* error) {
     const auto fail = [error](const std::string& sentence) {
         if (error)
@@ -57,7 +71,7 @@ ReaderPtr openReader(const char* path, int type, std::string* error) {
     const std::string file(viewOf(path));
     const int found = type != noReaderType ? type : DetectFileType(path);
     if (found == noReaderType)
-        return fail(file + ": " + undetectedReason(path));
+        return fail(undetectedReason(path) + layoutHint(file));
     std::string reason;
     CString name = file;
     UnheldReader made = allocReader(found, name, reason);
@@ -65,7 +79,8 @@ ReaderPtr openReader(const char* path, int type, std::string* error) {
         return fail(file + ": " + reason);
     const ReaderPtr reader = owned(std::move(made));
     if (!reader->open(openPath(*reader).c_str()))
-        return fail(openError(*reader, file));
+        return fail(openError(*reader, file) +
+                    (type == noReaderType && !KrnlIsReadable(found) ? layoutHint(file) : ""));
     return reader;
 }
 

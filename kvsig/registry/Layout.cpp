@@ -1,8 +1,8 @@
 #include "kvsig/registry/Layout.h"
 
 #include "kvsig/kernel/DataReader.h"
-#include "kvsig/registry/types/ReaderType.h"
 #include "kvsig/registry/XmlLayout.h"
+#include "kvsig/registry/types/ReaderType.h"
 #include "kvsig/util/File.h"
 #include "kvsig/util/NeighbourFile.h"
 #include "kvsig/util/ProfileText.h"
@@ -18,7 +18,9 @@ constexpr std::size_t mostLayoutBytes = std::size_t{16} << 20;
 constexpr int typeNameBytes = 64;
 
 void resolveDataFile(IDataReader& reader, const std::string& layoutPath) {
-    const std::string beside = neighbourFile(layoutPath, viewOf(reader.fileName()));
+    const auto* recording = dynamic_cast<DataReader*>(&reader);
+    const std::string stored = recording ? recording->filePath() : reader.fileName();
+    const std::string beside = neighbourFile(layoutPath, stored);
     if (!beside.empty())
         reader.setFileName(beside.c_str());
 }

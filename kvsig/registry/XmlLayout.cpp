@@ -56,14 +56,21 @@ bool copyChannels(XmlReader& xml, AttributeText& out, std::string& reason) {
     return true;
 }
 
-void copySampleTimes(XmlReader& xml, AttributeText& out) {
+bool copySampleTimes(XmlReader& xml, AttributeText& out, std::string& reason) {
     xml.resetPosition();
     if (!xml.findElement("SampleTimes") || !xml.intoElement())
-        return;
+        return true;
     out.section("SampleTimes");
-    while (xml.findElement("SampleTime"))
-        out.line(xml.attribute("Sample"), xml.attribute("Time"));
+    while (xml.findElement("SampleTime")) {
+        const std::string sample = xml.attribute("Sample");
+        if (!canBeKey(sample)) {
+            reason = "SampleTime Sample '" + sample + "' is no sample index";
+            return false;
+        }
+        out.line(sample, xml.attribute("Time"));
+    }
     xml.outOfElement();
+    return true;
 }
 
 } // namespace
@@ -81,7 +88,8 @@ std::optional<std::string> readXmlLayout(const char* path, std::string& reason) 
     if (!copyChannels(xml, out, reason))
         return std::nullopt;
     copyKeys(xml, "Patient", out);
-    copySampleTimes(xml, out);
+    if (!copySampleTimes(xml, out, reason))
+        return std::nullopt;
     return out.text();
 }
 

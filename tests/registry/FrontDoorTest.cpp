@@ -5,6 +5,7 @@
 #include "kvsig/readers/TelefactorEDFReader.h"
 #include "kvsig/registry/Allocation.h"
 #include "kvsig/registry/ReadableFormats.h"
+#include "support/LogCapture.h"
 #include "support/Opened.h"
 #include "support/ReadAround.h"
 
@@ -105,10 +106,24 @@ TEST_F(FrontDoor, NamesTellFormatsThatAreNotBuilt) {
     EXPECT_FALSE(openReader(dir.file("a.e").c_str(), 0, &error));
     EXPECT_THAT(error, HasSubstr("by its name it may be Nervus, CardinalNicOne"));
     EXPECT_EQ(DetectFileType(dir.write("b.dat2", "x").c_str()), 0);
+    // A layout beside raw data is pointed at.
+    dir.write("rec.lay", "[FileInfo]\n");
+    for (const char* raw : {"rec.raw", "rec.bin"}) {
+        EXPECT_FALSE(openReader(dir.write(raw, "x").c_str(), 0, &error));
+        EXPECT_THAT(error, HasSubstr("the layout " + dir.file("rec.lay") + " describes"));
+    }
+}
+
+TEST_F(FrontDoor, ManyStarsAreNoDepth) {
+    const std::string stars(200000, '*');
+    EXPECT_EQ(DetectFileType(stars.c_str()), 0);
+    EXPECT_EQ(DetectFileType(nullptr), 0);
+    EXPECT_FALSE(openReader(stars.c_str(), 0, &error));
 }
 
 TEST_F(FrontDoor, TheLicenceCheckGuardsEveryAllocation) {
     const std::string path = write("a.edf", edf);
+    test::LogCapture log;
     KrnlSetLicenceCheck([] { return false; });
     CString name = path;
     EXPECT_EQ(_KrnlAllocReaderEx(6, name), nullptr);
@@ -116,6 +131,7 @@ TEST_F(FrontDoor, TheLicenceCheckGuardsEveryAllocation) {
     EXPECT_FALSE(openReader(path.c_str(), 0, &error));
     KrnlSetLicenceCheck({});
     EXPECT_THAT(error, HasSubstr("licence"));
+    EXPECT_THAT(log.take(), testing::Contains(HasSubstr("licence check refuses")));
     EXPECT_TRUE(openReader(path.c_str()));
 }
 

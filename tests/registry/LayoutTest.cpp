@@ -6,6 +6,7 @@
 #include "support/TempDir.h"
 
 #include <filesystem>
+#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -75,6 +76,12 @@ TEST_F(Layout, TheXmlFormSaysTheSame) {
                       "<Channel Name='a=b' Number='1'/></ChannelMap></Layout>",
                       "y.kvx"));
     EXPECT_THAT(error, HasSubstr("'a=b'"));
+    EXPECT_FALSE(open("<Layout><FileInfo File='rec.raw' FileType='EDF90'/><SampleTimes>"
+                      "<SampleTime Sample='[x]' Time='1'/></SampleTimes></Layout>",
+                      "y.kvx"));
+    EXPECT_THAT(error, HasSubstr("'[x]'"));
+    EXPECT_FALSE(open("<Layout><FileInfo></Layout>", "y.kvx"));
+    EXPECT_THAT(error, HasSubstr("not well-formed XML at byte"));
 }
 
 TEST_F(Layout, RenamesTheChannelsOfAnyRecording) {
@@ -138,8 +145,26 @@ TEST_F(Pair, TellsWhichMemberFails) {
     std::filesystem::remove(dir.file("b.bdf"));
     EXPECT_FALSE(openReader(both.c_str(), pairType(6, 48), &error));
     EXPECT_THAT(error, StartsWith(dir.file("b.bdf") + ": no such file"));
+    EXPECT_FALSE(openReader(both.c_str(), 0, &error));
+    EXPECT_THAT(error, StartsWith(dir.file("b.bdf") + ": no such file"));
+    EXPECT_FALSE(openReader((dir.file("a.edf") + "*" + dir.write("c", "x")).c_str(), 0, &error));
+    EXPECT_THAT(error, StartsWith(dir.file("c") + ": not a recording"));
     EXPECT_EQ(_KrnlAllocReaderEx(pairType(6, 48), dir.file("a.edf").c_str()), nullptr);
     EXPECT_EQ(_KrnlAllocReaderEx(pairType(6, 99), both.c_str()), nullptr);
+}
+
+// The names of the interface are cut to 259 characters, the paths are not.
+TEST_F(Pair, OpensRecordingsInDeepFolders) {
+    std::filesystem::path deep = dir.path();
+    for (int i = 0; i < 6; ++i)
+        deep /= std::string(60, 'd');
+    std::filesystem::create_directories(deep);
+    const std::string a = (deep / "a.edf").string();
+    std::filesystem::copy_file(dir.file("a.edf"), a);
+    EXPECT_TRUE(openReader((a + "*" + a).c_str(), 0, &error)) << error;
+    std::ofstream(deep / "a.lay") << "[FileInfo]\nFileType=EDF90\nFile=C:\\"
+                                  << std::string(300, 'x') << "\\A.EDF\n";
+    EXPECT_TRUE(openReader((deep / "a.lay").c_str(), 0, &error)) << error;
 }
 
 TEST_F(Pair, AllocationNamesItAfterTheFirst) {

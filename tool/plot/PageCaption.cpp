@@ -1,7 +1,9 @@
 #include "tool/plot/PageCaption.h"
 
 #include "kvsig/filters/DisplayText.h"
+#include "kvsig/util/NeighbourFile.h"
 #include "kvsig/util/NumberText.h"
+#include "tool/Words.h"
 
 namespace kvsig::tool {
 namespace {
@@ -12,6 +14,20 @@ std::string hertz(double value) {
 }
 
 } // namespace
+
+std::string titleText(const Recording& recording, const MontageChoice& montage) {
+    std::string title;
+    if (recording.isPair())
+        for (const DataReader* member : recording.members())
+            title += (title.empty() ? "" : " + ") + std::string(baseName(member->filePath()));
+    else
+        title = baseName(recording.path);
+    if (!montage.name.empty())
+        title += ", " + montage.name;
+    if (!montage.reference.empty())
+        title += ", against " + montage.reference;
+    return toUtf8(title);
+}
 
 std::string captionText(double sensitivity, double speed, const SignalOptions& signals) {
     const std::string scale =

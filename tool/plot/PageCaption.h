@@ -6,6 +6,9 @@
 
 namespace kvsig::tool {
 
+/// What a page shows: the file (of a pair, both), the montage and the reference asked for.
+[[nodiscard]] std::string titleText(const Recording& recording, const MontageChoice& montage);
+
 /// How a page is to be read: sensitivity (microvolts per millimetre; 0: no row has the common one),
 /// speed (millimetres per second) and filters.
 [[nodiscard]] std::string captionText(double sensitivity, double speed,

@@ -174,7 +174,7 @@ class PagePainter {
     }
 
     void drawScaleBar() {
-        if (!hasCommonScale())
+        if (!pageHasCommonScale())
             return;
         const double microvolts = scaleBarLength(m_content.sensitivity);
         const double length = microvolts / m_content.sensitivity;
@@ -187,26 +187,25 @@ class PagePainter {
                       Align::right, words);
     }
 
-    [[nodiscard]] bool hasCommonScale() const {
+    [[nodiscard]] bool pageHasCommonScale() const {
         const auto& rows = m_content.rows->rows();
-        return !std::all_of(rows.begin(), rows.end(), hasOwnScale);
+        return std::any_of(rows.begin(), rows.end(), kvsig::tool::hasCommonScale);
     }
 
     void drawCaption() {
         IDataReader& reader = *m_content.recording->reader;
-        const std::string& path = m_content.recording->path;
-        const std::string file = toUtf8(path.substr(path.find_last_of('/') + 1));
-        m_canvas.text(2.0, 6.0, file, 3.6, Align::left, ink, 150.0);
+        m_canvas.text(2.0, 6.0, titleText(*m_content.recording, m_content.signals->montage), 3.6,
+                      Align::left, ink, 170.0);
         m_canvas.text(m_layout.right, 6.0,
                       clockText(std::fmod(reader.getClockTime(m_start), 86400.0)) + ", " +
                           clockText(m_start) + " into the recording, " +
                           generalText(m_duration, 6) + " s shown",
                       3.0, Align::right, words);
         const double speed = m_layout.traceWidth() / m_duration;
-        m_canvas.text(
-            2.0, 11.0,
-            captionText(hasCommonScale() ? m_content.sensitivity : 0.0, speed, *m_content.signals),
-            3.0, Align::left, words);
+        m_canvas.text(2.0, 11.0,
+                      captionText(pageHasCommonScale() ? m_content.sensitivity : 0.0, speed,
+                                  *m_content.signals),
+                      3.0, Align::left, words);
         std::string remarks;
         const auto remark = [&remarks](bool applies, const char* sentence) {
             if (applies)
@@ -214,7 +213,7 @@ class PagePainter {
         };
         const auto& rows = m_content.rows->rows();
         const auto& traces = *m_content.traces;
-        remark(m_content.signals->lowFilter <= 0 && hasCommonScale(),
+        remark(m_content.signals->lowFilter <= 0 && pageHasCommonScale(),
                "each trace's median is taken off");
         remark(std::any_of(rows.begin(), rows.end(), hasOwnScale),
                "rows with a scale of their own: positive up");
@@ -235,10 +234,12 @@ class PagePainter {
 
 } // namespace
 
-bool hasOwnScale(const Row& row) {
-    return row.gap || !row.microvolts || startsWithNoCase(row.name, "ECG") ||
-           startsWithNoCase(row.name, "EKG");
+bool hasCommonScale(const Row& row) {
+    return !row.gap && row.microvolts && !startsWithNoCase(row.name, "ECG") &&
+           !startsWithNoCase(row.name, "EKG");
 }
+
+bool hasOwnScale(const Row& row) { return !row.gap && !hasCommonScale(row); }
 
 void drawPage(Canvas& canvas, const PageLayout& layout, const PageContent& content) {
     PagePainter(canvas, layout, content).paint();

@@ -26,7 +26,8 @@ struct PageContent {
 /// stand positive up.
 void drawPage(Canvas& canvas, const PageLayout& layout, const PageContent& content);
 
-/// Whether a row has a scale of its own.
+/// Whether a row is drawn at the page's sensitivity, or at a scale of its own; gaps at neither.
+[[nodiscard]] bool hasCommonScale(const Row& row);
 [[nodiscard]] bool hasOwnScale(const Row& row);
 
 } // namespace kvsig::tool

@@ -36,7 +36,7 @@ KVSIG_API void SetDataReaderSortOrder(const std::vector<const char*>& names);
 [[nodiscard]] KVSIG_API bool KrnlIsReadable(int type);
 
 /// The name that stands for a type in layouts and attribute files and that KrnlGetFileType() reads
-/// back: "EDF90", "Interleaved"; of a pair "EDF90+BDF". Empty for none.
+/// back: "EDF90", "Interleaved". Of a pair, which no layout names, "EDF90+BDF". Empty for none.
 [[nodiscard]] KVSIG_API std::string typeNameOf(ReaderType type);
 
 } // namespace kvsig
