@@ -130,14 +130,15 @@ bool fillMontage(SourceMontage& montage, const Recording& recording, const Monta
     const std::string name = choice.name.empty() ? recordedMontage : choice.name;
     const std::string where = recording.path + ": montage " + name;
     montage.setReader(&reader);
-    if (!montage.createMontage(name.c_str())) {
+    const bool made = montage.createMontage(name.c_str()) != 0 && montage.sourceCount() > 0;
+    if (!made && montage.unresolved().empty()) {
         complain(recording.path + ": --montage \"" + name + "\" is not known; there are " +
                  listed(montageNames(reader, choice)));
         return false;
     }
-    if (montage.sourceCount() == 0) {
-        complain(where +
-                 ": the recording has none of its electrodes: " + listed(montage.unresolved()));
+    if (!made) {
+        complain(where + ": the recording lacks electrodes of all its rows: " +
+                 listed(montage.unresolved()));
         return false;
     }
     remarkOnWhatIsLeftOut(montage, where);

@@ -50,6 +50,9 @@ TEST_F(MontageCommand, ListsMontagesAndTheirSources) {
     const CommandResult unknown = run("montage a.edf --montage Owm --montage-file own.ini");
     EXPECT_EQ(unknown.exitCode, 1);
     EXPECT_THAT(unknown.err, AllOf(HasSubstr("\"Owm\" is not known"), HasSubstr("Own")));
+    EXPECT_THAT(
+        run("plot a.edf --montage 'Referential A1A2' -o x.png").err,
+        AllOf(HasSubstr("lacks electrodes of all its rows: Fp1-A1A2"), Not(HasSubstr("known"))));
     EXPECT_THAT(run("montage a.edf --montage x --montage-file gone").err,
                 HasSubstr("no such file"));
 }
