@@ -22,7 +22,9 @@ if(KVSIG_WERROR)
   target_compile_options(kvsig_options INTERFACE -Werror)
 endif()
 if(KVSIG_SANITIZE)
-  target_compile_options(kvsig_options INTERFACE -fsanitize=${KVSIG_SANITIZE}
+  # -O1 and line tables: the instrumented code of the tests would take longer to optimise than to
+  # run.
+  target_compile_options(kvsig_options INTERFACE -fsanitize=${KVSIG_SANITIZE} -O1 -g1
                                                  -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(kvsig_options INTERFACE -fsanitize=${KVSIG_SANITIZE})
 endif()
