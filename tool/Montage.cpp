@@ -69,8 +69,10 @@ std::optional<Json> facts(const std::string& file, int type, const MontageChoice
         return std::nullopt;
     Json all{{"file", toUtf8(file)}};
     if (!choice.isMade()) {
+        if (!useMontageFile(choice.file, file))
+            return std::nullopt;
         all["montages"] = Json::array();
-        for (const std::string& name : montageNames(*recording->reader, choice))
+        for (const std::string& name : montageNames(*recording->reader))
             all["montages"].push_back(toUtf8(name));
         return all;
     }

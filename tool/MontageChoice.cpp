@@ -3,18 +3,25 @@
 #include "kvsig/montage/AvgSource.h"
 #include "kvsig/montage/G1G2Source.h"
 #include "kvsig/montage/MontageFiles.h"
-#include "kvsig/montage/names/ScalpGrid.h"
+#include "kvsig/montage/names/Derivation.h"
 #include "kvsig/util/File.h"
+#include "kvsig/util/LogSink.h"
 #include "kvsig/util/Text.h"
-#include "tool/Nearest.h"
+#include "tool/ElectrodeName.h"
 #include "tool/Words.h"
 
 #include <algorithm>
+#include <set>
 
 namespace kvsig::tool {
 namespace {
 
 constexpr const char* recordedMontage = "Recorded";
+
+std::string lowerCaseOf(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(), [](char c) { return lowerCase(c); });
+    return text;
+}
 
 std::string listed(const std::vector<std::string>& names) {
     std::string text;
@@ -23,15 +30,27 @@ std::string listed(const std::vector<std::string>& names) {
     return text;
 }
 
-bool useMontageFile(const Recording& recording, const std::string& file) {
-    std::string reason;
-    if (!file.empty() && !File().open(file.c_str(), &reason)) {
-        complain(recording.path + ": --montage-file " + file + ": " + reason);
-        return false;
+// What the library says of montage files and definitions is the user's business too.
+class HeardWarnings {
+  public:
+    HeardWarnings() {
+        SetLogSink([this](int level, const char* text) {
+            if (level >= logWarning)
+                m_texts.emplace_back(text);
+        });
     }
-    SetMontageFile(file.c_str());
-    return true;
-}
+    ~HeardWarnings() { SetLogSink({}); }
+    HeardWarnings(const HeardWarnings&) = delete;
+    HeardWarnings& operator=(const HeardWarnings&) = delete;
+
+    void pass(const std::string& where) const {
+        for (const std::string& text : m_texts)
+            complain(where + ": " + text);
+    }
+
+  private:
+    std::vector<std::string> m_texts;
+};
 
 void remarkOnWhatIsLeftOut(const SourceMontage& montage, const std::string& where) {
     const std::vector<std::string>& missing = montage.unresolved();
@@ -41,53 +60,68 @@ void remarkOnWhatIsLeftOut(const SourceMontage& montage, const std::string& wher
            " rows left out, the recording lacks electrodes of them: " + listed(missing));
 }
 
-std::vector<std::string> rowNames(const SourceMontage& montage) {
-    std::vector<std::string> names;
-    for (int i = 0; i < montage.sourceCount(); ++i)
-        names.emplace_back(montage.source(i)->name());
-    return names;
-}
-
-std::string validReferences(const SourceMontage& montage, IDataReader& reader) {
+std::string validReferences(const SourceMontage& montage) {
     std::vector<std::string> names;
     for (int i = 0; i < montage.avgRefCount(); ++i)
         names.emplace_back(montage.avgRef(i)->name());
-    return listed(names) + (names.empty() ? "" : " or ") + "an electrode of the recording's " +
-           std::to_string(reader.channelCount());
+    return listed(names) + (names.empty() ? "" : " or ") + "an electrode of the recording";
 }
 
-// The library moves every row that stands against its channel's recorded reference, the ECG and
-// the temperature too. What is no scalp electrode stays as it was.
-void keepOtherRows(SourceMontage& montage, int reference, const std::vector<std::string>& names) {
-    for (int i = 0; i < montage.sourceCount(); ++i) {
-        auto* row = dynamic_cast<G1G2Source*>(montage.source(i));
-        if (!row || row->isGap() || row->channel2() != reference || IndexOf1020(row->grid1()) >= 0)
-            continue;
-        row->setChannel12(row->channel1(), -1);
-        row->setName(names[static_cast<std::size_t>(i)].c_str());
-        row->flushCache();
-    }
+// A row's channel against the reference that is to be changed: the one that the montage has in
+// common, or else the recorded one.
+bool standsAgainstReference(const G1G2Source& row, const std::string& common, const char* grid2) {
+    return row.channel2() < 0 || (!common.empty() && equalNoCase(grid2, common));
 }
 
+void moveRow(G1G2Source& row, int reference) {
+    row.setChannel12(row.channel1(), reference);
+    char name[derivationNameSize];
+    const std::string grid1 = row.grid1();
+    NameFromG1G2(grid1.c_str(), row.grid2(), name);
+    row.setName(name);
+    row.flushCache();
+}
+
+// Unlike the library, which moves whatever stands against its recorded reference, ECG and
+// temperature stay as they are, and so do the bipolar rows of a referential montage.
 bool applyReference(SourceMontage& montage, const std::string& reference,
                     const std::string& where) {
     int id = -1;
     if (!montage.isValidReference(reference.c_str(), &id)) {
         complain(where + ": --reference " + reference + " is none here; it can be " +
-                 validReferences(montage, *montage.reader()));
+                 validReferences(montage));
         return false;
     }
-    const std::vector<std::string> before = rowNames(montage);
-    // Rows against another common reference go back to the recording's first.
-    if (montage.isReferential())
-        montage.changeReference(nullptr);
-    const std::vector<std::string> recorded = rowNames(montage);
-    montage.changeReference(reference.c_str());
-    keepOtherRows(montage, id, recorded);
-    if (rowNames(montage) == before)
-        remark(where + ": --reference " + reference +
-               " changes nothing: no row stands against the recording's reference");
+    const std::string common = montage.isReferential() ? montage.ref() : "";
+    std::vector<std::string> kept;
+    int moved = 0;
+    for (int i = 0; i < montage.sourceCount(); ++i) {
+        auto* row = dynamic_cast<G1G2Source*>(montage.source(i));
+        if (!row || row->isGap() || row->channel2() == id)
+            continue;
+        const std::string grid2 = row->grid2();
+        if (!standsAgainstReference(*row, common, grid2.c_str()))
+            continue;
+        if (!isElectrodeName(row->grid1())) {
+            kept.push_back(rowLabel(*row));
+            continue;
+        }
+        moveRow(*row, id);
+        ++moved;
+    }
+    montage.isReferential(); // finds the reference that the rows have now
+    if (!kept.empty())
+        remark(where + ": no electrodes by their names, left as they are: " + listed(kept));
+    if (moved == 0)
+        remark(where + ": --reference " + reference + " changes no row");
     return true;
+}
+
+int shownRows(const SourceMontage& montage) {
+    int rows = 0;
+    for (int i = 0; i < montage.sourceCount(); ++i)
+        rows += montage.source(i)->isGap() ? 0 : 1;
+    return rows;
 }
 
 } // namespace
@@ -108,12 +142,21 @@ std::string rowLabel(DataSource& source) {
     return name.ends_with('-') ? name.substr(0, name.size() - 1) : name;
 }
 
-std::vector<std::string> montageNames(IDataReader& reader, const MontageChoice& choice) {
-    SetMontageFile(choice.file.c_str());
+bool useMontageFile(const std::string& file, const std::string& where) {
+    std::string reason;
+    if (!file.empty() && !File().open(file.c_str(), &reason)) {
+        complain(where + ": --montage-file " + file + ": " + reason);
+        return false;
+    }
+    SetMontageFile(file.c_str());
+    return true;
+}
+
+std::vector<std::string> montageNames(IDataReader& reader) {
     std::vector<std::string> names{recordedMontage};
-    const auto add = [&names](const std::string& name) {
-        if (std::none_of(names.begin(), names.end(),
-                         [&name](const std::string& n) { return equalNoCase(n, name); }))
+    std::set<std::string> known{lowerCaseOf(recordedMontage)};
+    const auto add = [&](const std::string& name) {
+        if (known.insert(lowerCaseOf(name)).second)
             names.push_back(name);
     };
     for (const std::string& name : MontageNames())
@@ -124,21 +167,25 @@ std::vector<std::string> montageNames(IDataReader& reader, const MontageChoice& 
 }
 
 bool fillMontage(SourceMontage& montage, const Recording& recording, const MontageChoice& choice) {
-    if (!useMontageFile(recording, choice.file))
+    if (!useMontageFile(choice.file, recording.path))
         return false;
     IDataReader& reader = *recording.reader;
     const std::string name = choice.name.empty() ? recordedMontage : choice.name;
     const std::string where = recording.path + ": montage " + name;
     montage.setReader(&reader);
-    const bool made = montage.createMontage(name.c_str()) != 0 && montage.sourceCount() > 0;
-    if (!made && montage.unresolved().empty()) {
+    const HeardWarnings warnings;
+    const bool known = montage.createMontage(name.c_str()) != 0;
+    warnings.pass(where);
+    if (!known && montage.unresolved().empty()) {
         complain(recording.path + ": --montage \"" + name + "\" is not known; there are " +
-                 listed(montageNames(reader, choice)));
+                 listed(montageNames(reader)));
         return false;
     }
-    if (!made) {
-        complain(where + ": the recording lacks electrodes of all its rows: " +
-                 listed(montage.unresolved()));
+    if (shownRows(montage) == 0) {
+        complain(where + (montage.unresolved().empty()
+                              ? " has no rows"
+                              : ": the recording lacks electrodes of all its rows: " +
+                                    listed(montage.unresolved())));
         return false;
     }
     remarkOnWhatIsLeftOut(montage, where);

@@ -27,8 +27,11 @@ void addMontageOptions(CLI::App& command, MontageChoice& choice);
 /// What a row is labelled with; empty for a gap. A channel without a reference has no hyphen.
 [[nodiscard]] std::string rowLabel(DataSource& source);
 
+/// Puts a montage file before all others; an empty one takes the last one back. False with a
+/// complaint when it cannot be opened.
+[[nodiscard]] bool useMontageFile(const std::string& file, const std::string& where);
+
 /// The names of the montages that a recording can be shown in.
-[[nodiscard]] std::vector<std::string> montageNames(IDataReader& reader,
-                                                    const MontageChoice& choice);
+[[nodiscard]] std::vector<std::string> montageNames(IDataReader& reader);
 
 } // namespace kvsig::tool

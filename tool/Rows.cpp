@@ -83,9 +83,15 @@ bool Rows::selectChannels(const std::string& list) {
 bool Rows::selectMontage(const MontageChoice& choice, bool keepGaps) {
     if (!fillMontage(m_montage, *m_recording, choice))
         return false;
-    for (int i = 0; i < m_montage.sourceCount(); ++i)
-        if (keepGaps || !m_montage.source(i)->isGap())
-            addMontageRow(*m_montage.source(i));
+    for (int i = 0; i < m_montage.sourceCount(); ++i) {
+        DataSource& source = *m_montage.source(i);
+        // Rows that are left out leave no gaps behind.
+        if (source.isGap() && (!keepGaps || m_rows.empty() || m_rows.back().gap))
+            continue;
+        addMontageRow(source);
+    }
+    if (!m_rows.empty() && m_rows.back().gap)
+        m_rows.pop_back();
     if (m_rows.empty())
         complain(m_recording->path + ": montage " + m_montage.name() + " has no rows to show");
     return !m_rows.empty();

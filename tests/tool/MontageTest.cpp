@@ -79,10 +79,35 @@ TEST_F(MontageCommand, ReferencesAreChanged) {
     EXPECT_THAT(table.out, HasSubstr("\n0,-30,-20,-10,0,"));
     const CommandResult bipolar =
         run("montage a.edf --montage Own --montage-file own.ini --reference Cz");
-    EXPECT_THAT(bipolar.err, HasSubstr("changes nothing"));
+    EXPECT_THAT(bipolar.err, HasSubstr("changes no row"));
     const CommandResult unknown = run("export a.edf --reference Pz");
     EXPECT_EQ(unknown.exitCode, 1);
     EXPECT_THAT(unknown.err, HasSubstr("--reference Pz is none here"));
+}
+
+// What the montage defines as a difference stays one.
+TEST_F(MontageCommand, ReferencesLeaveBipolarRowsAlone) {
+    dir.write("own.ini", "[Own]\nFp1-Cz=\nF7-Cz=\nT3-Cz=\nFp1-F7=bipolar\nTemp=\n");
+    const CommandResult table =
+        run("export a.edf --montage Own --montage-file own.ini --reference T3 --to 0.25");
+    ASSERT_EQ(table.exitCode, 0) << table.err;
+    EXPECT_THAT(table.out, StartsWith("time,Fp1-T3,F7-T3,T3-T3,bipolar,Temp-Ref\n0,-20,-10,0,-10,"));
+    EXPECT_THAT(table.err, HasSubstr("left as they are: Temp-Ref"));
+    const CommandResult again = run("montage a.edf --montage Own --montage-file own.ini "
+                                    "--reference Cz --json");
+    EXPECT_THAT(again.err, HasSubstr("changes no row"));
+    EXPECT_EQ(Json::parse(again.out)["montage"]["reference"], "Cz");
+}
+
+TEST_F(MontageCommand, SaysWhenNothingOfAMontageIsThere) {
+    dir.write("own.ini", "[Own]\nGap1=\nP3-P4=\n[Empty]\nGap1=\n");
+    const std::string own = "plot a.edf -o x.svg --montage-file own.ini --montage ";
+    EXPECT_THAT(run(own + "Own").err, HasSubstr("lacks electrodes of all its rows: P3-P4"));
+    EXPECT_THAT(run(own + "Empty").err, HasSubstr("has no rows"));
+    dir.write("broken.xml", "<Templates><Template");
+    EXPECT_THAT(run("montage a.edf --montage X --montage-file broken.xml").err,
+                HasSubstr("broken.xml"));
+    EXPECT_EQ(run("montage a.edf --montage-file gone").exitCode, 1);
 }
 
 // Rows that bring filters of their own keep them; the others take the options'.
