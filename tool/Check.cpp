@@ -1,5 +1,6 @@
 #include "kvsig/registry/Allocation.h"
 #include "kvsig/registry/FrontDoor.h"
+#include "kvsig/util/File.h"
 #include "tool/Command.h"
 #include "tool/Recording.h"
 #include "tool/StandardOutput.h"
@@ -28,8 +29,9 @@ struct Report {
     bool opens = false;
     std::vector<OpenFinding> findings;
 
-    void add(const std::vector<OpenFinding>& more) {
-        findings.insert(findings.end(), more.begin(), more.end());
+    void add(const std::vector<OpenFinding>& more, const std::string& prefix = {}) {
+        for (const OpenFinding& finding : more)
+            findings.push_back({finding.severity, prefix + finding.text});
     }
     [[nodiscard]] bool isUsable() const {
         return std::none_of(findings.begin(), findings.end(), [](const OpenFinding& finding) {
@@ -49,6 +51,22 @@ const char* wordFor(Severity severity) {
     }
 }
 
+struct Member {
+    std::string file;
+    int type;
+};
+
+// The two files of what is named as a pair, whether or not they make one.
+std::vector<Member> membersOf(const std::string& file, int type) {
+    const std::size_t star = file.find('*');
+    if (star == std::string::npos ||
+        (type == noReaderType ? File().open(file.c_str()) : !isPairType(type)))
+        return {};
+    const bool typed = type != noReaderType;
+    return {{file.substr(0, star), typed ? firstOfPair(type) : noReaderType},
+            {file.substr(star + 1), typed ? secondOfPair(type) : noReaderType}};
+}
+
 // A file that does not open is looked at by a reader that was never opened.
 std::vector<OpenFinding> inspectUnopened(const std::string& file, int type) {
     const int found = type != noReaderType ? type : DetectFileType(file.c_str());
@@ -57,23 +75,36 @@ std::vector<OpenFinding> inspectUnopened(const std::string& file, int type) {
     return single ? single->inspectFile() : std::vector<OpenFinding>();
 }
 
-Report check(const std::string& file, int type) {
+Report checkOpened(const Recording& recording) {
     Report report;
-    std::string error;
-    const Recording recording{file, openReader(file.c_str(), type, &error)};
-    if (!recording.reader) {
-        const std::string prefix = file + ": ";
-        report.findings.push_back(
-            {Severity::unusable, error.starts_with(prefix) ? error.substr(prefix.size()) : error});
-        report.add(inspectUnopened(file, type));
-        return report;
-    }
     report.opens = true;
     for (DataReader* member : recording.members()) {
-        report.add(member->openFindings());
-        report.add(member->inspectFile());
+        const std::string prefix = recording.isPair() ? member->filePath() + ": " : "";
+        report.add(member->openFindings(), prefix);
+        report.add(member->inspectFile(), prefix);
+        report.add(channelOddities(recording, member), prefix);
     }
-    report.add(channelOddities(recording));
+    report.add(twinOddities(recording));
+    return report;
+}
+
+Report check(const std::string& file, int type) {
+    std::string error;
+    const Recording recording{file, openReader(file.c_str(), type, &error)};
+    if (recording.reader)
+        return checkOpened(recording);
+    Report report;
+    const std::vector<Member> members = membersOf(file, type);
+    if (members.empty())
+        report.add(inspectUnopened(file, type));
+    for (const Member& member : members)
+        report.add(check(member.file, member.type).findings, member.file + ": ");
+    const std::string prefix = file + ": ";
+    const std::string reason = error.starts_with(prefix) ? error.substr(prefix.size()) : error;
+    // The member that keeps a pair from opening has told its reason already.
+    if (std::none_of(report.findings.begin(), report.findings.end(),
+                     [&reason](const OpenFinding& told) { return told.text == reason; }))
+        report.findings.insert(report.findings.begin(), {Severity::unusable, reason});
     return report;
 }
 

@@ -1,5 +1,6 @@
 #include "kvsig/registry/types/FileTypes.h"
 #include "kvsig/util/NumberText.h"
+#include "kvsig/util/Saturate.h"
 #include "tool/Command.h"
 #include "tool/Recording.h"
 #include "tool/StandardOutput.h"
@@ -7,14 +8,19 @@
 #include "tool/Words.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <utility>
 
 namespace kvsig::tool {
 namespace {
 
 using Json = nlohmann::ordered_json;
+
+constexpr int anchorsInText = 20;
 
 struct InfoOptions {
     std::vector<std::string> files;
@@ -70,22 +76,28 @@ std::string typeName(const Recording& recording) {
     return names;
 }
 
-Json facts(const Recording& recording, bool showPatient) {
+Json anchorFacts(const Recording& recording, int most) {
+    Json anchors = Json::array();
+    for (int i = 0; i < std::min(recording.reader->sampleTimeCount(), most); ++i) {
+        SampleTime anchor;
+        recording.reader->getSampleTime(i, anchor);
+        anchors.push_back(
+            {{"sample", recording.atCommonRate(anchor.sample)}, {"time", anchor.time}});
+    }
+    return anchors;
+}
+
+Json facts(const Recording& recording, bool showPatient, int mostAnchors) {
     IDataReader& reader = *recording.reader;
     Json all;
     all["file"] = toUtf8(recording.path);
     all["type"] = {{"number", reader.fileType()}, {"name", typeName(recording)}};
     all["samplingRate"] = reader.samplingRate();
-    all["sampleCount"] = reader.sampleCount();
+    all["sampleCount"] = recording.atCommonRate(reader.sampleCount());
     all["storedSampleCount"] = recording.storedSamples();
     all["duration"] = reader.duration();
     all["startClock"] = reader.getClockTime(0.0);
-    all["sampleTimes"] = Json::array();
-    for (int i = 0; i < reader.sampleTimeCount(); ++i) {
-        SampleTime anchor;
-        reader.getSampleTime(i, anchor);
-        all["sampleTimes"].push_back({{"sample", anchor.sample}, {"time", anchor.time}});
-    }
+    all["sampleTimes"] = anchorFacts(recording, mostAnchors);
     all["referential"] = reader.isMapReferential() != 0;
     all["refGrid"] = toUtf8(reader.refGrid());
     all["channels"] = Json::array();
@@ -117,7 +129,7 @@ std::string channelTable(const Json& channels) {
                      {true, false, false, false, true, false, true, true, false, false, true});
 }
 
-std::string summary(const Json& all) {
+std::string summary(const Json& all, int anchors) {
     std::vector<std::vector<std::string>> rows;
     const auto add = [&rows](const std::string& label, const std::string& value) {
         rows.push_back({label, value});
@@ -129,14 +141,17 @@ std::string summary(const Json& all) {
                     std::to_string(all["type"]["number"].get<int>()) + ")");
     add("channels", std::to_string(all["channels"].size()) + " at " + shortestText(rate) + " Hz");
     add("samples", std::to_string(samples) + ", " + clockText(all["duration"]));
-    if (stored != samples)
+    if (stored < samples)
         add("stored", std::to_string(stored) + ", " +
                           clockText(rate > 0 ? static_cast<double>(stored) / rate : 0.0) +
                           " (what lies beyond reads as zeros)");
     add("start", clockText(all["startClock"]) + " local time");
     for (const Json& anchor : all["sampleTimes"])
-        add("anchor", "sample " + std::to_string(anchor["sample"].get<int>()) + " at " +
+        add("anchor", "sample " + std::to_string(anchor["sample"].get<long>()) + " at " +
                           clockText(anchor["time"]));
+    if (const std::size_t shown = all["sampleTimes"].size(); std::cmp_less(shown, anchors))
+        add("anchor",
+            "and " + std::to_string(anchors - saturate<int>(shown)) + " more; --json lists all");
     const bool referential = all["referential"];
     const std::string reference = all["refGrid"];
     add("reference", !referential        ? "none in common (recorded pairs)"
@@ -166,12 +181,13 @@ int run(const InfoOptions& options) {
             exitCode = exitFailed;
             continue;
         }
-        const Json all = facts(*recording, options.showPatient);
+        Json all = facts(*recording, options.showPatient,
+                         options.json ? std::numeric_limits<int>::max() : anchorsInText);
         if (options.json)
-            list.push_back(all);
+            list.push_back(std::move(all));
         else
-            print(printable(file) + "\n" + summary(all) + "\n" + channelTable(all["channels"]) +
-                  "\n");
+            print(printable(file) + "\n" + summary(all, recording->reader->sampleTimeCount()) +
+                  "\n" + channelTable(all["channels"]) + "\n");
         if (const OpenFinding* finding = recording->unusable()) {
             complain(file + ": " + finding->text);
             exitCode = exitFailed;

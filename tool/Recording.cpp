@@ -41,13 +41,16 @@ std::vector<DataReader*> Recording::members() const {
     return {dynamic_cast<DataReader*>(reader.get())};
 }
 
-long Recording::storedSamples() const {
-    DataReader& first = *members().front();
-    const double own = first.samplingRate();
+long Recording::atCommonRate(long samples) const {
+    const double own = members().front()->samplingRate();
     const double common = reader->samplingRate();
     if (!isPair() || !(own > 0) || own == common)
-        return first.storedSampleCount();
-    return saturate<long>(static_cast<double>(first.storedSampleCount()) * (common / own));
+        return samples;
+    return saturate<long>(static_cast<double>(samples) * (common / own));
+}
+
+long Recording::storedSamples() const {
+    return atCommonRate(members().front()->storedSampleCount());
 }
 
 const OpenFinding* Recording::unusable() const {

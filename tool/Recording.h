@@ -24,8 +24,11 @@ struct Recording {
     [[nodiscard]] std::vector<DataReader*> members() const;
     [[nodiscard]] bool isPair() const { return members().size() > 1; }
 
+    /// A number of samples at the common rate. A pair counts its samples, and numbers those of its
+    /// anchors, at its first recording's own rate, which may be the slower.
+    [[nodiscard]] long atCommonRate(long samples) const;
     /// Samples that the commands show: what the file holds, not what the kernel counts. Of a pair
-    /// the first recording's, at the common rate where that one is the slower.
+    /// the first recording's, at the common rate.
     [[nodiscard]] long storedSamples() const;
     /// The finding that makes samples or times meaningless; null when there is none.
     [[nodiscard]] const OpenFinding* unusable() const;

@@ -4,6 +4,7 @@
 #include "kvsig/montage/names/Derivation.h"
 #include "kvsig/readers/EdfHeader.h"
 #include "kvsig/readers/EdfInspection.h"
+#include "kvsig/readers/EdfOnset.h"
 #include "kvsig/readers/RecordDemux.h"
 #include "kvsig/util/File.h"
 #include "kvsig/util/LogSink.h"
@@ -188,6 +189,7 @@ void EDF90Reader::reportOddFields() {
     reportOddStart();
     reportOddTiming();
     reportOddSizes();
+    reportOddOnsets();
 }
 
 // Numbers are read as far as they go, as in "31 E" or "1e3"; what was made of them is told.
@@ -256,6 +258,24 @@ void EDF90Reader::reportOddSizes() {
     for (std::int64_t i = 0; i < header.fileSignals(); ++i)
         if (header.signalSamples()[static_cast<std::size_t>(i)] < 1)
             report(Severity::unusable, samplesText(header, i) + ", at least 1 is needed");
+}
+
+// What was recorded with gaps is shown without them. The ends of the file tell; where the gaps are
+// takes a look at all of it, see inspectFile().
+void EDF90Reader::reportOddOnsets() {
+    if (!edf::declaresPlus(m_edf->header))
+        return;
+    const double shift = edf::lastOnsetShift(m_edf->file, m_edf->header, storedSampleBytes());
+    if (shift == 0.0)
+        return;
+    const std::string seconds = edf::secondsText(std::abs(shift));
+    report(Severity::warning,
+           shift > 0 ? "its data records leave gaps of " + seconds +
+                           " in all and are shown as if there were none: times behind a gap are "
+                           "wrong"
+                     : "its data records overlap by " + seconds +
+                           " in all and are shown one after the other: times behind an overlap "
+                           "are wrong");
 }
 
 // The kernel calibrates by IEEE rules; the user must know where that gives no numbers.

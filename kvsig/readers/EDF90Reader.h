@@ -77,6 +77,7 @@ class KVSIG_API EDF90Reader : public DataReader {
     void reportOddStart();
     void reportOddTiming();
     void reportOddSizes();
+    void reportOddOnsets();
     void reportOddCalibrations();
     bool refuseHeader(const edf::Header& fixedPart);
     bool refuseWithoutSamples();

@@ -2,6 +2,7 @@
 
 #include "kvsig/util/NumberText.h"
 
+#include <algorithm>
 #include <numeric>
 
 namespace kvsig::edf {
@@ -40,6 +41,23 @@ std::string Header::text(SignalField field, std::int64_t fileSignal) const {
 
 std::int64_t Header::offsetOf(SignalField field, std::int64_t fileSignal) const {
     return fixedLength + field.before * m_fileSignals + field.width * fileSignal;
+}
+
+bool declaresPlus(const Header& header) {
+    const std::string text = header.text(reserved);
+    return text.starts_with("EDF+") || text.starts_with("BDF+");
+}
+
+bool isAnnotation(const Header& header, std::int64_t fileSignal) {
+    const std::string text = header.text(label, fileSignal);
+    return text == "EDF Annotations" || text == "BDF Annotations";
+}
+
+std::int64_t recordBytes(const Header& header, int sampleBytes) {
+    std::int64_t samples = 0;
+    for (const std::int64_t count : header.signalSamples())
+        samples += std::max<std::int64_t>(count, 0);
+    return samples * sampleBytes;
 }
 
 } // namespace kvsig::edf

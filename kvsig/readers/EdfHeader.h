@@ -88,4 +88,13 @@ class KVSIG_API Header {
     std::vector<std::int64_t> m_signalSamples;
 };
 
+/// The reserved field says EDF+ or BDF+, whichever file it stands in.
+[[nodiscard]] bool declaresPlus(const Header& header);
+
+/// The signal's label is that of EDF+'s or BDF+'s annotations, whether or not it is a channel.
+[[nodiscard]] bool isAnnotation(const Header& header, std::int64_t fileSignal);
+
+/// Bytes of a data record; signals of fewer than 0 samples count as empty.
+[[nodiscard]] std::int64_t recordBytes(const Header& header, int sampleBytes);
+
 } // namespace kvsig::edf

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <utility>
 
 namespace kvsig::edf {
 namespace {
@@ -18,10 +19,6 @@ std::string namedField(const char* name, Field field, const Header& header) {
            quoted(header.text(field));
 }
 
-bool declaresPlus(const std::string& reservedText) {
-    return reservedText.starts_with("EDF+") || reservedText.starts_with("BDF+");
-}
-
 class HeaderCheck {
   public:
     HeaderCheck(const File& file, const Header& header, int sampleBytes)
@@ -31,8 +28,10 @@ class HeaderCheck {
         checkReserved();
         checkIdentification();
         const bool shifted = checkShift();
-        if (!shifted && m_signals > 0 && fullLength(m_signals) <= m_file.size())
+        if (!shifted && m_signals > 0 && fullLength(m_signals) <= m_file.size()) {
+            checkHeaderLength();
             checkSignals();
+        }
         return std::move(m_findings);
     }
 
@@ -51,7 +50,7 @@ class HeaderCheck {
         else if (!text.empty() && bdf != (text == "24BIT" || text.starts_with("BDF")))
             note(namedField("reserved field", reserved, m_header) + " in a file of " +
                  (bdf ? "24" : "16") + "-bit samples");
-        if (!declaresPlus(text) || m_signals <= 0)
+        if (!declaresPlus(m_header) || m_signals <= 0)
             return;
         for (std::int64_t i = 0; i < m_signals; ++i)
             if (isAnnotation(m_header, i))
@@ -64,7 +63,7 @@ class HeaderCheck {
     void checkIdentification() {
         const std::string patient = m_header.text(patientId);
         const std::string recording = m_header.text(recordingId);
-        if (declaresPlus(m_header.text(reserved))) {
+        if (declaresPlus(m_header)) {
             if (const auto words = splitWords(patient, ' ').size(); words < 4)
                 note("patient identification (offset 8) has " + std::to_string(words) +
                      " of the four parts that EDF+ asks for");
@@ -99,54 +98,85 @@ class HeaderCheck {
         return true;
     }
 
+    void checkHeaderLength() {
+        const std::int64_t full = fullLength(m_signals);
+        if (m_header.dataOffset() > full)
+            note(namedField("header length", headerLength, m_header) + ", but the header of " +
+                 std::to_string(m_signals) + " signals ends after " + std::to_string(full) +
+                 " bytes; what stands between is skipped");
+    }
+
     void checkSignals() {
         std::int64_t annotations = 0;
         for (std::int64_t i = 0; i < m_signals; ++i)
             annotations += isAnnotation(m_header, i) ? 1 : 0;
         if (annotations == m_signals)
             note("all signals (" + std::to_string(annotations) + ") hold annotations");
+        checkVisibleAnnotations();
         checkRanges("digital range", digitalMin, digitalMax);
         checkRanges("physical range", physicalMin, physicalMax);
         checkTransducers();
     }
 
-    // One line for all signals that have the same thing odd.
+    // Only EDF+ in a file of its own kind hides them.
+    void checkVisibleAnnotations() {
+        std::string first;
+        std::int64_t signals = 0;
+        for (const std::int64_t signal : m_header.channels())
+            if (isAnnotation(m_header, signal) && signals++ == 0)
+                first = "signal " + std::to_string(signal + 1) + " (" +
+                        quoted(m_header.text(label, signal)) +
+                        ") holds texts, but is shown as a channel, whose values mean nothing";
+        if (signals > 0)
+            warn(first +
+                 (declaresPlus(m_header)
+                      ? ""
+                      : ": the reserved field (offset 192) declares no EDF+ or BDF+") +
+                 (signals > 1 ? "; so in " + std::to_string(signals - 1) + " more signals" : ""));
+    }
+
+    // One line for all signals that have the same thing odd. Of annotations no range matters.
     void checkRanges(const std::string& name, SignalField lowField, SignalField highField) {
         struct Group {
             std::int64_t signals = 0;
             std::string first;
         };
-        std::map<std::string, Group> groups;
+        std::map<std::pair<Severity, std::string>, Group> groups;
         for (std::int64_t i = 0; i < m_signals; ++i) {
             const std::string low = m_header.text(lowField, i);
             const std::string high = m_header.text(highField, i);
-            const char* const what = oddRange(low, high);
-            if (!what)
+            const std::optional<OpenFinding> odd = oddRange(low, high);
+            if (!odd)
                 continue;
-            Group& group = groups[what];
+            const Severity severity = isAnnotation(m_header, i) ? Severity::note : odd->severity;
+            Group& group = groups[{severity, odd->text}];
             if (group.signals++ == 0)
                 group.first = name + " of signal " + std::to_string(i + 1) + " (" +
                               quoted(m_header.text(label, i)) + ") is " + low + " to " + high;
         }
-        for (const auto& [what, group] : groups)
-            note(group.first + ", " + what +
-                 (group.signals > 1
-                      ? "; so in " + std::to_string(group.signals - 1) + " more signals"
-                      : ""));
+        for (const auto& [odd, group] : groups)
+            m_findings.push_back(
+                {odd.first,
+                 group.first + ", " + odd.second +
+                     (group.signals > 1
+                          ? "; so in " + std::to_string(group.signals - 1) + " more signals"
+                          : "")});
     }
 
-    static const char* oddRange(const std::string& lowText, const std::string& highText) {
+    static std::optional<OpenFinding> oddRange(const std::string& lowText,
+                                               const std::string& highText) {
         double low = 0.0;
         double high = 0.0;
         if (!wholeDouble(lowText, low) || !wholeDouble(highText, high))
-            return "not two numbers";
+            return OpenFinding{Severity::warning, "not two numbers"};
         if (low == high)
-            return "empty";
+            return OpenFinding{Severity::warning, "empty"};
         if (low > high)
-            return "reversed: the polarity is inverted";
+            return OpenFinding{Severity::warning, "reversed: the polarity is inverted"};
         // Ten times its own width away from zero.
-        const bool far = std::max(low, -high) > 10 * (high - low);
-        return far ? "far from zero: the offset matters" : nullptr;
+        if (std::max(low, -high) > 10 * (high - low))
+            return OpenFinding{Severity::note, "far from zero: the offset matters"};
+        return std::nullopt;
     }
 
     void checkTransducers() {
@@ -166,18 +196,6 @@ class HeaderCheck {
 };
 
 } // namespace
-
-bool isAnnotation(const Header& header, std::int64_t signal) {
-    const std::string text = header.text(label, signal);
-    return text == "EDF Annotations" || text == "BDF Annotations";
-}
-
-std::int64_t recordBytes(const Header& header, int sampleBytes) {
-    std::int64_t samples = 0;
-    for (const std::int64_t count : header.signalSamples())
-        samples += std::max<std::int64_t>(count, 0);
-    return samples * sampleBytes;
-}
 
 std::vector<OpenFinding> headerOddities(const File& file, const Header& header, int sampleBytes) {
     return HeaderCheck(file, header, sampleBytes).run();

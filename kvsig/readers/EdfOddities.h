@@ -11,11 +11,6 @@
 /// What is odd in an EDF or BDF file. `sampleBytes` is 2 or 3. No finding holds patient data.
 namespace kvsig::edf {
 
-[[nodiscard]] bool isAnnotation(const Header& header, std::int64_t signal);
-
-/// Bytes of a data record; signals of fewer than 0 samples count as empty.
-[[nodiscard]] std::int64_t recordBytes(const Header& header, int sampleBytes);
-
 /// Of the fields of the header.
 [[nodiscard]] std::vector<OpenFinding> headerOddities(const File& file, const Header& header,
                                                       int sampleBytes);

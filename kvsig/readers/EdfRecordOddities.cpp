@@ -1,11 +1,10 @@
 #include "kvsig/readers/EdfOddities.h"
 #include "kvsig/readers/EdfOnset.h"
+#include "kvsig/readers/EdfOnsetGrid.h"
 #include "kvsig/util/ByteOrder.h"
 #include "kvsig/util/NumberText.h"
 
 #include <algorithm>
-#include <cmath>
-#include <optional>
 #include <string_view>
 
 namespace kvsig::edf {
@@ -19,7 +18,8 @@ class RecordCheck {
         : m_file(file),
           m_header(header),
           m_sampleBytes(sampleBytes),
-          m_recordBytes(recordBytes(header, sampleBytes)) {
+          m_recordBytes(recordBytes(header, sampleBytes)),
+          m_onsets(header) {
         std::int64_t offset = 0;
         for (std::int64_t i = 0; i < header.fileSignals(); ++i) {
             Signal signal;
@@ -84,22 +84,27 @@ class RecordCheck {
     void checkRecords() {
         const std::int64_t size = m_file.size();
         constexpr std::int64_t mostBytes = std::int64_t{256} << 20;
-        if (m_recordBytes > std::min(size, mostBytes))
+        if (m_recordBytes > size - m_header.dataOffset())
             return;
+        if (m_recordBytes > mostBytes) {
+            note("a data record takes " + std::to_string(m_recordBytes) +
+                 " bytes, too many to look at its onsets and samples");
+            return;
+        }
         m_record.resize(static_cast<std::size_t>(m_recordBytes));
-        std::int64_t index = 0;
         for (std::int64_t at = m_header.dataOffset();
              at <= size - m_recordBytes &&
              m_file.readAt(at, m_record.data(), m_recordBytes) == m_recordBytes;
              at += m_recordBytes)
-            checkRecord(index++);
-        reportOnsets(index);
+            checkRecord();
+        const std::vector<OpenFinding> ofOnsets = m_onsets.findings();
+        m_findings.insert(m_findings.end(), ofOnsets.begin(), ofOnsets.end());
         reportOutside();
         if (m_nonAscii > 0)
             note(std::to_string(m_nonAscii) + " annotation bytes are not ASCII");
     }
 
-    void checkRecord(std::int64_t index) {
+    void checkRecord() {
         bool onsetSeen = false;
         for (Signal& signal : m_signals) {
             if (!signal.annotation) {
@@ -113,7 +118,7 @@ class RecordCheck {
                 return (static_cast<unsigned char>(c) & 0x80U) != 0;
             });
             if (!onsetSeen)
-                checkOnset(index, recordOnset(bytes));
+                m_onsets.add(recordOnset(bytes));
             onsetSeen = true;
         }
     }
@@ -127,41 +132,6 @@ class RecordCheck {
                 m_sampleBytes == 2 ? loadLittle16(bytes) : loadLittle24(bytes);
             signal.outside += value < low || value > high ? 1 : 0;
         }
-    }
-
-    // Every record starts where the one before it ends; the first on the second of the start time.
-    void checkOnset(std::int64_t index, std::optional<double> onset) {
-        if (!onset) {
-            ++m_withoutOnset;
-            return;
-        }
-        if (index == 0)
-            m_firstOnset = *onset;
-        constexpr double tolerance = 1e-4; // seconds; onsets are written with few decimals
-        if (m_lastOnset) {
-            const double jump = *onset - (*m_lastOnset + m_header.duration());
-            if (std::abs(jump) > tolerance) {
-                if (m_jumps++ == 0)
-                    m_firstJump = index - 1;
-                if (std::abs(jump) > std::abs(m_largestJump))
-                    m_largestJump = jump;
-            }
-        }
-        m_lastOnset = onset;
-    }
-
-    void reportOnsets(std::int64_t records) {
-        if (m_firstOnset != 0.0)
-            note("the first data record begins " + fixedText(m_firstOnset, 6) +
-                 " s after the start time");
-        if (m_jumps > 0)
-            warn(std::to_string(m_jumps) +
-                 " data records do not begin where the one before ends, the first behind record " +
-                 std::to_string(m_firstJump) + "; the largest gap is " +
-                 shortestText(std::round(m_largestJump * 1e6) / 1e6) + " s");
-        if (m_withoutOnset > 0)
-            note(std::to_string(m_withoutOnset) + " of " + std::to_string(records) +
-                 " data records have no onset in their annotation signal");
     }
 
     void reportOutside() {
@@ -187,13 +157,8 @@ class RecordCheck {
     std::vector<Signal> m_signals;
     std::vector<OpenFinding> m_findings;
     std::vector<std::byte> m_record;
+    OnsetGrid m_onsets;
     std::int64_t m_nonAscii = 0;
-    std::int64_t m_withoutOnset = 0;
-    std::int64_t m_jumps = 0;
-    std::int64_t m_firstJump = 0;
-    double m_firstOnset = 0.0;
-    double m_largestJump = 0.0;
-    std::optional<double> m_lastOnset;
 };
 
 } // namespace

@@ -113,6 +113,21 @@ bool InterleavedReader::readSampleInfo() {
     return true;
 }
 
+std::vector<OpenFinding> InterleavedReader::inspectFile() {
+    File file;
+    const std::int64_t frameBytes =
+        std::int64_t{channelCount()} * (m_raw->dataType == offsetBinary8 ? 1 : valueBytes);
+    if (frameBytes < 1 || headerLength() < 0 || !file.open(filePath().c_str()))
+        return {};
+    const std::int64_t rest = (file.size() - headerLength()) % frameBytes;
+    if (rest <= 0)
+        return {};
+    return {{OpenFinding::Severity::note,
+             std::to_string(rest) + " bytes follow the last whole frame of " +
+                 std::to_string(channelCount()) + " values, which takes " +
+                 std::to_string(frameBytes)}};
+}
+
 // A chunk is what chunkPts() says, but never less than one sample: recordings below 1 Hz have data.
 int InterleavedReader::getSampleChunk(long firstSample, short* buffer) {
     const std::int64_t frameValues = channelCount();

@@ -5,6 +5,7 @@
 
 #include <iosfwd>
 #include <memory>
+#include <vector>
 
 namespace kvsig {
 
@@ -25,6 +26,7 @@ class KVSIG_API InterleavedReader : public DataReader {
     void close() override;
     int getSampleChunk(long firstSample, short* buffer) override;
     bool readSampleInfo() override;
+    std::vector<OpenFinding> inspectFile() override;
     int montageCount() override;
     /// Null out of range.
     const char* montageName(int index) override;

@@ -84,6 +84,18 @@ TEST(BDFReader, MixedRatesReadAsFlatZerosAndSaySo) {
     EXPECT_TRUE(reader.openFindings().empty());
 }
 
+// Interrupted ones open, unlike EDF's.
+TEST(BDFReader, SaysAtOpenHowManySecondsAreMissing) {
+    for (const char* kind : {"BDF+C", "BDF+D"}) {
+        EdfFile file = bdf().reserved(kind).signal("BDF Annotations", 6).signal("a", 6);
+        Bdf reader(file.onsets({"+0", "+1", "+3602"}));
+        ASSERT_TRUE(reader.isOpen);
+        ASSERT_EQ(reader.openFindings().size(), 1U) << kind;
+        EXPECT_THAT(reader.openFindings()[0].text, HasSubstr("leave gaps of 3600 s in all"));
+        EXPECT_EQ(reader.openFindings()[0].severity, OpenFinding::Severity::warning);
+    }
+}
+
 // The record is read straight through: a hidden signal shifts what stands behind it.
 TEST(BDFReader, ChannelsAreTakenInFileOrder) {
     EdfFile file = bdf().signal("EDF Annotations", 3).signal("a", 3).signal("b", 3).records(2);

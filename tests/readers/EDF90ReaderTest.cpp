@@ -466,6 +466,28 @@ TEST(EDF90Reader, FewerThanThreeSamplesAreRefused) {
     }
 }
 
+TEST(EDF90Reader, SaysAtOpenHowManySecondsAreMissing) {
+    const struct {
+        const char* reserved;
+        std::vector<std::string> onsets;
+        std::string words; ///< empty: nothing to say
+    } cases[] = {
+        {"EDF+C", {"+0.5", "+1.5", "+2.5"}, ""},
+        {"EDF+C", {"+0.5", "+1.5", "+9.75"}, "leave gaps of 7.25 s in all"},
+        {"EDF+C", {"+0", "+1", "+0"}, "overlap by 2 s in all"},
+        {"EDF+C", {"+0", "+1", ""}, ""},
+        {"EDF+C", {"+7"}, ""},
+        {"", {"+0", "+1", "+9"}, ""},
+    };
+    for (const auto& c : cases) {
+        EdfFile file = EdfFile().reserved(c.reserved).signal("A", 7);
+        Edf reader(file.signal("EDF Annotations", 8).onsets(c.onsets));
+        ASSERT_TRUE(reader.isOpen);
+        EXPECT_THAT(findingsOf(reader, Severity::warning), HasSubstr(c.words));
+        EXPECT_EQ(reader.openFindings().empty(), c.words.empty()) << c.onsets.back();
+    }
+}
+
 TEST(EDF90Reader, ARecordingOfAnnotationsAloneSaysSo) {
     test::LogCapture log;
     Edf reader(EdfFile().signal("EDF Annotations", 8).reserved("EDF+C").records(3));

@@ -4,6 +4,7 @@
 #include "support/EdfFile.h"
 #include "support/TempDir.h"
 
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -25,6 +26,17 @@ class EdfInspection : public testing::Test {
         for (const OpenFinding& finding : edf::inspect(path, sampleBytes))
             texts.push_back(finding.text);
         return texts;
+    }
+    std::string severityOf(const EdfFile& file, const std::string& words) {
+        for (const OpenFinding& finding : edf::inspect(dir.write("x", file.bytes()), 2))
+            if (finding.text.find(words) != std::string::npos)
+                return finding.severity == OpenFinding::Severity::warning ? "warning" : "note";
+        return "";
+    }
+    // Two seconds a record.
+    static EdfFile timed(std::vector<std::string> onsets) {
+        EdfFile file = EdfFile().reserved("EDF+C").patient("X X X X").duration("2").signal("A", 4);
+        return file.signal("EDF Annotations", 8).onsets(std::move(onsets));
     }
     test::TempDir dir;
     EdfFile clean = EdfFile().signal("EEG C3-A2", 4).signal("Temp", 2).records(3);
@@ -66,6 +78,82 @@ TEST_F(EdfInspection, TellsRangesAndSamplesOutsideThem) {
                       Contains(HasSubstr("175921 to 175946, far from zero")),
                       Contains(HasSubstr("of 1 signals lie outside their digital range, the "
                                          "first in \"B\""))));
+}
+
+TEST_F(EdfInspection, WarnsOfRangesThatSpoilTheValuesOfDataSignals) {
+    const struct {
+        const char *low, *high, *words;
+    } cases[] = {{"?", "100", "not two numbers"}, {"5", "5", "empty"}, {"9", "5", "reversed"}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(severityOf(EdfFile().signal("A", 4).physical(c.low, c.high), c.words), "warning");
+        EdfFile annotated = EdfFile().reserved("EDF+C").signal("A", 4);
+        annotated.signal("EDF Annotations", 4).physical(c.low, c.high);
+        EXPECT_EQ(severityOf(annotated, c.words), "note") << c.words;
+    }
+    EXPECT_EQ(severityOf(EdfFile().signal("A", 4).physical("1001", "1002"), "far"), "note");
+}
+
+TEST_F(EdfInspection, TellsEachGapAndOverlap) {
+    EXPECT_THAT(oddities(timed({"+0.25", "+2.25", "+4.25"})),
+                ElementsAre("the first data record begins 0.250000 s after the start time"));
+    EXPECT_THAT(oddities(timed({"+0", "+2", "+10", "+12", "+13", "+15", "+18.5"})),
+                ElementsAre("a gap of 6 s at 4 s, before data record 3",
+                            "data record 5 overlaps by 1 s with what ends at 14 s",
+                            "a gap of 1.5 s at 17 s, before data record 7"));
+    std::vector<std::string> many{"+0"};
+    for (int i = 1; i <= 25; ++i)
+        many.push_back("+" + std::to_string(3 * i));
+    many.insert(many.end(), {"+75", "+75"});
+    const std::vector<std::string> texts = oddities(timed(many));
+    ASSERT_EQ(texts.size(), 21U);
+    EXPECT_EQ(texts[19], "a gap of 1 s at 59 s, before data record 21");
+    EXPECT_EQ(texts[20], "5 more gaps and 2 more overlaps between data records");
+}
+
+// Such a record takes its time like any other.
+TEST_F(EdfInspection, ARecordWithoutAnOnsetMakesNoGap) {
+    EXPECT_THAT(oddities(timed({"+0", "", "", "+6"})),
+                ElementsAre("2 of 4 data records have no onset in their annotation signal"));
+    EXPECT_THAT(oddities(timed({"+0", "", "+9"})),
+                Contains("a gap of 5 s at 4 s, before data record 3"));
+}
+
+// A third of a second has lost 1/3 of a microsecond, as has every record behind it.
+TEST_F(EdfInspection, DurationsOfFewDecimalsMakeNoGaps) {
+    std::vector<std::string> onsets(3001);
+    onsets.front() = "+0";
+    onsets.back() = "+1000";
+    EXPECT_THAT(oddities(timed(onsets).duration("0.333333")), ElementsAre(HasSubstr("no onset")));
+    EXPECT_THAT(oddities(timed(onsets).duration("0.333")), Contains(HasSubstr("a gap of 1 s")));
+}
+
+TEST_F(EdfInspection, WarnsOfAnnotationsThatAreShownAsChannels) {
+    const std::string shown =
+        "signal 2 (\"EDF Annotations\") holds texts, but is shown as a channel";
+    const EdfFile file = EdfFile().signal("A", 4).signal("EDF Annotations", 4).onsets({"+0"});
+    EXPECT_THAT(oddities(file),
+                ElementsAre(AllOf(HasSubstr(shown), HasSubstr("declares no EDF+"))));
+    EXPECT_EQ(severityOf(file, shown), "warning");
+    EXPECT_EQ(severityOf(EdfFile(file).reserved("EDF+C"), shown), "");
+    EXPECT_EQ(severityOf(EdfFile(file).reserved("BDF+C"), shown), "warning");
+}
+
+TEST_F(EdfInspection, NotesAHeaderThatIsLongerThanItsSignals) {
+    EdfFile file = EdfFile(clean).poke(184, "1024    ");
+    file.truncate(clean.bytes().size() - 1);
+    EXPECT_THAT(oddities(file), Contains(HasSubstr("header length (offset 184) is \"1024\", but "
+                                                   "the header of 2 signals ends after 768")));
+}
+
+TEST_F(EdfInspection, SaysWhenRecordsAreTooLargeToLookAt) {
+    EdfFile file = EdfFile().signal("A", 4).signal("B", 4);
+    file.poke(file.fieldOffset(216, 8, 0), "9999999999999999");
+    const std::string path = dir.write("x", file.bytes());
+    std::filesystem::resize_file(path, 768 + 4 * 99999999LL);
+    std::vector<std::string> texts;
+    for (const OpenFinding& finding : edf::inspect(path, 2))
+        texts.push_back(finding.text);
+    EXPECT_THAT(texts, ElementsAre(HasSubstr("a data record takes 399999996 bytes, too many")));
 }
 
 TEST_F(EdfInspection, TellsAnEarlyWriter) {

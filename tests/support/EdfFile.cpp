@@ -54,6 +54,11 @@ EdfFile& EdfFile::records(int count) {
     return *this;
 }
 
+EdfFile& EdfFile::onsets(std::vector<std::string> texts) {
+    m_onsets = std::move(texts);
+    return records(static_cast<int>(m_onsets.size()));
+}
+
 EdfFile& EdfFile::duration(const std::string& seconds) {
     m_duration = seconds;
     return *this;
@@ -134,13 +139,23 @@ std::string EdfFile::bytes() const {
 
     const int width = m_bdf ? 3 : 2;
     for (int record = 0; record < m_records; ++record)
-        for (std::size_t s = 0; s < m_signals.size(); ++s)
+        for (std::size_t s = 0; s < m_signals.size(); ++s) {
+            const auto bytesOfSignal = static_cast<std::size_t>(m_signals[s].samplesPerRecord) *
+                                       static_cast<std::size_t>(width);
+            if (!m_onsets.empty() && m_signals[s].label.ends_with(" Annotations")) {
+                const std::string& onset = m_onsets[static_cast<std::size_t>(record)];
+                std::string text = onset.empty() ? "" : onset + "\x14\x14";
+                text.resize(bytesOfSignal, '\0');
+                out += text;
+                continue;
+            }
             for (std::int64_t k = 0; k < m_signals[s].samplesPerRecord; ++k) {
                 const std::int64_t index = std::int64_t{record} * m_signals[s].samplesPerRecord + k;
                 const auto value = static_cast<std::uint32_t>(sample(static_cast<int>(s), index));
                 for (int byte = 0; byte < width; ++byte)
                     out.push_back(static_cast<char>(value >> (8 * byte) & 0xFFU));
             }
+        }
     out += m_tail;
     for (const Patch& patch : m_patches)
         out.replace(patch.offset, patch.bytes.size(), patch.bytes);

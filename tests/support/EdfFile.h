@@ -25,6 +25,8 @@ class EdfFile {
     EdfFile& digital(const std::string& low, const std::string& high);
     EdfFile& samples(Samples values);
     EdfFile& records(int count);
+    /// As many records; their annotation signals begin with these onsets ("+0"), empty for none.
+    EdfFile& onsets(std::vector<std::string> texts);
     EdfFile& duration(const std::string& seconds);
     EdfFile& reserved(const std::string& text);
     EdfFile& patient(const std::string& text);
@@ -63,6 +65,7 @@ class EdfFile {
     std::string m_duration = "1", m_reserved, m_patient = "X", m_recording = "Y";
     std::string m_date = "04.07.89", m_time = "23.05.07";
     Samples m_samples;
+    std::vector<std::string> m_onsets;
     std::vector<Patch> m_patches;
     std::string m_tail;
     std::size_t m_length = std::string::npos;

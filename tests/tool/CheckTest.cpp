@@ -1,5 +1,6 @@
 #include "support/Command.h"
 #include "support/EdfFile.h"
+#include "support/RawFile.h"
 
 #include <cstdlib>
 #include <gmock/gmock.h>
@@ -57,6 +58,54 @@ TEST(Check, IsQuietOnCleanFilesAndTellsOddOnes) {
     EXPECT_EQ(report["findings"][0]["severity"], "warning");
 }
 
+TEST(Check, WarnsOfMicrovoltsThatTheKernelDoesNotKnow) {
+    const TempDir dir;
+    for (const char* units : {"UV", "uv", "\xCE\xBCV", "\xC2\xB5v", "\xB5v"}) {
+        EdfFile().signal("Fp1", 4).units(units).records(3).writeTo(dir.file("a.edf"));
+        EXPECT_THAT(runCommand(dir, "check a.edf").out,
+                    HasSubstr("is microvolts to a reader, but the kernel takes it for another unit "
+                              "(type 100)"))
+            << units;
+    }
+    for (const char* units : {"uV", "\xB5V", "\xC2\xB5V", "mV"}) {
+        EdfFile().signal("Fp1", 4).units(units).physical("-1", "1").records(3).writeTo(
+            dir.file("a.edf"));
+        EXPECT_THAT(runCommand(dir, "check a.edf").out, Not(HasSubstr("microvolts"))) << units;
+    }
+}
+
+TEST(Check, FindingsOfAPairNameTheirFile) {
+    const TempDir dir;
+    EdfFile().signal("Fp1", 4).records(3).append("!").writeTo(dir.file("a.edf"));
+    EdfFile().signal("x", 4).units("furlong").records(3).writeTo(dir.file("b.edf"));
+    EdfFile().signal("Fp1", 4).records(0).append("!").writeTo(dir.file("empty.edf"));
+    const CommandResult both = runCommand(dir, "check 'a.edf*b.edf'");
+    EXPECT_EQ(both.exitCode, 0);
+    EXPECT_EQ(both.out, "a.edf*b.edf: note: a.edf: 1 bytes follow the last data record\n"
+                        "a.edf*b.edf: warning: b.edf: channel #1 x: unit \"furlong\" is unknown; "
+                        "its values are shown as they are\n");
+    const CommandResult refused = runCommand(dir, "check 'empty.edf*a.edf' 'a.edf*none'");
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_THAT(refused.out, AllOf(HasSubstr("empty.edf*a.edf: unusable: empty.edf: "),
+                                   HasSubstr("empty.edf*a.edf: note: empty.edf: 1 bytes follow"),
+                                   HasSubstr("empty.edf*a.edf: note: a.edf: 1 bytes follow"),
+                                   HasSubstr("a.edf*none: note: a.edf: 1 bytes follow"),
+                                   HasSubstr("a.edf*none: unusable: none: no such file")));
+}
+
+TEST(Check, NotesBytesBehindTheLastRawFrame) {
+    const TempDir dir;
+    const auto check = [&dir](RawFile file, const std::string& behind) {
+        dir.write("stored.raw", file.bytes() + behind);
+        dir.write("a.lay", file.sections("FileType=Interleaved\n").attributes());
+        return runCommand(dir, "check a.lay").out;
+    };
+    EXPECT_EQ(check(RawFile(), "12345"), "a.lay: note: 5 bytes follow the last whole frame of 3 "
+                                         "values, which takes 6\n");
+    EXPECT_EQ(check(RawFile(), ""), "");
+    EXPECT_THAT(check(RawFile().dataType(6).frames(751), ""), Not(HasSubstr("frame of")));
+}
+
 // What the collection's index says of each file.
 TEST(Check, TellsWhatIsOddAboutRealRecordings) {
     const char* folder = std::getenv("KVSIG_RECORDINGS");
@@ -78,13 +127,16 @@ TEST(Check, TellsWhatIsOddAboutRealRecordings) {
         {"bdf/short_psg.bdf", "flat zeros"},
         {"bdf/SC4001EC-Hypnogram.bdf", "all signals (1) hold annotations"},
         {"edf_plus_c/test_utf8.edf", "annotation bytes are not ASCII"},
-        {"edf_plus_d/Discontinuous2.edf", "the first behind record 680; the largest gap is 2907 s"},
+        {"edf_plus_d/Discontinuous2.edf", "a gap of 2907 s at 2724 s, before data record 682"},
+        {"edf_plus_d/EDF+ normal.edf", "data record 2 overlaps by 1 s with what ends at 1 s"},
         {"edf_plus_d/EDF+ normal.edf", "of 2 signals lie outside their digital range"},
         {"odd/test_subsecond.edf", "begins 0.394531 s after the start time"},
         {"odd/test_edf_stim_channel.edf", "holds a file path"},
         {"odd/mne_python_test.edf", "of 138 signals lie outside their digital range"},
         {"odd/Invalid DataRecord Count.edf", "is \"-1\": the recording was not closed"},
         {"odd/EDFjl_test_uneven_samp.edf", "1 bytes follow the last data record"},
+        {"odd/EDFjl_test_uneven_samp.edf", "warning: start date (offset 168) is \"42.00.00\""},
+        {"odd/EDFjl_test_uneven_samp.edf", "warning: start time (offset 176) is \"26.00.99\""},
         {"odd/sub-01_task-pullstand_eeg.edf", "stand one byte early"},
         {"odd/sub-01_task-pullstand_emg.edf", "header length 2816 and 10 signals agree"},
         {"odd/sub-COF008_task-HN_acq-T2301_eeg.edf", "is \"2872\", but the data holds 0"},

@@ -1,5 +1,6 @@
 #include "support/Command.h"
 #include "support/EdfFile.h"
+#include "support/RawFile.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,6 +9,7 @@
 namespace kvsig::test {
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 using Json = nlohmann::ordered_json;
@@ -102,6 +104,42 @@ TEST(Info, BothCountsOfABdfAreShown) {
     EXPECT_EQ(info["sampleCount"], 3000);
     EXPECT_EQ(info["storedSampleCount"], 2000);
     EXPECT_THAT(runCommand(dir, "info a.bdf").out, HasSubstr("stored     2000"));
+}
+
+// The common rate is the faster one's; the first file's own counts agree whatever the rates.
+TEST(Info, APairCountsAtTheCommonRate) {
+    const TempDir dir;
+    EdfFile().signal("Cz", 100).records(20).writeTo(dir.file("a.edf"));
+    EdfFile().bdf().signal("Cz", 50).records(20).writeTo(dir.file("c.bdf"));
+    EdfFile().bdf().signal("Cz", 200).records(20).writeTo(dir.file("d.bdf"));
+    const struct {
+        const char* pair;
+        int rate, samples, stored;
+    } cases[] = {{"a.edf*c.bdf", 100, 2000, 2000},
+                 {"a.edf*d.bdf", 200, 4000, 4000},
+                 {"d.bdf*a.edf", 200, 6000, 4000}};
+    for (const auto& c : cases) {
+        const std::string command = std::string("info '") + c.pair + "'";
+        const Json info = Json::parse(runCommand(dir, command + " --json").out);
+        EXPECT_EQ(info["samplingRate"], c.rate) << c.pair;
+        EXPECT_EQ(info["sampleCount"], c.samples) << c.pair;
+        EXPECT_EQ(info["storedSampleCount"], c.stored) << c.pair;
+        const bool told = runCommand(dir, command).out.find("stored  ") != std::string::npos;
+        EXPECT_EQ(told, c.stored < c.samples) << c.pair;
+    }
+}
+
+TEST(Info, TheTextShowsTheFirstAnchorsAndJsonAll) {
+    const TempDir dir;
+    std::string anchors = "FileType=Interleaved\n[SampleTimes]\n";
+    for (int i = 0; i < 25; ++i)
+        anchors += std::to_string(i) + "=" + std::to_string(i) + "\n";
+    dir.write("stored.raw", RawFile().bytes());
+    dir.write("a.lay", RawFile().sections(anchors).attributes());
+    EXPECT_EQ(Json::parse(runCommand(dir, "info a.lay --json").out)["sampleTimes"].size(), 25U);
+    EXPECT_THAT(runCommand(dir, "info a.lay").out,
+                AllOf(HasSubstr("sample 19 at"), Not(HasSubstr("sample 20 at")),
+                      HasSubstr("and 5 more; --json lists all")));
 }
 
 // A recording that opens although its times mean nothing is shown, and told of.

@@ -19,6 +19,7 @@ using Severity = OpenFinding::Severity;
 // amplifier is built so.
 constexpr double leastScalpSpan = 10e-6; // volts
 constexpr double mostScalpSpan = 2.0;
+constexpr short microvoltType = 1;
 
 struct Channel {
     int index;
@@ -75,6 +76,12 @@ void checkRange(IDataReader& reader, const Channel& channel, Findings& out) {
                 ": unit \"" + toUtf8(units) + "\" is unknown; its values are shown as they are");
         return;
     }
+    if (unit->name == "uv" && reader.channelType(channel.index) != microvoltType)
+        out.add(
+            Severity::warning, "microvolts " + units, channel,
+            ": unit \"" + toUtf8(units) +
+                "\" is microvolts to a reader, but the kernel takes it for another unit (type " +
+                std::to_string(reader.channelType(channel.index)) + ")");
     // A format without physical limits of its own has the kernel's defaults: nothing to judge.
     if (!rangeIsStated(reader, channel.index))
         return;
@@ -90,31 +97,36 @@ void checkRange(IDataReader& reader, const Channel& channel, Findings& out) {
                     toUtf8(units) + " is not plausible; the unit may be wrong");
 }
 
-void checkTwins(const std::vector<Channel>& channels, std::vector<OpenFinding>& out) {
-    std::map<std::string, int> uses;
-    for (const Channel& channel : channels)
-        ++uses[channel.name];
-    for (const auto& [name, count] : uses)
-        if (count > 1 && !name.empty())
-            out.push_back({Severity::warning,
-                           std::to_string(count) + " channels are named \"" + toUtf8(name) + "\""});
+Channel channelOf(IDataReader& reader, int index) {
+    const std::string name = reader.channelName(index);
+    const std::string label = "channel #" + std::to_string(index);
+    return {index, name, name.empty() ? label : label + " " + toUtf8(name)};
 }
 
 } // namespace
 
-std::vector<OpenFinding> channelOddities(const Recording& recording) {
+std::vector<OpenFinding> channelOddities(const Recording& recording, DataReader* member) {
     IDataReader& reader = *recording.reader;
-    std::vector<Channel> channels;
     Findings findings;
     for (int i = 0; i < reader.channelCount(); ++i) {
-        const std::string name = reader.channelName(i);
-        const std::string label = "channel #" + std::to_string(i);
-        channels.push_back({i, name, name.empty() ? label : label + " " + toUtf8(name)});
-        checkTexts(reader, channels.back(), findings);
-        checkRange(reader, channels.back(), findings);
+        if (recording.placeOf(i).reader != member)
+            continue;
+        const Channel channel = channelOf(reader, i);
+        checkTexts(reader, channel, findings);
+        checkRange(reader, channel, findings);
     }
-    std::vector<OpenFinding> found = findings.take();
-    checkTwins(channels, found);
+    return findings.take();
+}
+
+std::vector<OpenFinding> twinOddities(const Recording& recording) {
+    std::map<std::string, int> uses;
+    for (int i = 0; i < recording.reader->channelCount(); ++i)
+        ++uses[recording.reader->channelName(i)];
+    std::vector<OpenFinding> found;
+    for (const auto& [name, count] : uses)
+        if (count > 1 && !name.empty())
+            found.push_back({Severity::warning, std::to_string(count) + " channels are named \"" +
+                                                    toUtf8(name) + "\""});
     return found;
 }
 
