@@ -1,0 +1,26 @@
+# The installed command runs from a prefix of its own and finds the montages installed with it.
+set(prefix "${BUILD}/installed")
+file(REMOVE_RECURSE "${prefix}")
+
+function(run)
+  execute_process(COMMAND ${ARGV} WORKING_DIRECTORY "${prefix}" RESULT_VARIABLE code
+                  OUTPUT_VARIABLE out ERROR_VARIABLE err)
+  if(NOT code EQUAL 0)
+    message(FATAL_ERROR "${ARGV}: ${code}\n${out}${err}")
+  endif()
+  set(out "${out}" PARENT_SCOPE)
+endfunction()
+
+file(MAKE_DIRECTORY "${prefix}")
+run("${CMAKE_COMMAND}" --install "${BUILD}" --prefix "${prefix}")
+set(kvsig "${prefix}/bin/kvsig")
+run("${kvsig}" synth -o a.edf --duration 2 -q)
+run("${kvsig}" montage a.edf --montage "Double banana" --json)
+if(NOT out MATCHES "Fp1-F7")
+  message(FATAL_ERROR "no double banana in ${out}")
+endif()
+file(GLOB_RECURSE header "${prefix}/include/kvsig/kvsig.h")
+if(NOT header)
+  message(FATAL_ERROR "no umbrella header")
+endif()
+file(REMOVE_RECURSE "${prefix}")
