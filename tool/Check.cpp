@@ -2,28 +2,19 @@
 #include "kvsig/registry/FrontDoor.h"
 #include "kvsig/util/File.h"
 #include "tool/Command.h"
+#include "tool/FactsOfFiles.h"
 #include "tool/Recording.h"
-#include "tool/StandardOutput.h"
 #include "tool/Words.h"
 #include "tool/check/ChannelOddities.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <optional>
 
 namespace kvsig::tool {
 namespace {
 
-using Json = nlohmann::ordered_json;
 using Severity = OpenFinding::Severity;
-
-struct CheckOptions {
-    std::vector<std::string> files;
-    std::string type;
-    bool json = false;
-};
 
 struct Report {
     bool opens = false;
@@ -116,38 +107,25 @@ Json toJson(const std::string& file, const Report& report) {
     return {{"file", toUtf8(file)}, {"opens", report.opens}, {"findings", findings}};
 }
 
-int run(const CheckOptions& options) {
-    const std::optional<int> type = typeFromName(options.type);
-    if (!type)
-        return exitWrongUsage;
-    int exitCode = exitWell;
-    Json list = Json::array();
-    for (const std::string& file : options.files) {
-        const Report report = check(file, *type);
-        if (!report.opens || !report.isUsable())
-            exitCode = exitFailed;
-        if (options.json)
-            list.push_back(toJson(file, report));
-        else
-            for (const OpenFinding& finding : report.findings)
-                print(printable(file) + ": " + wordFor(finding.severity) + ": " +
-                      printable(finding.text) + "\n");
-    }
-    if (options.json)
-        print((options.files.size() == 1 ? list.front() : list).dump(2) + "\n");
-    return finishPrinting() ? exitCode : exitFailed;
+FileFacts factsOf(const std::string& file, int type) {
+    const Report report = check(file, type);
+    FileFacts facts{toJson(file, report), "", exitWell};
+    for (const OpenFinding& finding : report.findings)
+        facts.text += printable(file) + ": " + wordFor(finding.severity) + ": " +
+                      printable(finding.text) + "\n";
+    if (!report.opens || !report.isUsable())
+        facts.exitCode = exitFailed;
+    return facts;
 }
 
 } // namespace
 
 void addCheckCommand(CLI::App& app, int& exitCode) {
-    auto options = std::make_shared<CheckOptions>();
+    auto options = std::make_shared<FactsOptions>();
     CLI::App* command =
         app.add_subcommand("check", "List what is odd about recordings, one line each");
-    command->add_option("FILE", options->files, "Recordings")->required();
-    command->add_option("--type", options->type, "Type name that overrules detection");
-    command->add_flag("--json", options->json, "Machine-readable output");
-    command->callback([options, &exitCode] { exitCode = run(*options); });
+    addFactsOptions(*command, *options);
+    command->callback([options, &exitCode] { exitCode = printFacts(*options, factsOf); });
 }
 
 } // namespace kvsig::tool

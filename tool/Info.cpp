@@ -2,32 +2,25 @@
 #include "kvsig/util/NumberText.h"
 #include "kvsig/util/Saturate.h"
 #include "tool/Command.h"
+#include "tool/FactsOfFiles.h"
 #include "tool/Recording.h"
-#include "tool/StandardOutput.h"
 #include "tool/Table.h"
 #include "tool/Words.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <limits>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <sstream>
 #include <utility>
 
 namespace kvsig::tool {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 constexpr int anchorsInText = 20;
 
 struct InfoOptions {
-    std::vector<std::string> files;
-    std::string type;
-    bool json = false;
+    FactsOptions files;
     bool showPatient = false;
-    bool quiet = false;
 };
 
 Json channelFacts(const Recording& recording, int channel) {
@@ -166,37 +159,22 @@ std::string summary(const Json& all, int anchors) {
     return tableText(rows, {false, false});
 }
 
-int run(const InfoOptions& options) {
-    setQuiet(options.quiet);
-    const std::optional<int> type = typeFromName(options.type);
-    if (!type)
-        return exitWrongUsage;
-    int exitCode = exitWell;
-    Json list = Json::array();
-    for (const std::string& file : options.files) {
-        std::string reason;
-        const std::optional<Recording> recording = openRecording(file, *type, &reason);
-        if (!recording) {
-            list.push_back({{"file", toUtf8(file)}, {"error", toUtf8(reason)}});
-            exitCode = exitFailed;
-            continue;
-        }
-        Json all = facts(*recording, options.showPatient,
-                         options.json ? std::numeric_limits<int>::max() : anchorsInText);
-        if (options.json)
-            list.push_back(std::move(all));
-        else
-            print(printable(file) + "\n" + summary(all, recording->reader->sampleTimeCount()) +
-                  "\n" + channelTable(all["channels"]) + "\n");
-        if (const OpenFinding* finding = recording->unusable()) {
-            complain(file + ": " + finding->text);
-            exitCode = exitFailed;
-        }
+FileFacts infoOf(const std::string& file, int type, const InfoOptions& options) {
+    std::string reason;
+    const std::optional<Recording> recording = openRecording(file, type, &reason);
+    if (!recording)
+        return {{{"file", toUtf8(file)}, {"error", toUtf8(reason)}}, "", exitFailed};
+    const int anchors = options.files.json ? std::numeric_limits<int>::max() : anchorsInText;
+    FileFacts info{facts(*recording, options.showPatient, anchors), "", exitWell};
+    if (!options.files.json)
+        info.text = printable(file) + "\n" +
+                    summary(info.json, recording->reader->sampleTimeCount()) + "\n" +
+                    channelTable(info.json["channels"]) + "\n";
+    if (const OpenFinding* finding = recording->unusable()) {
+        complain(file + ": " + finding->text);
+        info.exitCode = exitFailed;
     }
-    // One file gives one object, several give a list.
-    if (options.json && !list.empty())
-        print((options.files.size() == 1 ? list.front() : list).dump(2) + "\n");
-    return finishPrinting() ? exitCode : exitFailed;
+    return info;
 }
 
 } // namespace
@@ -204,12 +182,13 @@ int run(const InfoOptions& options) {
 void addInfoCommand(CLI::App& app, int& exitCode) {
     auto options = std::make_shared<InfoOptions>();
     CLI::App* command = app.add_subcommand("info", "Show what is in recordings");
-    command->add_option("FILE", options->files, "Recordings")->required();
-    command->add_option("--type", options->type, "Type name that overrules detection");
-    command->add_flag("--json", options->json, "Machine-readable output");
+    addFactsOptions(*command, options->files);
     command->add_flag("--show-patient", options->showPatient, "Show who was recorded");
-    command->add_flag("-q,--quiet", options->quiet, "No remarks");
-    command->callback([options, &exitCode] { exitCode = run(*options); });
+    command->callback([options, &exitCode] {
+        exitCode = printFacts(options->files, [&options](const std::string& file, int type) {
+            return infoOf(file, type, *options);
+        });
+    });
 }
 
 } // namespace kvsig::tool

@@ -1,25 +1,19 @@
 #include "kvsig/montage/AvgSource.h"
 #include "kvsig/montage/DataSource.h"
 #include "tool/Command.h"
+#include "tool/FactsOfFiles.h"
 #include "tool/MontageChoice.h"
-#include "tool/StandardOutput.h"
 #include "tool/Table.h"
 #include "tool/Words.h"
 
 #include <memory>
-#include <nlohmann/json.hpp>
 
 namespace kvsig::tool {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 struct MontageOptions {
-    std::vector<std::string> files;
-    std::string type;
+    FactsOptions files;
     MontageChoice choice;
-    bool json = false;
-    bool quiet = false;
 };
 
 Json sourceFacts(DataSource& source) {
@@ -62,56 +56,34 @@ std::string text(const Json& facts) {
     return printable(out) + "\n" + tableText(std::move(rows), {true, false, false});
 }
 
+FileFacts listOf(const Recording& recording, const MontageChoice& choice) {
+    if (!useMontageFile(choice.file, recording.path))
+        return {nullptr, "", exitFailed};
+    FileFacts facts{{{"file", toUtf8(recording.path)}, {"montages", Json::array()}},
+                    printable(recording.path) + "\n",
+                    exitWell};
+    for (const std::string& name : montageNames(*recording.reader)) {
+        facts.json["montages"].push_back(toUtf8(name));
+        facts.text += "  " + printable(name) + "\n";
+    }
+    facts.text += "\n";
+    return facts;
+}
+
 // Facts of the montage, or the list of the montages there are.
-std::optional<Json> facts(const std::string& file, int type, const MontageChoice& choice) {
+FileFacts factsOf(const std::string& file, int type, const MontageChoice& choice) {
     const std::optional<Recording> recording = openUsableRecording(file, type);
     if (!recording)
-        return std::nullopt;
-    Json all{{"file", toUtf8(file)}};
-    if (!choice.isMade()) {
-        if (!useMontageFile(choice.file, file))
-            return std::nullopt;
-        all["montages"] = Json::array();
-        for (const std::string& name : montageNames(*recording->reader))
-            all["montages"].push_back(toUtf8(name));
-        return all;
-    }
+        return {nullptr, "", exitFailed};
+    if (!choice.isMade())
+        return listOf(*recording, choice);
     SourceMontage montage;
     if (!fillMontage(montage, *recording, choice))
-        return std::nullopt;
-    all["montage"] = montageFacts(montage);
-    return all;
-}
-
-void printText(const Json& all) {
-    std::string out = printable(all["file"].get<std::string>()) + "\n";
-    if (all.contains("montage"))
-        out += text(all["montage"]);
-    else
-        for (const Json& name : all["montages"])
-            out += "  " + printable(name.get<std::string>()) + "\n";
-    print(out + "\n");
-}
-
-int run(const MontageOptions& options) {
-    setQuiet(options.quiet);
-    const std::optional<int> type = typeFromName(options.type);
-    if (!type)
-        return exitWrongUsage;
-    int exitCode = exitWell;
-    Json list = Json::array();
-    for (const std::string& file : options.files) {
-        const std::optional<Json> all = facts(file, *type, options.choice);
-        if (!all)
-            exitCode = exitFailed;
-        else if (options.json)
-            list.push_back(*all);
-        else
-            printText(*all);
-    }
-    if (options.json && !list.empty())
-        print((options.files.size() == 1 ? list.front() : list).dump(2) + "\n");
-    return finishPrinting() ? exitCode : exitFailed;
+        return {nullptr, "", exitFailed};
+    const Json facts = montageFacts(montage);
+    return {{{"file", toUtf8(file)}, {"montage", facts}},
+            printable(file) + "\n" + text(facts) + "\n",
+            exitWell};
 }
 
 } // namespace
@@ -120,12 +92,13 @@ void addMontageCommand(CLI::App& app, int& exitCode) {
     auto options = std::make_shared<MontageOptions>();
     CLI::App* command =
         app.add_subcommand("montage", "List the montages of recordings, or the sources of one");
-    command->add_option("FILE", options->files, "Recordings")->required();
+    addFactsOptions(*command, options->files);
     addMontageOptions(*command, options->choice);
-    command->add_option("--type", options->type, "Type name that overrules detection");
-    command->add_flag("--json", options->json, "Machine-readable output");
-    command->add_flag("-q,--quiet", options->quiet, "No remarks");
-    command->callback([options, &exitCode] { exitCode = run(*options); });
+    command->callback([options, &exitCode] {
+        exitCode = printFacts(options->files, [&options](const std::string& file, int type) {
+            return factsOf(file, type, options->choice);
+        });
+    });
 }
 
 } // namespace kvsig::tool

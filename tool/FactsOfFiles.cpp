@@ -1,0 +1,41 @@
+#include "tool/FactsOfFiles.h"
+
+#include "tool/Command.h"
+#include "tool/Recording.h"
+#include "tool/StandardOutput.h"
+#include "tool/Words.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace kvsig::tool {
+
+void addFactsOptions(CLI::App& command, FactsOptions& options) {
+    command.add_option("FILE", options.files, "Recordings")->required();
+    command.add_option("--type", options.type, "Type name that overrules detection");
+    command.add_flag("--json", options.json, "Machine-readable output");
+    command.add_flag("-q,--quiet", options.quiet, "No remarks");
+}
+
+int printFacts(const FactsOptions& options,
+               const std::function<FileFacts(const std::string& file, int type)>& factsOf) {
+    setQuiet(options.quiet);
+    const std::optional<int> type = typeFromName(options.type);
+    if (!type)
+        return exitWrongUsage;
+    int exitCode = exitWell;
+    Json list = Json::array();
+    for (const std::string& file : options.files) {
+        FileFacts facts = factsOf(file, *type);
+        exitCode = std::max(exitCode, facts.exitCode);
+        if (!options.json)
+            print(facts.text);
+        else if (!facts.json.is_null())
+            list.push_back(std::move(facts.json));
+    }
+    if (options.json && !list.empty())
+        print((options.files.size() == 1 ? list.front() : list).dump(2) + "\n");
+    return finishPrinting() ? exitCode : exitFailed;
+}
+
+} // namespace kvsig::tool
