@@ -1,8 +1,8 @@
 #include "kvsig/registry/Layout.h"
 
 #include "kvsig/kernel/DataReader.h"
-#include "kvsig/registry/types/ReaderType.h"
 #include "kvsig/registry/XmlLayout.h"
+#include "kvsig/registry/types/ReaderType.h"
 #include "kvsig/util/File.h"
 #include "kvsig/util/NeighbourFile.h"
 #include "kvsig/util/ProfileText.h"
@@ -44,6 +44,9 @@ UnheldReader readerOfText(DataReaderManager& manager, const std::string& text,
     if (!reader->readAttributeFile(stream)) {
         reason =
             std::string("the attributes of a recording of type ") + typeName + " are not complete";
+        if (auto* refused = dynamic_cast<DataReader*>(reader.get());
+            refused && *refused->lastErrorText() != '\0')
+            reason += std::string(": ") + refused->lastErrorText();
         return nullptr;
     }
     resolveDataFile(*reader, path);
