@@ -1,5 +1,6 @@
 #include "kvsig/kernel/AttributeFile.h"
 
+#include "kvsig/kernel/ChannelMap.h"
 #include "kvsig/kernel/PatientFields.h"
 #include "kvsig/montage/names/ReservedNames.h"
 #include "kvsig/util/NumberText.h"
@@ -9,6 +10,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstdint>
 #include <limits>
 
@@ -27,6 +29,13 @@ void writeLine(std::ostream& stream, std::string_view key, std::string_view valu
 
 void writeHeading(std::ostream& stream, std::string_view name) {
     writeText(stream, std::string("[").append(name).append("]\n"));
+}
+
+// An infinite value, which is what an attribute file with too many digits gives, reads back as one.
+std::string numberText(double value) {
+    if (std::isinf(value))
+        return value > 0 ? "1e999" : "-1e999";
+    return shortestText(value);
 }
 
 // As scanf's "%i"; takes the number off `text`.
@@ -61,9 +70,9 @@ void writeFileInfo(std::ostream& stream, const FileInfo& info) {
     writeLine(stream, "File", info.file);
     writeLine(stream, "FileType", info.typeName);
     if (info.layout) {
-        writeLine(stream, "SamplingRate", shortestText(info.layout->samplingRate));
+        writeLine(stream, "SamplingRate", numberText(info.layout->samplingRate));
         writeLine(stream, "HeaderLength", std::to_string(info.layout->headerLength));
-        writeLine(stream, "Calibration", shortestText(info.layout->calibration));
+        writeLine(stream, "Calibration", numberText(info.layout->calibration));
         writeLine(stream, "WaveformCount", std::to_string(info.layout->waveformCount));
         writeLine(stream, "DataType", std::to_string(info.layout->dataType));
     }
@@ -74,10 +83,11 @@ void writeFileInfo(std::ostream& stream, const FileInfo& info) {
 }
 
 void writeChannelNames(std::ostream& stream, std::string_view heading,
-                       const std::vector<std::string>& names) {
+                       const std::vector<std::string>& names, std::string_view reference) {
     writeHeading(stream, heading);
-    for (std::size_t i = 0; i < names.size(); ++i)
-        writeLine(stream, names[i], std::to_string(i + 1));
+    int number = 0;
+    for (const std::string& key : channelMapKeys(names, reference))
+        writeLine(stream, key, std::to_string(++number));
 }
 
 void writePatientSection(std::ostream& stream, const PatientRec& patient) {

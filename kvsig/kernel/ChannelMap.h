@@ -24,11 +24,24 @@ struct MappedChannel {
 /// Channel numbers above this are ignored.
 inline constexpr int largestMappedChannel = 32767;
 
+struct ChannelMap {
+    std::vector<MappedChannel> channels;
+    /// One sentence for each entry that was ignored, for the first few of them; a last one counts
+    /// the rest.
+    std::vector<std::string> ignored;
+};
+
 /// The channel map in a section: the entries with two electrode names and a channel number from 1
 /// to largestMappedChannel, in their order. A key that comes again is ignored. Nothing when the
 /// section is missing or has no keys.
-[[nodiscard]] std::optional<std::vector<MappedChannel>> parseChannelMap(std::istream& stream,
-                                                                        std::string_view section);
+[[nodiscard]] std::optional<ChannelMap> parseChannelMap(std::istream& stream,
+                                                        std::string_view section);
+
+/// The keys under which a map can hold the names of channels 0, 1, ..., by the rules of
+/// writeChannelNames(). A default name stays as it is and names nothing: its channel reads back
+/// unnamed.
+[[nodiscard]] std::vector<std::string> channelMapKeys(const std::vector<std::string>& names,
+                                                      std::string_view reference);
 
 /// The text of the map file; nothing when it cannot be read.
 [[nodiscard]] std::optional<std::string> channelMapFileText();
@@ -39,7 +52,8 @@ inline constexpr int largestMappedChannel = 32767;
 /// Stores a map in place of the old one of that name. Lines of `defn` (of which 1024 characters
 /// count) that hold a key, "=" and a value become its entries, with the first word of the value;
 /// others are left out. False when the name cannot stand in the file (it is empty, longer than 31
-/// characters, "ChannelMap", or holds a bracket, "=" or a line end) or the file cannot be written.
+/// characters, "ChannelMap", or holds a bracket, "=" or a line end), when `defn` or the file would
+/// be larger than a map file may be, or when the file cannot be written.
 [[nodiscard]] bool storeChannelMap(std::string_view name, std::istream& defn);
 
 /// True when the map is gone, even if there was none.

@@ -2,7 +2,6 @@
 
 #include "kvsig/util/Text.h"
 
-#include <string>
 #include <utility>
 
 namespace kvsig {
@@ -12,12 +11,14 @@ constexpr std::size_t usualChannels = 64;
 
 } // namespace
 
+std::string defaultChannelName(std::size_t channel) { return "Ch" + std::to_string(channel + 1); }
+
 ChannelTable::ChannelTable() { m_records.reserve(usualChannels); }
 
 void ChannelTable::growTo(int count) {
     while (std::cmp_less(m_records.size(), count)) {
         ChannelRecord record;
-        copyText(record.name, "Ch" + std::to_string(m_records.size() + 1));
+        copyText(record.name, defaultChannelName(m_records.size()));
         m_records.push_back(record);
     }
 }

@@ -3,9 +3,13 @@
 #include "kvsig/kernel/ChannelRecord.h"
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
 namespace kvsig {
+
+/// What a channel is called that nothing names: "Ch<n>", n from 1.
+[[nodiscard]] std::string defaultChannelName(std::size_t channel);
 
 /// The channel records of a reader. It may hold fewer or more records than the reader has
 /// channels; look-ups test both.

@@ -116,8 +116,6 @@ bool DataReader::open(const char* path) {
         return false;
     if (m_state->holdsOpened && m_state->path != m_state->openedPath)
         forgetRecording();
-    m_state->holdsOpened = true;
-    m_state->openedPath = m_state->path;
     // Samples of what was open before must not answer for this recording.
     if (m_state->pages.size() > 0)
         flushPages(false);
@@ -126,6 +124,9 @@ bool DataReader::open(const char* path) {
         close();
         return false;
     }
+    m_state->holdsOpened = true;
+    m_state->openedPath = m_state->path;
+    reportIgnoredNames();
     getPatientRec();
     setPageDuration(pageSeconds);
     return true;

@@ -215,8 +215,17 @@ class KVSIG_API DataReader : public IDataReader {
     DataPage* pageAtIndex(long index);
     bool readPageAtIndex(DataPage* page, long index);
 
+    /// Stores that the attribute file's section "FileInfo" has no such key, logs it and returns
+    /// false.
+    bool refuseWithout(const char* key, std::istream& stream);
+    /// The names in the channel table stand for names of the file from now on: those that an
+    /// attribute file gave to a recording which has none of its own.
+    void keepChannelNames();
+    /// These names; default ones for channels without; null out of range.
+    const ChannelRecord* keptNames(int channel);
     void setMaxDataIndex(long index);
-    /// No samples and no pages any more: what was open before must not answer for another file.
+    /// No samples, no pages and no page length any more: what was open before must not answer for
+    /// another file.
     void forgetSamples();
     /// Forgets all time anchors.
     void clearSampleTimes();
@@ -224,12 +233,12 @@ class KVSIG_API DataReader : public IDataReader {
     /// open() opens, whatever its path.
     ///
     /// open() itself does this, after openFile(), when the path is another one than that of the
-    /// recording opened before. A reader that has opened none keeps them: they are what an
-    /// attribute file or the host said of the recording to come.
+    /// recording opened before. A reader that has opened none, attempts that failed not counted,
+    /// keeps them: they are what an attribute file or the host said of the recording to come.
     void forgetRecording();
     /// Names are the file's own again at the next loadChannelInfo().
     void dropChannelMap();
-    /// The same, and the channel table holds the default names.
+    /// The same, and the channel table holds the default names; none are kept.
     void resetChannelNames();
     /// Stores the error code with a sentence about what was wrong (the file's name is added), logs
     /// the sentence, or `diagnostic` in its place, and returns false.
@@ -240,9 +249,12 @@ class KVSIG_API DataReader : public IDataReader {
   private:
     struct State;
 
-    ChannelRecord* channelRecord(int channel);
     void updateMapFlags();
-    std::vector<std::string> mappedNames();
+    bool readStoredMap(const char* name);
+    void reportIgnoredNames();
+    ChannelRecord* channelRecord(int channel);
+    std::vector<std::string> storedNames();
+    void mapFileChanges(const char* name);
     template <typename Consume>
     int forEachRun(int channel, long first, long last, Consume consume);
 

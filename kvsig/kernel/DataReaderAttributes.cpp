@@ -4,11 +4,13 @@
 #include "kvsig/kernel/ReaderState.h"
 #include "kvsig/montage/names/ReservedNames.h"
 #include "kvsig/registry/types/FileTypes.h"
+#include "kvsig/util/LogSink.h"
 #include "kvsig/util/ProfileLines.h"
 #include "kvsig/util/ProfileText.h"
 #include "kvsig/util/Saturate.h"
 #include "kvsig/util/Text.h"
 
+#include <algorithm>
 #include <ostream>
 #include <sstream>
 #include <string>
@@ -34,28 +36,48 @@ bool DataReader::isFileType(const char*) { return false; }
 bool DataReader::readAttributeFile(std::istream& stream) {
     const std::string file = profileValue(stream, pszINIFileInfo, "File").value_or("");
     if (viewOf(file.c_str()).empty())
-        return false;
+        return refuseWithout("File", stream);
     setFileName(file.c_str());
     setSampleLag(
         GetLocalProfileInt(pszINIFileInfo, "SampleLag", saturate<int>(getSampleLag()), stream));
 
     char name[sizeof m_state->channelMapName];
     GetLocalProfileString(pszINIFileInfo, "ChannelMap", "", name, sizeof name, stream);
-    // A map in force keeps its name until another takes its place.
-    if (m_state->hasChannelMap == 0)
-        copyText(m_state->channelMapName, name);
-    std::istringstream maps(channelMapFileText().value_or(""));
-    if (name[0] != '\0' && readChannelMap(maps, name))
+    // A map in force keeps its name until another takes its place, on purpose: an attribute file
+    // that names a missing map, or none, leaves both as they were.
+    const bool applied = name[0] != '\0' && readStoredMap(name);
+    if (applied || m_state->hasChannelMap == 0)
         copyText(m_state->channelMapName, name);
     if (readChannelMap(stream, pszINIChannelMap))
         copyText(m_state->channelMapName, pszINIChannelMap);
     return true;
 }
 
+bool DataReader::refuseWithout(const char* key, std::istream& stream) {
+    std::string what = std::string("the attribute file has no ") + key + " in its section FileInfo";
+    forEachProfileEntry(stream, pszINIFileInfo, [&](const ProfileLine& line) {
+        const std::size_t end = line.name.find_last_not_of(" \t") + 1;
+        const bool blanks = end < line.name.size() && equalNoCase(line.name.substr(0, end), key);
+        if (blanks)
+            what += " (there is one with blanks in front of its '=')";
+        return !blanks;
+    });
+    // The file's name is one of the things that may be missing.
+    setLastError(2);
+    m_state->errorText = what;
+    logMessage(logWarning, what);
+    return false;
+}
+
 bool DataReader::writeAttributeFile(std::ostream& stream) {
     const bool raw = fileType() == interleavedType || fileType() == snapshotType;
+    // Only a stored map can be named. The names of any other are written out, and so are those that
+    // an attribute file gave to a raw recording: they stand nowhere else.
     const bool mapped = m_state->hasChannelMap != 0;
-    const bool ownMap = mapped && equalNoCase(channelMapName(), pszINIChannelMap);
+    const bool stored = mapped && !m_state->storedMapName.empty() &&
+                        !equalNoCase(channelMapName(), pszINIChannelMap) &&
+                        equalNoCase(channelMapName(), m_state->storedMapName);
+    const bool ownMap = mapped ? !stored : m_state->keptNamesGiven;
     FileInfo info;
     info.file = filePath();
     info.typeName = typeNameOf(fileType());
@@ -64,12 +86,12 @@ bool DataReader::writeAttributeFile(std::ostream& stream) {
                                 dataTypeCode()};
     if (hasSampleLag())
         info.sampleLag = getSampleLag();
-    if (mapped && !ownMap)
+    if (stored)
         info.channelMap = channelMapName();
     writeFileInfo(stream, info);
     if (ownMap) {
         writeText(stream, "\n");
-        writeChannelNames(stream, pszINIChannelMap, mappedNames());
+        writeChannelNames(stream, pszINIChannelMap, storedNames(), refGrid());
     }
     if (raw) {
         writePatientSection(stream, *patientRec());
@@ -79,7 +101,7 @@ bool DataReader::writeAttributeFile(std::ostream& stream) {
 }
 
 // The stored names: numbers shown in their place are a matter of display.
-std::vector<std::string> DataReader::mappedNames() {
+std::vector<std::string> DataReader::storedNames() {
     std::vector<std::string> names;
     for (int i = 0; i < channelCount(); ++i)
         if (const ChannelRecord* record = channelRecord(i))
@@ -87,12 +109,24 @@ std::vector<std::string> DataReader::mappedNames() {
     return names;
 }
 
+bool DataReader::readStoredMap(const char* name) {
+    std::istringstream maps(channelMapFileText().value_or(""));
+    if (!readChannelMap(maps, name))
+        return false;
+    m_state->storedMapName = viewOf(name);
+    return true;
+}
+
 bool DataReader::readChannelMap(std::istream& stream, const char* section) {
     const auto map = parseChannelMap(stream, viewOf(section));
     if (!map)
         return false;
     setDefChannelInfo();
-    for (const MappedChannel& entry : *map) {
+    m_state->storedMapName.clear();
+    m_state->mapNotes = map->ignored;
+    m_state->mappedChannels = 0;
+    for (const MappedChannel& entry : map->channels) {
+        m_state->mappedChannels = std::max(m_state->mappedChannels, entry.channel + 1);
         // The file may not have been opened yet: the names wait for its channels.
         m_state->channels.growTo(entry.channel + 1);
         ChannelRecord& record = *m_state->channels.find(entry.channel, entry.channel + 1);
@@ -107,6 +141,17 @@ bool DataReader::readChannelMap(std::istream& stream, const char* section) {
     return true;
 }
 
+void DataReader::reportIgnoredNames() {
+    if (m_state->hasChannelMap == 0)
+        return;
+    for (const std::string& note : m_state->mapNotes)
+        report(OpenFinding::Severity::note, note);
+    if (m_state->mappedChannels > channelCount())
+        report(OpenFinding::Severity::note,
+               "channel map: it names channel " + std::to_string(m_state->mappedChannels) +
+                   ", the recording has " + std::to_string(channelCount()));
+}
+
 const char* DataReader::builtinChannelMapName(int index) {
     if (index == 0)
         return defaultMap;
@@ -119,15 +164,18 @@ const char* DataReader::getChannelMapName() {
     return equalNoCase(channelMapName(), pszINIChannelMap) ? privateMap : channelMapName();
 }
 
-int DataReader::getChannelMapCount() { return saturate<int>(storedChannelMaps().size() + 2); }
+int DataReader::getChannelMapCount() {
+    m_state->listedMaps = storedChannelMaps();
+    return saturate<int>(m_state->listedMaps->size() + 2);
+}
 
 const char* DataReader::getChannelMapNames(int index) {
     if (index < 2)
         return builtinChannelMapName(index);
-    const std::vector<std::string> names = storedChannelMaps();
+    if (!m_state->listedMaps)
+        m_state->listedMaps = storedChannelMaps();
     const auto stored = static_cast<std::size_t>(index) - 2;
-    m_state->listedMapName = stored < names.size() ? names[stored] : "";
-    return m_state->listedMapName.c_str();
+    return stored < m_state->listedMaps->size() ? (*m_state->listedMaps)[stored].c_str() : "";
 }
 
 bool DataReader::applyChannelMapDefn(const char* name, std::istream& defn) {
@@ -147,25 +195,34 @@ bool DataReader::getChannelMapDefn(const char* name, std::ostream& stream) {
         std::vector<std::string> names;
         for (int i = 0; i < channelCount(); ++i)
             names.emplace_back(viewOf(_channelName(i)));
-        writeChannelNames(stream, defaultMap, names);
+        writeChannelNames(stream, defaultMap, names, refGrid());
         return true;
     }
     if (!isBuiltin(name, privateMap))
         return writeStoredChannelMap(viewOf(name), stream);
     if (!isBuiltin(getChannelMapName(), privateMap))
         return false;
-    writeChannelNames(stream, privateMap, mappedNames());
+    writeChannelNames(stream, privateMap, storedNames(), refGrid());
     return true;
 }
 
 bool DataReader::addChannelMapDefn(const char* name, std::istream& defn) {
     if (isBuiltin(name, defaultMap) || isBuiltin(name, privateMap))
         return false;
+    mapFileChanges(name);
     return storeChannelMap(viewOf(name), defn);
 }
 
 bool DataReader::deleteChannelMapDefn(const char* name) {
+    mapFileChanges(name);
     return deleteStoredChannelMap(viewOf(name));
+}
+
+// The list is another one now, and the names in force are no longer those of the stored map.
+void DataReader::mapFileChanges(const char* name) {
+    m_state->listedMaps.reset();
+    if (equalNoCase(m_state->storedMapName, viewOf(name)))
+        m_state->storedMapName.clear();
 }
 
 int DataReader::hasChannelMap() { return m_state->hasChannelMap; }
@@ -178,8 +235,7 @@ void DataReader::setChannelMapName(const char* name) {
         loadChannelInfo();
         return;
     }
-    std::istringstream maps(channelMapFileText().value_or(""));
-    readChannelMap(maps, name);
+    readStoredMap(name);
 }
 
 void DataReader::dropChannelMap() {
@@ -196,13 +252,17 @@ bool WriteExportAttributeFile(std::ostream& stream, IDataReader* reader, const c
     info.typeName = typeNameOf(interleavedType);
     info.layout = RawLayout{reader->samplingRate(), 0, reader->calibration(0),
                             reader->channelCount(), littleEndian16};
+    // The stored names: numbers shown in their place are a matter of display.
+    const bool numbers = reader->gridNamesAsNumbers();
+    reader->setGridNamesAsNumbers(false);
     std::vector<std::string> names;
     for (int i = 0; i < reader->channelCount(); ++i)
         names.emplace_back(viewOf(reader->channelName(i)));
+    reader->setGridNamesAsNumbers(numbers);
     const PatientRec* patient = reader->patientRec();
     writeFileInfo(stream, info);
     writeText(stream, "\n");
-    writeChannelNames(stream, pszINIChannelMap, names);
+    writeChannelNames(stream, pszINIChannelMap, names, viewOf(reader->refGrid()));
     writeText(stream, "\n");
     writePatientSection(stream, patient ? *patient : PatientRec{});
     return !stream.fail();

@@ -204,9 +204,21 @@ void DataReader::updateMapFlags() {
     m_state->mapReferential = _isMapReferential();
 }
 
+void DataReader::keepChannelNames() {
+    m_state->keptNames = m_state->channels;
+    m_state->keptNamesGiven = m_state->hasChannelMap != 0;
+}
+
+const ChannelRecord* DataReader::keptNames(int channel) {
+    m_state->keptNames.growTo(channelCount());
+    return m_state->keptNames.find(channel, channelCount());
+}
+
 void DataReader::resetChannelNames() {
     dropChannelMap();
     m_state->channels = ChannelTable();
+    m_state->keptNames = ChannelTable();
+    m_state->keptNamesGiven = false;
     setDefChannelInfo();
 }
 

@@ -120,6 +120,7 @@ void DataReader::flushPages(bool incompleteOnly) {
 
 void DataReader::forgetSamples() {
     setMaxDataIndex(-1);
+    m_state->pages.pagePoints = 0;
     if (m_state->pages.size() > 0)
         flushPages(false);
 }

@@ -133,20 +133,46 @@ class IDataReader : public IUnknown {
     virtual void setPageDuration(double seconds) = 0;
     /// Drops all pages, or only the last one when it is incomplete (a recording that grows).
     virtual void flushPages(bool incompleteOnly) = 0;
+    /// Channel maps give electrode names to channel numbers. Named ones are kept in the map file,
+    /// "kvunkdat.ini" in the current folder. Names are compared without regard to letter case. Two
+    /// are built in: 0 is "(Default)", no map, the names that the recording itself has; 1 is
+    /// "(Private)", the map that the attribute file holds. Any other index gives "".
     virtual const char* builtinChannelMapName(int index) = 0;
+    /// The map in force: a built-in name or that of a stored map.
     virtual const char* getChannelMapName() = 0;
+    /// Reads the list of stored maps and returns their number plus the 2 built in.
     virtual int getChannelMapCount() = 0;
+    /// 0 and 1 are the built-in names, then come the stored maps in file order, as
+    /// getChannelMapCount() found them; "" outside. Valid until getChannelMapCount(),
+    /// addChannelMapDefn() or deleteChannelMapDefn() is called on this reader.
     virtual const char* getChannelMapNames(int index) = 0;
+    /// Puts a map in force that `defn` holds as a section "[name]" (for "(Private)" also as
+    /// "[ChannelMap]"); "(Default)" takes the map away and reads nothing. False when there is none.
     virtual bool applyChannelMapDefn(const char* name, std::istream& defn) = 0;
+    /// Writes a map as such a section: a stored one, the recording's own names for "(Default)", or
+    /// for "(Private)" the map in force, if it is that. False, and nothing written, without one.
     virtual bool getChannelMapDefn(const char* name, std::ostream& stream) = 0;
+    /// Stores the lines "name=number" of `defn` as a map of at most 31 characters' name, in place
+    /// of an old one. False for the built-in names, for names that cannot stand in the file and
+    /// when it cannot be written; the file is then as it was.
     virtual bool addChannelMapDefn(const char* name, std::istream& defn) = 0;
+    /// True when there is no stored map of that name any more, even if there was none.
     virtual bool deleteChannelMapDefn(const char* name) = 0;
+    /// Reads what an attribute file says of a recording: its file name, which fileName() then
+    /// gives, and a channel map; of raw recordings also how their samples lie, anchors, patient and
+    /// montages. It is read before open(), which leaves the mapped names alone. False when a key is
+    /// missing that the recording needs.
     virtual bool readAttributeFile(std::istream& stream) = 0;
+    /// Writes what readAttributeFile() reads, montages left out. A stored map in force is written
+    /// by its name, any other with all its names. False when the stream has failed.
     virtual bool writeAttributeFile(std::ostream& stream) = 0;
     virtual int hostFlag() = 0;
     virtual int hostItemFlag(int a, int b, int c) = 0;
     virtual int hostChannelFlag(int a, int b) = 0;
+    /// Nonzero while a channel map is in force.
     virtual int hasChannelMap() = 0;
+    /// Puts a stored map in force; "(Default)" takes the map away. Any name that is not stored
+    /// leaves the channel names as they are.
     virtual void setChannelMapName(const char* name) = 0;
     /// Bytes of a raw sample in a chunk or page: 2 or 4.
     virtual int bytesPerSample() = 0;

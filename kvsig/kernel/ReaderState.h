@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,7 +36,7 @@ struct DataReader::State final : PageSource {
     std::vector<OpenFinding> findings;
     char fileName[260] = "";
     std::string path;
-    bool holdsOpened = false; ///< anchors and patient are those of a recording opened before
+    bool holdsOpened = false; ///< anchors and patient are those of a recording that was opened
     std::string openedPath;   ///< its path
     std::int32_t headerLength = 0;
     std::int16_t channelCount = 0;
@@ -46,8 +47,13 @@ struct DataReader::State final : PageSource {
     char refGrid[gridNameSize] = "Ref";
     std::int32_t hasChannelMap = 0;
     char channelMapName[32] = "";
-    std::string listedMapName; ///< what getChannelMapNames() handed out last
+    std::string storedMapName; ///< the stored map in force; empty while any other map is, or none
+    std::vector<std::string> mapNotes; ///< entries of the map in force that were ignored
+    int mappedChannels = 0;            ///< the largest channel number that it names
+    std::optional<std::vector<std::string>> listedMaps; ///< as getChannelMapNames() hands them out
     ChannelTable channels;
+    ChannelTable keptNames;      ///< what keepChannelNames() found
+    bool keptNamesGiven = false; ///< a channel map gave them
     TimeBase timeBase;
     PatientRec patient{};
     bool gridNamesAsNumbers = false;

@@ -1,6 +1,7 @@
 #include "kvsig/readers/InterleavedReader.h"
 
 #include "kvsig/kernel/AttributeFile.h"
+#include "kvsig/kernel/ChannelRecord.h"
 #include "kvsig/montage/MontageLoader.h"
 #include "kvsig/montage/names/ReservedNames.h"
 #include "kvsig/readers/StoredMontage.h"
@@ -69,13 +70,17 @@ bool InterleavedReader::openFile() {
     close();
     forgetSamples();
     if (channelCount() < 1)
-        return refuse(2, "WaveformCount is " + std::to_string(channelCount()) +
-                             ", at least 1 is needed (its attribute file is read before it opens)");
+        return refuseWithoutChannels();
     std::string reason;
     if (!m_raw->file.open(filePath().c_str(), &reason))
         return refuse(1, reason);
     reportOddAttributes();
     return true;
+}
+
+bool InterleavedReader::refuseWithoutChannels() {
+    return refuse(2, "WaveformCount is " + std::to_string(channelCount()) +
+                         ", at least 1 is needed (its attribute file is read before it opens)");
 }
 
 void InterleavedReader::close() { m_raw->file.close(); }
@@ -90,6 +95,13 @@ void InterleavedReader::reportOddAttributes() {
                                        "; of 0, 4 and 6 it is none, so there are no samples");
     if (type == offsetBinary8)
         report(Severity::warning, "DataType is 6: of its one-byte samples the first half is shown");
+    const std::int64_t frameBytes =
+        std::int64_t{channelCount()} * (type == offsetBinary8 ? 1 : valueBytes);
+    const std::int64_t rest = (m_raw->file.size() - headerLength()) % frameBytes;
+    if (rest > 0)
+        report(Severity::note, "its last " + std::to_string(rest) +
+                                   " bytes are no whole sample of " +
+                                   std::to_string(channelCount()) + " channels");
     if (headerLength() < 0)
         report(Severity::warning, "HeaderLength is " + std::to_string(headerLength()));
     if (m_raw->calibration == 0 || !std::isfinite(m_raw->calibration))
@@ -97,6 +109,8 @@ void InterleavedReader::reportOddAttributes() {
 }
 
 bool InterleavedReader::readSampleInfo() {
+    if (channelCount() < 1)
+        return refuseWithoutChannels();
     const std::int64_t data = m_raw->file.size() - headerLength();
     // Two bytes a value even where the file stores one (data type 6), on purpose: of such a file
     // the first half is shown.
@@ -113,25 +127,11 @@ bool InterleavedReader::readSampleInfo() {
     return true;
 }
 
-std::vector<OpenFinding> InterleavedReader::inspectFile() {
-    File file;
-    const std::int64_t frameBytes =
-        std::int64_t{channelCount()} * (m_raw->dataType == offsetBinary8 ? 1 : valueBytes);
-    if (frameBytes < 1 || headerLength() < 0 || !file.open(filePath().c_str()))
-        return {};
-    const std::int64_t rest = (file.size() - headerLength()) % frameBytes;
-    if (rest <= 0)
-        return {};
-    return {{OpenFinding::Severity::note,
-             std::to_string(rest) + " bytes follow the last whole frame of " +
-                 std::to_string(channelCount()) + " values, which takes " +
-                 std::to_string(frameBytes)}};
-}
+int InterleavedReader::chunkPts() { return std::max(_minReadPts(), 1); }
 
-// A chunk is what chunkPts() says, but never less than one sample: recordings below 1 Hz have data.
 int InterleavedReader::getSampleChunk(long firstSample, short* buffer) {
     const std::int64_t frameValues = channelCount();
-    const std::int64_t values = std::max(chunkPts(), 1) * frameValues;
+    const std::int64_t values = chunkPts() * frameValues;
     if (firstSample < 0 || !std::in_range<std::int32_t>(firstSample) || frameValues < 1)
         return 0;
     const bool oneByte = m_raw->dataType == offsetBinary8;
@@ -166,45 +166,55 @@ bool InterleavedReader::montageDefn(int index, std::ostream& stream) {
 void InterleavedReader::montageApply(SourceMontage& montage, const char* name) {
     const int index = montageIndex(name);
     if (index >= 0)
-        loadMontageEntries(montage, m_raw->montages[static_cast<std::size_t>(index)].lines);
+        loadMontageEntries(montage, m_raw->montages[static_cast<std::size_t>(index)].entries());
 }
 
 bool InterleavedReader::readAttributeFile(std::istream& stream) {
-    if (profileValue(stream, pszINIFileInfo, "File").value_or("").empty())
+    if (!readLayout(stream))
         return false;
     // The attribute file is this recording's header: what it leaves out must not be answered from
     // the one before.
     forgetRecording();
     resetChannelNames();
-    if (!DataReader::readAttributeFile(stream) || !readLayout(stream))
+    if (!DataReader::readAttributeFile(stream))
         return false;
     for (SampleTime& anchor : readSampleTimes(stream))
         addSampleTime(anchor);
     // Read where it is written: other formats have their patient from the recording itself.
     readPatientSection(stream, *patientRec());
     m_raw->montages = readStoredMontages(stream);
+    flushPages(false);
     // Written again without being opened, it must say the same.
-    return loadChannelInfo();
+    if (!loadChannelInfo())
+        return false;
+    keepChannelNames();
+    return true;
 }
 
+// All keys are looked at before the rest of the attribute file, so that one that is not complete
+// leaves an open recording its names, anchors and patient.
 bool InterleavedReader::readLayout(std::istream& stream) {
-    const auto value = [&stream](const char* key) {
-        return profileValue(stream, pszINIFileInfo, key).value_or("").substr(0, longestValue);
+    std::string text;
+    const auto has = [&](const char* key) {
+        text = profileValue(stream, pszINIFileInfo, key).value_or("").substr(0, longestValue);
+        return !text.empty() || refuseWithout(key, stream);
     };
-    std::string text = value("SamplingRate");
-    if (text.empty())
+    if (!has("File"))
+        return false;
+    setFileName(text.c_str());
+    if (!has("SamplingRate"))
         return false;
     setSamplingRate(leadingDouble(text));
-    if ((text = value("HeaderLength")).empty())
+    if (!has("HeaderLength"))
         return false;
     setHeaderLength(saturate<long>(leadingInteger(text)));
-    if ((text = value("Calibration")).empty())
+    if (!has("Calibration"))
         return false;
     m_raw->calibration = leadingDouble(text);
-    if ((text = value("WaveformCount")).empty())
+    if (!has("WaveformCount"))
         return false;
     setChannelCount(saturate<int>(leadingInteger(text)));
-    if ((text = value("DataType")).empty())
+    if (!has("DataType"))
         return false;
     m_raw->dataType = saturate<int>(leadingInteger(text));
     return true;
@@ -214,10 +224,23 @@ bool InterleavedReader::writeAttributeFile(std::ostream& stream) {
     return DataReader::writeAttributeFile(stream);
 }
 
-// The file has no names: those of the channel table stand, as a channel map put them there.
-const char* InterleavedReader::_grid1(int channel) { return grid1(channel); }
-const char* InterleavedReader::_grid2(int channel) { return grid2(channel); }
-const char* InterleavedReader::_channelName(int channel) { return channelName(channel); }
+// The file has no names. Those that the attribute file gave stand in for them: when a channel map
+// is taken away they are shown again.
+const char* InterleavedReader::_grid1(int channel) {
+    const ChannelRecord* names = keptNames(channel);
+    return names ? names->grid1 : "";
+}
+
+const char* InterleavedReader::_grid2(int channel) {
+    const ChannelRecord* names = keptNames(channel);
+    return names ? names->grid2 : "";
+}
+
+const char* InterleavedReader::_channelName(int channel) {
+    const ChannelRecord* names = keptNames(channel);
+    return names ? names->name : "";
+}
+
 double InterleavedReader::_calibration(int) { return m_raw->calibration; }
 double InterleavedReader::_dcOffset(int) { return 0.0; }
 int InterleavedReader::dataTypeCode() { return m_raw->dataType; }

@@ -24,14 +24,18 @@ class KVSIG_API InterleavedReader : public DataReader {
     std::uint32_t miscFlags() const override;
     bool openFile() override;
     void close() override;
+    /// At least 1: recordings below 1 Hz have samples too.
+    int chunkPts() override;
     int getSampleChunk(long firstSample, short* buffer) override;
     bool readSampleInfo() override;
-    std::vector<OpenFinding> inspectFile() override;
     int montageCount() override;
     /// Null out of range.
     const char* montageName(int index) override;
     bool montageDefn(int index, std::ostream& stream) override;
-    /// What an earlier attribute file said of names, anchors, patient and montages is forgotten.
+    /// What an earlier attribute file said of names, anchors, patient and montages is forgotten,
+    /// but only when this one is complete. A recording that is open shows its samples by the new
+    /// keys from then on; the sample count stays that of the last open(). When a key is missing,
+    /// lastErrorText() names it, and the keys before it count.
     bool readAttributeFile(std::istream& stream) override;
     bool writeAttributeFile(std::ostream& stream) override;
     /// Adds the rows of the stored montage of that name; without one does nothing.
@@ -50,6 +54,7 @@ class KVSIG_API InterleavedReader : public DataReader {
 
     bool readLayout(std::istream& stream);
     void reportOddAttributes();
+    bool refuseWithoutChannels();
 
     std::unique_ptr<State> m_raw;
 };

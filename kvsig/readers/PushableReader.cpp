@@ -48,6 +48,15 @@ double PushableReader::partDuration(int part) {
     return found ? found->seconds : 0.0;
 }
 
+bool PushableReader::openFile() {
+    if (!InterleavedReader::openFile())
+        return false;
+    if (!m_pending)
+        report(OpenFinding::Severity::note,
+               "its samples are pushed by the host; none are yet, and they read as zeros");
+    return true;
+}
+
 int PushableReader::getSampleChunk(long, short* buffer) {
     if (!m_pending)
         return 0;

@@ -30,6 +30,8 @@ class KVSIG_API PushableReader : public InterleavedReader {
     const char* partFileName(int part) override;
     long partSampleCount(int part) override;
     double partDuration(int part) override;
+    /// Notes when nothing is pushed yet: until then all samples are zeros.
+    bool openFile() override;
     int getSampleChunk(long firstSample, short* buffer) override;
 
   protected:

@@ -3,20 +3,27 @@
 #include "kvsig/util/ProfileLines.h"
 
 #include <iosfwd>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace kvsig {
 
+/// Montages that are kept of one attribute file; the rest is left out and logged.
+inline constexpr int mostStoredMontages = 4096;
+
 /// A montage that an attribute file carries, as montage files have it: each key is a derivation,
 /// each value its display name, empty for the derivation's own.
 struct StoredMontage {
     std::string name;
-    std::vector<ProfileEntry> lines;
+    /// The lines "key=value" of its section; montages of one name share them.
+    std::shared_ptr<const std::string> lines;
+
+    [[nodiscard]] std::vector<ProfileEntry> entries() const;
 };
 
-/// The montages whose names are the keys of the section "Montage", in their order; the lines of
-/// each are the section of its name. A name that comes again is ignored.
+/// The montages whose names are the keys of the section "Montage", in their order, one for each
+/// key that is not empty; the lines of each are the section of its name.
 [[nodiscard]] std::vector<StoredMontage> readStoredMontages(std::istream& stream);
 
 /// "[name]" and the lines.

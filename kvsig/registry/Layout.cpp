@@ -46,6 +46,9 @@ UnheldReader readerOfText(DataReaderManager& manager, const std::string& text,
     if (!reader->readAttributeFile(stream)) {
         reason =
             std::string("the attributes of a recording of type ") + typeName + " are not complete";
+        if (auto* refused = dynamic_cast<DataReader*>(reader.get());
+            refused && *refused->lastErrorText() != '\0')
+            reason += std::string(": ") + refused->lastErrorText();
         return nullptr;
     }
     resolveDataFile(*reader, path);

@@ -50,6 +50,10 @@ bool isProfileKey(std::string_view key) {
 }
 
 ProfileDocument::ProfileDocument(std::string_view text) {
+    if (text.starts_with(byteOrderMark)) {
+        m_mark = byteOrderMark;
+        text.remove_prefix(byteOrderMark.size());
+    }
     while (!text.empty()) {
         const std::size_t end = std::min(text.find('\n'), text.size() - 1) + 1;
         m_lines.emplace_back(text.substr(0, end));
@@ -136,26 +140,37 @@ bool ProfileDocument::setSection(std::string_view section,
     return true;
 }
 
+// Each is one pass, however often the key or the section stands there.
 void ProfileDocument::deleteKey(std::string_view section, std::string_view key) {
-    for (auto range = find(section); range; range = find(section, range->end)) {
-        const auto removed = std::remove_if(
-            at(m_lines, range->begin + 1), at(m_lines, range->end), [key](const std::string& text) {
-                const ProfileLine line = splitLine(text);
-                return line.kind == Kind::entry && equalNoCase(line.name, key);
-            });
-        const auto end = at(m_lines, range->end);
-        range->end -= static_cast<std::size_t>(end - removed);
-        m_lines.erase(removed, end);
+    std::vector<std::string> kept;
+    bool inside = false;
+    for (std::string& text : m_lines) {
+        const ProfileLine line = splitLine(text);
+        if (line.kind == Kind::section)
+            inside = equalNoCase(line.name, section);
+        if (!inside || line.kind != Kind::entry || !equalNoCase(line.name, key))
+            kept.push_back(std::move(text));
     }
+    m_lines = std::move(kept);
 }
 
 void ProfileDocument::deleteSection(std::string_view section) {
-    for (auto range = find(section); range; range = find(section, range->begin))
-        m_lines.erase(at(m_lines, range->begin), at(m_lines, bodyEnd(*range)));
+    std::vector<std::string> kept;
+    std::size_t done = 0;
+    const auto keepUpTo = [&](std::size_t end) {
+        std::move(at(m_lines, done), at(m_lines, end), std::back_inserter(kept));
+    };
+    for (auto range = find(section); range; range = find(section, range->end)) {
+        const std::size_t body = bodyEnd(*range);
+        keepUpTo(range->begin);
+        done = body;
+    }
+    keepUpTo(m_lines.size());
+    m_lines = std::move(kept);
 }
 
 std::string ProfileDocument::text() const {
-    std::string text;
+    std::string text = m_mark;
     for (const std::string& line : m_lines)
         text += line;
     return text;
@@ -184,6 +199,8 @@ bool editProfileFile(const char* path, const std::function<bool(ProfileDocument&
     const std::string text = document.text();
     if (text == old.value_or(""))
         return true;
+    if (std::cmp_greater(text.size(), longestProfileFile))
+        return false;
     OutputFile file;
     return file.open(path) && file.write(text) && file.commit();
 }

@@ -14,8 +14,8 @@
 namespace kvsig {
 
 /// An INI-style text (see ProfileText.h) while it is edited. What an edit does not name keeps its
-/// bytes and its place: comments, foreign sections, the case of keys, blank lines. New lines end as
-/// the first line of the text does.
+/// bytes and its place: comments, foreign sections, the case of keys, blank lines, a byte-order
+/// mark. New lines end as the first line of the text does.
 class ProfileDocument {
   public:
     explicit ProfileDocument(std::string_view text = {});
@@ -48,6 +48,7 @@ class ProfileDocument {
     void insert(std::size_t at, std::vector<std::string> lines);
     [[nodiscard]] std::string entryText(std::string_view key, std::string_view value) const;
 
+    std::string m_mark;               ///< the byte-order mark, if there is one
     std::vector<std::string> m_lines; ///< with their line ends
     std::string m_lineEnd = "\n";
 };
@@ -56,7 +57,7 @@ class ProfileDocument {
 [[nodiscard]] bool isProfileSection(std::string_view name);
 [[nodiscard]] bool isProfileKey(std::string_view key);
 
-/// Larger profile files are not read.
+/// Larger profile files are neither read nor written.
 inline constexpr std::int64_t longestProfileFile = std::int64_t{8} << 20;
 
 /// The whole of a profile file; nothing when it does not exist, is no regular file or is too large.
@@ -64,8 +65,8 @@ inline constexpr std::int64_t longestProfileFile = std::int64_t{8} << 20;
 
 /// Reads the file (a missing one is empty), lets `edit` change it and puts the result in its place
 /// in one step: whatever happens in between, the file is the old or the new one, whole. False when
-/// `edit` returns false, or when the file could not be read or written; it is then as it was. A
-/// file that the edit does not change is not written.
+/// `edit` returns false, when the file could not be read or written or would become too large to be
+/// read again; it is then as it was. A file that the edit does not change is not written.
 [[nodiscard]] bool editProfileFile(const char* path,
                                    const std::function<bool(ProfileDocument&)>& edit);
 

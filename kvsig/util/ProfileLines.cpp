@@ -9,6 +9,7 @@
 #include <exception>
 #include <istream>
 #include <streambuf>
+#include <utility>
 
 namespace kvsig {
 namespace {
@@ -50,14 +51,45 @@ ProfileLine splitProfileLine(std::string_view line) {
 // The buffer is used directly: it neither sets the stream's flags nor throws for a host that asked
 // its stream to throw at the end. File buffers throw when a read fails.
 bool rewindStream(std::istream& stream) {
-    if (!stream.rdbuf())
+    using Traits = std::char_traits<char>;
+    std::streambuf* const buffer = stream.rdbuf();
+    if (!buffer)
         return false;
+    const auto seekStart = [buffer] {
+        return buffer->pubseekpos(0, std::ios::in) == std::streampos(0);
+    };
     try {
         stream.clear();
-        return stream.rdbuf()->pubseekpos(0, std::ios::in) == std::streampos(0);
+        if (!seekStart())
+            return false;
+        if (buffer->sgetc() != Traits::to_int_type(byteOrderMark.front()))
+            return true;
+        for (const char c : byteOrderMark)
+            if (buffer->sbumpc() != Traits::to_int_type(c))
+                return seekStart();
+        return true;
     } catch (const std::exception&) {
         return false;
     }
+}
+
+std::optional<std::string> streamText(std::istream& stream, std::size_t mostBytes) {
+    constexpr std::size_t blockBytes = 65536;
+    std::string text;
+    if (!rewindStream(stream))
+        return text;
+    try {
+        for (std::size_t used = 0; used <= mostBytes;) {
+            text.resize(used + blockBytes);
+            const auto read = stream.rdbuf()->sgetn(text.data() + used, blockBytes);
+            text.resize(used += static_cast<std::size_t>(std::max<std::streamsize>(read, 0)));
+            if (read <= 0)
+                break;
+        }
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+    return text.size() <= mostBytes ? std::optional(std::move(text)) : std::nullopt;
 }
 
 bool readProfileLine(std::istream& stream, std::string& line, std::size_t longest) {

@@ -33,8 +33,15 @@ struct ProfileLine {
 /// `line` without its line end; the result refers to it.
 [[nodiscard]] ProfileLine splitProfileLine(std::string_view line);
 
-/// Clears the stream's error state and goes back to its start; false when it cannot.
+/// What some editors put in front of UTF-8 text; no part of the first line.
+inline constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+/// Clears the stream's error state and goes back to its start, behind a byte-order mark; false when
+/// it cannot.
 bool rewindStream(std::istream& stream);
+
+/// The whole stream from its start; nothing when it holds more than `mostBytes`.
+[[nodiscard]] std::optional<std::string> streamText(std::istream& stream, std::size_t mostBytes);
 
 /// The next line without its line end, cut to `longest` characters; false at the end of the stream.
 bool readProfileLine(std::istream& stream, std::string& line,

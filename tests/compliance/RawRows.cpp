@@ -5,6 +5,7 @@
 #include "kvsig/util/File.h"
 #include "support/RawFile.h"
 
+#include <algorithm>
 #include <sstream>
 #include <utility>
 
@@ -18,7 +19,7 @@ constexpr const char* sections = "[ChannelMap]\nFp1-Ref=1\nFp2-Ref=2\nEKG-Arm=3\
 class PushingReader : public PushableReader {
   public:
     int getSampleChunk(long firstSample, short* buffer) override {
-        const std::int64_t frameBytes = 2 * channelCount();
+        const std::int64_t frameBytes = 2 * std::max<int>(channelCount(), 1);
         std::string page(static_cast<std::size_t>(chunkPts() * frameBytes), '\0');
         File file;
         std::int64_t bytes = 0;

@@ -86,6 +86,13 @@ TEST_P(ReaderCompliance, TheFrontDoorOpensItByItsType) {
     EXPECT_TRUE(openReader(door.c_str())); // and by its content
 }
 
+TEST_P(ReaderCompliance, AFreshReaderAnswersEveryCall) {
+    const std::unique_ptr<DataReader> fresh = GetParam().reader();
+    test::callEverySlot(*fresh);
+    EXPECT_FALSE(fresh->readSampleInfo());
+    EXPECT_EQ(fresh->sampleCount(), 0);
+}
+
 TEST_P(ReaderCompliance, ClosesTwiceAndReopens) {
     const Counts before = rawOf(*reader, 0, 0, 99);
     for (int round = 0; round < 3; ++round) {

@@ -144,7 +144,21 @@ TEST_F(AttributesOfAReader, CarryTheChannelMapOrItsName) {
     ASSERT_TRUE(fresh.open(fresh.fileName()));
     EXPECT_STREQ(fresh.channelName(1), "C4-A1");
     EXPECT_STREQ(fresh.getChannelMapName(), "(Private)");
-    EXPECT_EQ(written(fresh).substr(0, 17), text.substr(0, 17));
+    fresh.lag.reset();
+    fresh.setFileType(6);
+    EXPECT_EQ(written(fresh), text);
+    for (const char* other : {"(Private)", "Gone", "Lab"}) { // of these Lab alone is a stored one
+        fresh.setChannelMapName(other);
+        EXPECT_EQ(written(fresh) == text, std::string(other) != "Lab") << other;
+    }
+    EXPECT_TRUE(fresh.deleteChannelMapDefn("lab"));
+    EXPECT_THAT(written(fresh), HasSubstr("\n\n[ChannelMap]\nC3-A1=1\n")) << "stored no more";
+    dir.write("kvunkdat.ini", "[ChannelMap]\nLab=\n[Lab]\nC3-A1=1\nC4-A1=2\n");
+    Reader unnamed;
+    std::istringstream section("[x]\nO1-A1=2\n");
+    ASSERT_TRUE(unnamed.readChannelMap(section, "x"));
+    ASSERT_TRUE(unnamed.open("n"));
+    EXPECT_THAT(written(unnamed), HasSubstr("\n[ChannelMap]\nCh1=1\nO1-A1=2\nCh3=3\n"));
 
     Reader named;
     EXPECT_TRUE(reads(named, "[FileInfo]\nFile=n\nChannelMap=lab\n"));
@@ -186,7 +200,9 @@ TEST_F(AttributesOfAReader, OfAnExportDescribeRawFrames) {
     copyText(other.patientRec()->last, "Doe");
     std::ostringstream stream;
     stream << std::setw(9) << std::hex;
+    other.setGridNamesAsNumbers(true); // on the screen
     EXPECT_TRUE(WriteExportAttributeFile(stream, &other, "out.raw"));
+    EXPECT_TRUE(other.gridNamesAsNumbers());
     EXPECT_THAT(stream.str(),
                 testing::StartsWith(
                     "[FileInfo]\nFile=out.raw\nFileType=Interleaved\nSamplingRate=512.5\n"
@@ -200,14 +216,18 @@ TEST_F(AttributesOfAReader, OfAnExportDescribeRawFrames) {
 // must.
 TEST_F(AttributesOfAReader, BelongToOneRecording) {
     class Keeping : public FakeReader {
-        bool readSampleInfo() override { return true; } // forgets no anchors by itself
+        // Forgets no anchors by itself.
+        bool readSampleInfo() override { return !file.sampleInfoFails; }
     };
     Keeping kept;
     SampleTime anchor{0, 3600.0};
     kept.addSampleTime(anchor);
     copyText(kept.patientRec()->last, "Doe");
+    kept.file.sampleInfoFails = true;
+    EXPECT_FALSE(kept.open("empty"));
+    kept.file.sampleInfoFails = false;
     ASSERT_TRUE(kept.open("a"));
-    EXPECT_EQ(kept.sampleTimeCount(), 1);
+    EXPECT_EQ(kept.sampleTimeCount(), 1) << "an attempt that failed takes nothing away";
     ASSERT_TRUE(kept.open("a"));
     kept.file.openFails = true;
     EXPECT_FALSE(kept.open("b"));

@@ -35,7 +35,8 @@ std::string written(DataReader& reader) {
 
 std::string replaced(std::string text, const std::string& from, const std::string& to) {
     const std::size_t at = text.find(from);
-    return at == std::string::npos ? "not found: " + from : text.replace(at, from.size(), to);
+    EXPECT_NE(at, std::string::npos) << from;
+    return at == std::string::npos ? text : text.replace(at, from.size(), to);
 }
 
 class Interleaved : public testing::Test {
@@ -82,6 +83,20 @@ TEST_F(Interleaved, AttributesAndSamplesRoundTrip) {
     for (int channel = 0; channel < 3; ++channel)
         EXPECT_EQ(valuesOf(fresh, channel, 0, 751), valuesOf(reader, channel, 0, 751));
     EXPECT_EQ(valuesOf(fresh, 2, 700, 700)[0], 0.25F * static_cast<float>(file.count(2, 700)));
+
+    // Other names, or numbers, on the screen are none of the recording's.
+    fresh.setGridNamesAsNumbers(true);
+    ASSERT_TRUE(fresh.open(fresh.fileName()));
+    EXPECT_EQ(written(fresh), text);
+    fresh.setGridNamesAsNumbers(false);
+    std::istringstream map("[X]\nO1-A2=1\nO2-A2=2\n");
+    ASSERT_TRUE(fresh.applyChannelMapDefn("X", map));
+    EXPECT_STREQ(fresh.channelName(1), "O2-A2");
+    fresh.setChannelMapName("(Default)");
+    EXPECT_STREQ(fresh.getChannelMapName(), "(Default)");
+    EXPECT_STREQ(fresh.channelName(0), "Fp1-A1");
+    EXPECT_STREQ(fresh.channelName(1), "Ch2");
+    EXPECT_EQ(written(fresh), text);
 }
 
 TEST_F(Interleaved, EncodingsAreTakenFromTheirBytes) {
@@ -111,6 +126,10 @@ TEST_F(Interleaved, TheLengthCountsTwoBytesAValue) {
     EXPECT_EQ(reader.getLastError(), 2);
     EXPECT_THAT(reader.lastErrorText(), HasSubstr("it holds 2 samples of 2 channels behind 10"));
     EXPECT_EQ(reader.sampleCount(), 0);
+    ASSERT_TRUE(opens(reader, file.attributes(), std::string(10 + 12 + 3, 'x')));
+    ASSERT_EQ(reader.openFindings().size(), 1U);
+    EXPECT_EQ(reader.openFindings()[0].text, "its last 3 bytes are no whole sample of 2 channels");
+    EXPECT_EQ(reader.openFindings()[0].severity, OpenFinding::Severity::note);
 }
 
 TEST_F(Interleaved, RefusalsSayWhy) {
@@ -124,14 +143,24 @@ TEST_F(Interleaved, RefusalsSayWhy) {
 }
 
 TEST_F(Interleaved, EveryKeyIsNeeded) {
-    const std::string text = RawFile().attributes();
-    for (const char* key : {"File=", "SamplingRate=", "HeaderLength=", "Calibration=",
-                            "WaveformCount=", "DataType="}) {
-        EXPECT_FALSE(reads(reader, replaced(text, key, "Other="))) << key;
-        EXPECT_FALSE(reads(reader, replaced(text, key, std::string(key) + "\nOther="))) << key;
+    const RawFile file = RawFile().sections(sections);
+    ASSERT_TRUE(opens(reader, file.attributes(), file.bytes()));
+    for (const std::string key :
+         {"File", "SamplingRate", "HeaderLength", "Calibration", "WaveformCount", "DataType"}) {
+        for (const std::string& gap : {std::string("Other="), key + "=\nOther="}) {
+            EXPECT_FALSE(reads(reader, replaced(file.attributes(), key + "=", gap))) << key;
+            EXPECT_EQ(reader.lastErrorText(),
+                      "the attribute file has no " + key + " in its section FileInfo");
+        }
+        EXPECT_FALSE(reads(reader, replaced(file.attributes(), key + "=", key + " =")));
+        EXPECT_THAT(reader.lastErrorText(), HasSubstr("blanks in front of its '='"));
     }
+    // What is not complete takes nothing away.
+    EXPECT_STREQ(reader.channelName(0), "Fp1-A1");
+    EXPECT_STREQ(reader.patientRec()->last, "Doe");
+    EXPECT_EQ(reader.sampleTimeCount(), 2);
     InterleavedReader fresh;
-    EXPECT_FALSE(reads(fresh, replaced(text, "WaveformCount=3", "")));
+    EXPECT_FALSE(reads(fresh, replaced(file.attributes(), "WaveformCount=3", "")));
     EXPECT_EQ(fresh.headerLength(), 16) << "what stood before the gap is kept";
     EXPECT_EQ(fresh.channelCount(), 0);
 }
@@ -139,8 +168,11 @@ TEST_F(Interleaved, EveryKeyIsNeeded) {
 TEST_F(Interleaved, TheNextAttributeFileLeavesNothingOfTheLast) {
     const RawFile file = RawFile().sections(sections + "[Montage]\nOne=\n");
     ASSERT_TRUE(opens(reader, file.attributes(), file.bytes()));
-    EXPECT_FALSE(reads(reader, "[Other]\n"));
-    EXPECT_STREQ(reader.channelName(0), "Fp1-A1") << "no attribute file, no change";
+    EXPECT_EQ(rawOf(reader, 0, 0, 0)[0], file.count(0, 0));
+    ASSERT_TRUE(reads(reader, replaced(file.attributes(), "DataType=0", "DataType=4")));
+    const auto bits = static_cast<std::uint16_t>(file.count(0, 0));
+    EXPECT_EQ(rawOf(reader, 0, 0, 0)[0], static_cast<std::int16_t>(bits << 8U | bits >> 8U))
+        << "without opening again";
     ASSERT_TRUE(opens(reader, RawFile().attributes(), file.bytes()));
     EXPECT_STREQ(reader.channelName(0), "Ch1");
     EXPECT_EQ(reader.hasChannelMap(), 0);
@@ -154,17 +186,19 @@ TEST_F(Interleaved, MontagesAreKeptByName) {
     ASSERT_TRUE(reads(reader, RawFile().attributes() +
                                   "[long]\nFp1-F7=\nF7-T3=left\n;x=\n[Montage]\nLong=\n=\nEmpty=1\n"
                                   "LONG=\n[Long]\nC3=second\n"));
-    EXPECT_EQ(reader.montageCount(), 2);
+    EXPECT_EQ(reader.montageCount(), 3) << "one for each name";
     EXPECT_EQ(reader.montageIndex("EMPTY"), 1);
     EXPECT_STREQ(reader.montageName(0), "Long");
     std::ostringstream stream;
-    for (const int outside : {-1, 2}) {
+    for (const int outside : {-1, 3}) {
         EXPECT_EQ(reader.montageName(outside), nullptr);
         EXPECT_FALSE(reader.montageDefn(outside, stream));
     }
     EXPECT_TRUE(reader.montageDefn(0, stream));
     EXPECT_TRUE(reader.montageDefn(1, stream));
-    EXPECT_EQ(stream.str(), "[Long]\nFp1-F7=\nF7-T3=left\n[Empty]\n");
+    EXPECT_TRUE(reader.montageDefn(2, stream));
+    const std::string lines = "]\nFp1-F7=\nF7-T3=left\n";
+    EXPECT_EQ(stream.str(), "[Long" + lines + "[Empty]\n[LONG" + lines);
 }
 
 TEST_F(Interleaved, AStoredMontageFillsAMontage) {
@@ -188,36 +222,41 @@ TEST_F(Interleaved, AStoredMontageFillsAMontage) {
 TEST_F(Interleaved, HostileAttributesDoNoHarm) {
     const std::string good = RawFile().attributes();
     const std::string bytes = RawFile().bytes();
-    const auto survives = [&](const std::string& key, const std::string& value) {
+    const auto expectOpen = [&](bool expected, const std::string& key, const std::string& value) {
         const std::size_t at = good.find(key);
         std::string text = good;
         text.replace(at, good.find('\n', at) - at, key + value);
-        if (opens(reader, text, bytes))
-            test::readAround(reader);
-        else
-            EXPECT_EQ(reader.getLastError(), 2);
-        EXPECT_GE(reader.sampleCount(), 0);
+        EXPECT_EQ(opens(reader, text, bytes), expected) << key << value;
+        EXPECT_EQ(reader.getLastError(), expected ? 0 : 2);
+        EXPECT_EQ(reader.sampleCount() > 0, expected);
+        EXPECT_GE(reader.chunkPts(), 1);
+        test::readAround(reader);
     };
     for (const char* rate : {"0", "-1", "nan", "1e300", "1e999", "-1e999", "0.25", "1e-300", "x"})
-        survives("SamplingRate=", rate);
+        expectOpen(true, "SamplingRate=", rate);
     for (const char* count : {"0", "-3", "32768", "99999999999999999999"})
-        survives("WaveformCount=", count);
-    for (const char* length : {"-1", "-1000", "-99999999999", "4528", "99999999999999999999"})
-        survives("HeaderLength=", length);
+        expectOpen(false, "WaveformCount=", count);
+    for (const char* length : {"-1", "-1000", "-99999999999"})
+        expectOpen(true, "HeaderLength=", length);
+    for (const char* length : {"4528", "99999999999999999999"})
+        expectOpen(false, "HeaderLength=", length);
     for (const char* factor : {"0", "nan", "1e999"})
-        survives("Calibration=", factor);
+        expectOpen(true, "Calibration=", factor);
     for (const char* type : {"-1", "3", "99999999999"})
-        survives("DataType=", type);
+        expectOpen(true, "DataType=", type);
+    ASSERT_TRUE(reads(reader, replaced(good, "Rate=32", "Rate=1e999")));
+    EXPECT_THAT(written(reader), HasSubstr("SamplingRate=1e999\n")) << "it reads back";
     std::string names;
-    for (int i = 0; i < 3000; ++i)
-        names += "M" + std::to_string(i) + "=\n";
+    for (int i = 0; i < 5000; ++i)
+        names += "M" + std::to_string(i % 4000) + "=\n";
     EXPECT_TRUE(reads(reader, good + "[Montage]\n" + names));
-    EXPECT_EQ(reader.montageCount(), 3000);
+    EXPECT_EQ(reader.montageCount(), 4096);
 }
 
 TEST_F(Interleaved, BelowOneHertzThereAreSamples) {
     const RawFile file = RawFile().rate("0.25");
     ASSERT_TRUE(opens(reader, file.attributes(), file.bytes()));
+    EXPECT_EQ(reader.chunkPts(), 1);
     EXPECT_EQ(rawOf(reader, 1, 500, 500)[0], file.count(1, 500));
 }
 

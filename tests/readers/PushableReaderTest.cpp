@@ -38,6 +38,8 @@ class Pushable : public testing::Test {
 };
 
 TEST_F(Pushable, APushedPageServesOnce) {
+    ASSERT_EQ(reader.openFindings().size(), 1U);
+    EXPECT_THAT(reader.openFindings()[0].text, testing::HasSubstr("pushed by the host; none are"));
     EXPECT_EQ(reader.chunkPts(), 160);
     EXPECT_EQ(reader.getSampleChunk(0, chunk.data()), 0) << "nothing pushed, whatever the file has";
     reader.pushBuffer(page.data(), 2 * 2 * 160);
@@ -47,6 +49,13 @@ TEST_F(Pushable, APushedPageServesOnce) {
     reader.flushPages(false);
     reader.pushBuffer(page.data(), 2 * 2 * 160);
     EXPECT_EQ(rawOf(reader, 0, 0, 1), (std::vector<std::int32_t>{1, 3}));
+
+    std::istringstream slower(RawFile().channels(2).rate("20").attributes());
+    ASSERT_TRUE(reader.readAttributeFile(slower));
+    reader.pushBuffer(page.data(), 4);
+    ASSERT_TRUE(reader.open(dir.file("x.raw").c_str()));
+    EXPECT_EQ(reader.chunkPts(), 100) << "five seconds of this recording";
+    EXPECT_TRUE(reader.openFindings().empty());
 }
 
 TEST_F(Pushable, NoMoreThanAPageIsCopiedAndTheRestIsZero) {

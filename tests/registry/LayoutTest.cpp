@@ -96,6 +96,26 @@ TEST_F(Layout, RenamesTheChannelsOfAnyRecording) {
     EXPECT_STREQ(reader->getChannelMapName(), "(Private)");
 }
 
+TEST_F(Layout, TheExamplesOfItsPageWork) {
+    KrnlSetFileTypeFlag(4);
+    dir.write("night.raw", std::string(600, '\1'));
+    std::ifstream file(KVSIG_SOURCE_DIR "/docs/layouts.md");
+    const std::string page{std::istreambuf_iterator<char>(file), {}};
+    for (const std::string kind : {"ini", "xml"}) {
+        const std::string fence = "```" + kind + "\n";
+        const std::size_t begin = page.find(fence) + fence.size();
+        const std::string text = page.substr(begin, page.find("```", begin) - begin);
+        const ReaderPtr reader = open(text, kind == "ini" ? "x.lay" : "x.kvx");
+        ASSERT_TRUE(reader) << kind << error;
+        EXPECT_STREQ(reader->channelName(0), "Fp1-Ref");
+        EXPECT_STREQ(reader->channelName(2), "ECG-Ref");
+        EXPECT_EQ(reader->getClockTime(0.0), 83107.0);
+        EXPECT_STREQ(reader->patientRec()->name().c_str(), "...");
+        EXPECT_TRUE(dynamic_cast<DataReader&>(*reader).openFindings().empty());
+        EXPECT_EQ(reader->montageIndex("front"), kind == "ini" ? 0 : -1);
+    }
+}
+
 TEST_F(Layout, SaysWhatIsWrongWithIt) {
     const struct {
         std::string text;
@@ -105,7 +125,8 @@ TEST_F(Layout, SaysWhatIsWrongWithIt) {
         {"[FileInfo]\nFile=x.lay\nFileType=KelvaneLayout\n", "FileType is 'KelvaneLayout'"},
         {"[FileInfo]\nFileType=Nonsense\n", "FileType is 'Nonsense'"},
         {"[FileInfo]\nFileType=EDF90\n", "attributes of a recording of type EDF90"},
-        {"[FileInfo]\nFile=rec.raw\nFileType=Interleaved\nSamplingRate=1\n", "not complete"},
+        {"[FileInfo]\nFile=rec.raw\nFileType=Interleaved\nSamplingRate=1\n",
+         "not complete: the attribute file has no HeaderLength in its section FileInfo"},
         {"[FileInfo]\nFile=gone.edf\nFileType=EDF90\n", "gone.edf: no such file"},
         {"[FileInfo]\nFile=rec.raw\nFileType=Micromed\n", "Micromed (*.trc)"},
     };

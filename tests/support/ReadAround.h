@@ -36,4 +36,54 @@ inline void readAround(DataReader& reader) {
     reader.readEvents(events);
 }
 
+/// Calls what a host may call before open() too, in no sensible order. The reader need not be open.
+inline void callEverySlot(DataReader& reader) {
+    readAround(reader);
+    std::stringstream stream("[FileInfo]\n[ChannelMap]\n");
+    std::vector<short> chunk(1 << 16);
+    SampleTime anchor;
+    char name[PatientRec::displayNameSize];
+    void* self = nullptr;
+    static_cast<void>(reader.QueryInterface(IID_IDataReader, &self));
+    for (const int i : {INT_MIN, -1, 0, 1, INT_MAX}) {
+        static_cast<void>(reader.partFileName(i));
+        static_cast<void>(reader.partSampleCount(i));
+        static_cast<void>(reader.partDuration(i));
+        reader.setZeroChannel(i, true);
+        static_cast<void>(reader.getItem(i, i, i));
+        static_cast<void>(reader.getSampleChunk(i, chunk.data()));
+        static_cast<void>(reader.getChunk(i, chunk.data(), static_cast<int>(chunk.size())));
+        reader.getSampleTime(i, anchor);
+        static_cast<void>(reader.montageName(i));
+        static_cast<void>(reader.montageDefn(i, stream));
+        static_cast<void>(reader.getChannelMapNames(i));
+        static_cast<void>(reader.isMap1010());
+        static_cast<void>(reader.hostRecordA(i));
+        static_cast<void>(reader.hostRecordB(i));
+    }
+    static_cast<void>(reader.readSampleInfo());
+    static_cast<void>(reader.loadChannelInfo());
+    static_cast<void>(reader.getPatientRec());
+    static_cast<void>(reader.getPatientName(name));
+    for (const bool numbers : {true, false}) {
+        reader.setGridNamesAsNumbers(numbers);
+        static_cast<void>(reader.indexOfG1("1") + reader.indexOfG2(nullptr));
+        static_cast<void>(reader.writeAttributeFile(stream));
+    }
+    for (const char* map : {"(Default)", "(Private)", "none"}) {
+        reader.setChannelMapName(map);
+        static_cast<void>(reader.getChannelMapDefn(map, stream));
+        static_cast<void>(reader.applyChannelMapDefn(map, stream));
+    }
+    reader.setPageDuration(std::nan(""));
+    reader.flushPages(true);
+    static_cast<void>(reader.montageIndex("none"));
+    static_cast<void>(reader.inspectFile());
+    static_cast<void>(reader.readAttributeFile(stream));
+    static_cast<void>(reader.openFile());
+    static_cast<void>(reader.readSampleInfo());
+    reader.close();
+    readAround(reader);
+}
+
 } // namespace kvsig::test

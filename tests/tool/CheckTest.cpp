@@ -100,10 +100,10 @@ TEST(Check, NotesBytesBehindTheLastRawFrame) {
         dir.write("a.lay", file.sections("FileType=Interleaved\n").attributes());
         return runCommand(dir, "check a.lay").out;
     };
-    EXPECT_EQ(check(RawFile(), "12345"), "a.lay: note: 5 bytes follow the last whole frame of 3 "
-                                         "values, which takes 6\n");
+    EXPECT_EQ(check(RawFile(), "12345"),
+              "a.lay: note: its last 5 bytes are no whole sample of 3 channels\n");
     EXPECT_EQ(check(RawFile(), ""), "");
-    EXPECT_THAT(check(RawFile().dataType(6).frames(751), ""), Not(HasSubstr("frame of")));
+    EXPECT_THAT(check(RawFile().dataType(6).frames(751), ""), Not(HasSubstr("whole sample")));
 }
 
 // What the collection's index says of each file.

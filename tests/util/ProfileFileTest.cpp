@@ -36,6 +36,10 @@ TEST(ProfileDocument, WhatIsNotNamedKeepsItsBytes) {
     EXPECT_EQ(setTo("New", "a", "b"), original + "\r\n[New]\r\na=b\r\n");
     EXPECT_EQ(edited("", [](ProfileDocument& d) { EXPECT_TRUE(d.setKey("N", "a", "b")); }),
               "[N]\na=b\n");
+    const std::string mark = "\xEF\xBB\xBF";
+    EXPECT_EQ(edited(mark + "[N]\na=b\n",
+                     [](ProfileDocument& d) { EXPECT_TRUE(d.setKey("N", "a", "c")); }),
+              mark + "[N]\na=c\n");
 }
 
 TEST(ProfileDocument, DeletingLeavesCommentsOfWhatFollows) {
@@ -51,6 +55,12 @@ TEST(ProfileDocument, DeletingLeavesCommentsOfWhatFollows) {
     for (const char* absent : {"fp1", "; inside", "word", "\"", ""})
         EXPECT_EQ(without("one", absent), original) << absent;
     EXPECT_EQ(without("Three", nullptr), original);
+
+    std::string many; // minutes, if each took a pass of its own
+    for (int i = 0; i < 200000; ++i)
+        many += "[s]\nk=1\n";
+    EXPECT_EQ(edited(many, [](ProfileDocument& d) { d.deleteKey("S", "K"); }).size(), 800000U);
+    EXPECT_EQ(edited(many, [](ProfileDocument& d) { d.deleteSection("S"); }), "");
 }
 
 TEST(ProfileDocument, ASectionIsReplacedInItsPlace) {
@@ -97,7 +107,7 @@ TEST(ProfileFile, IsWrittenOnlyWhenItChanges) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 1);
 }
 
-TEST(ProfileFile, WhatCannotBeReadIsNotOverwritten) {
+TEST(ProfileFile, WhatCannotBeReadIsNotWritten) {
     const test::TempDir dir;
     const auto set = [](ProfileDocument& document) { return document.setKey("s", "k", "1"); };
     EXPECT_FALSE(editProfileFile(dir.path().c_str(), set)) << "a folder";
@@ -106,6 +116,16 @@ TEST(ProfileFile, WhatCannotBeReadIsNotOverwritten) {
     std::filesystem::resize_file(huge, longestProfileFile + 1);
     EXPECT_FALSE(editProfileFile(huge.c_str(), set));
     EXPECT_EQ(std::filesystem::file_size(huge), longestProfileFile + 1);
+    const std::string small = dir.write("small.ini", "[s]\n");
+    const auto grow = [&small](std::int64_t bytes) {
+        const std::string value(static_cast<std::size_t>(bytes - 7), 'v');
+        return editProfileFile(small.c_str(),
+                               [&](ProfileDocument& d) { return d.setKey("s", "k", value); });
+    };
+    EXPECT_FALSE(grow(longestProfileFile + 1)) << "it could not be read again";
+    EXPECT_EQ(dir.read("small.ini"), "[s]\n");
+    EXPECT_TRUE(grow(longestProfileFile));
+    EXPECT_TRUE(editProfileFile(small.c_str(), set));
 }
 
 } // namespace

@@ -35,6 +35,8 @@ TEST(ProfileText, SectionsAndKeysAreFoundWithoutCase) {
     EXPECT_EQ(valueIn("[a]\nkey\nempty=\n", "a", "empty"), "");
     EXPECT_EQ(valueIn("[]\n=nameless\n", nullptr, ""), "nameless");
     EXPECT_EQ(valueIn("", "a", "b"), "<def>");
+    EXPECT_EQ(valueIn("\xEF\xBB\xBF[a]\nb=1\n", "a", "b"), "1") << "a byte-order mark";
+    EXPECT_EQ(valueIn("\xEF\xBB[a]\nb=1\n", "a", "b"), "<def>") << "half of one";
 }
 
 TEST(ProfileText, LongLinesAreCutAndDoNotEndTheScan) {

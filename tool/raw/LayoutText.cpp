@@ -1,44 +1,13 @@
 #include "tool/raw/LayoutText.h"
 
 #include "kvsig/kernel/AttributeFile.h"
-#include "kvsig/montage/names/Derivation.h"
 #include "kvsig/registry/types/FileTypes.h"
 #include "kvsig/util/NeighbourFile.h"
 
-#include <algorithm>
-#include <set>
 #include <sstream>
 
 namespace kvsig::tool {
 namespace {
-
-// A map's key is a derivation of two names, without '=' inside and no ';' or '[' in front.
-std::string mapName(const std::string& name, IDataReader& reader) {
-    std::string text = name;
-    std::replace(text.begin(), text.end(), '=', '_');
-    if (text.starts_with(';') || text.starts_with('['))
-        text.front() = '_';
-    char grid1[gridNameSize] = "";
-    char grid2[gridNameSize] = "";
-    if (ParseG1G2(text.c_str(), grid1, grid2, nullptr) == 2)
-        return text;
-    const std::string reference = reader.refGrid();
-    return text + "-" + (reference.empty() ? "Ref" : reference);
-}
-
-// Equal keys would name one channel twice and the other not at all.
-std::vector<std::string> mapNames(IDataReader& reader, const std::vector<Row>& rows) {
-    std::vector<std::string> names;
-    std::set<std::string> used;
-    for (const Row& row : rows) {
-        const std::string wanted = mapName(row.name, reader);
-        std::string name = wanted;
-        for (int copy = 2; !used.insert(name).second; ++copy)
-            name = std::to_string(copy) + "_" + wanted;
-        names.push_back(name);
-    }
-    return names;
-}
 
 // The clock at the first sample, and every anchor inside the range.
 std::vector<SampleTime> anchorsOf(IDataReader& reader, SampleRange range) {
@@ -71,7 +40,10 @@ std::string layoutText(const Selection& selection, double calibration, const std
     std::ostringstream text;
     writeFileInfo(text, info);
     text << '\n';
-    writeChannelNames(text, "ChannelMap", mapNames(reader, rows));
+    std::vector<std::string> names;
+    for (const Row& row : rows)
+        names.push_back(row.name);
+    writeChannelNames(text, "ChannelMap", names, reader.refGrid());
     if (showPatient)
         writePatientSection(text, *reader.patientRec());
     writeSampleTimes(text, anchorsOf(reader, selection.range));
