@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <gmock/gmock.h>
+#include <set>
 #include <sstream>
 
 namespace kvsig {
@@ -108,6 +109,7 @@ TEST_F(MontageFiles, WhatIsNoUsableXmlIsNoTemplateAndIsLogged) {
     }
     files.xml(bomb);
     EXPECT_EQ(montage.createMontage("Y"), 0);
+    EXPECT_THAT(montage.unresolved(), ElementsAre("&b;")) << "entities of its own stay text";
     files.xml("<Templates><Template Name=\"X\"/></Templates>");
     EXPECT_EQ(montage.createMontage("X"), 0) << "a template without content is one";
     files.xml(templates("X", "&lt;Channel Definition=\"C4\"/&gt;"));
@@ -127,10 +129,42 @@ TEST_F(MontageFiles, HugeMontagesAreCut) {
     EXPECT_EQ(montage.createMontage("Huge"), 1);
     EXPECT_THAT(montage.names(), SizeIs(mostMontageRows));
     EXPECT_THAT(log.take(logWarning), ElementsAre(HasSubstr("\"Huge\"")));
-    files.ini("[Long]\n" + std::string(100000, 'x') + "=\n" + "F3-0.25*C3-0.25*C4-0.25*P3=\nC3=\n");
+    files.ini("[Long]\n" + std::string(100000, 'x') + "=\nC3=\n");
     EXPECT_EQ(montage.createMontage("Long"), 1);
-    EXPECT_THAT(montage.names(), SizeIs(2));
-    EXPECT_THAT(log.take(logWarning), ElementsAre(HasSubstr("used as F3-0.25*C3-0.25*C4")));
+    EXPECT_THAT(montage.names(), ElementsAre("C3-Ref"));
+}
+
+TEST_F(MontageFiles, NumericRowsFindNamesForTheirAveragesAmongManyTaken) {
+    constexpr int count = 500;
+    std::string content;
+    for (int i = 0; i < count; ++i)
+        content += "<AvgRef Definition='C3+C4' Name='_av" + std::to_string(count + i) + "'/>" +
+                   channel("C3-2*C4");
+    files.xml(templates("Taken", content));
+    EXPECT_EQ(montage.createMontage("Taken"), 2 * count);
+    const auto names = montage.averageNames();
+    EXPECT_EQ(std::set<std::string>(names.begin(), names.end()).size(), names.size());
+}
+
+TEST_F(MontageFiles, NamesAreListedOnceAndNotWithoutEnd) {
+    files.xml(templates("Mine", channel("C3")));
+    std::string text = "[MINE]\n[mine]\n[Mine]\n";
+    for (int i = 0; i < 60000; ++i)
+        text += "[m" + std::to_string(i) + "]\n";
+    files.ini(text);
+    const auto names = MontageNames();
+    EXPECT_THAT(names, SizeIs(4096));
+    EXPECT_THAT(std::vector(names.begin(), names.begin() + 3), ElementsAre("Mine", "MINE", "m0"))
+        << "a section answers to every spelling, a template to its own";
+}
+
+TEST_F(MontageFiles, APlusInSettingsMakesNoAverage) {
+    files.ini("[Slow]\nC3-A1A2|1,0,0,0,1.6e+02 sec,1e+03 Hz,0,0,0,0=\nF7+F8=\n");
+    EXPECT_EQ(montage.createMontage("Slow"), 1);
+    EXPECT_THAT(montage.names(), ElementsAre("C3-A1A2"));
+    EXPECT_DOUBLE_EQ(double{montage.source(0)->settings().highPass.cutoff}, 0.001);
+    EXPECT_EQ(double{montage.source(0)->settings().lowPass.cutoff}, 1000.0);
+    EXPECT_EQ(montage.averageNames().front(), "F7F8");
 }
 
 TEST_F(MontageFiles, TheFirstPlaceThatHasTheMontageWins) {
