@@ -58,7 +58,8 @@ std::string AvgSource::definition() const {
         if (!plain)
             defn += ":" + fixedText(weight(i), 3);
     }
-    return defn;
+    // One label alone would be read back as a row.
+    return m_channels.size() == 1 ? defn + "+" : defn;
 }
 
 void AvgSource::constructDefn(char* out, bool) { copyText(out, definitionSize, definition()); }

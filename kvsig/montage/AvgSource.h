@@ -21,7 +21,8 @@ class KVSIG_API AvgSource : public DataSource {
     const char* grid2() override;
     /// The own name if one was set, else the channel labels one after the other.
     const char* name() override;
-    /// "A+B+C" for a plain average, else "A:0.500+B:0.250+C:0.250"; there are no settings.
+    /// "A+B+C" for a plain average, else "A:0.500+B:0.250+C:0.250"; of a single channel "A+" and
+    /// "A:0.500+", which still read as averages. There are no settings.
     void constructDefn(char* out, bool withSettings) override;
     /// Has no effect.
     void setChannel12(int channel1, int channel2) override;

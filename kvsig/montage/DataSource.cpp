@@ -214,7 +214,7 @@ double DataSource::xEnd() const { return m_reader->duration(); }
 
 void DataSource::appendOwnFilters(double samplingRate) {
     const auto append = [this, samplingRate](Filter& filter, const FilterAttr& attr) {
-        if (!attr.use)
+        if (!isFilterOn(attr))
             return;
         setUseFilter(true);
         flushCache();

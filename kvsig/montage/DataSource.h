@@ -91,10 +91,10 @@ class KVSIG_API DataSource {
     /// New settings change neither the chain nor the cache; see appendOwnFilters().
     [[nodiscard]] const SourceSettings& settings() const { return m_settings; }
     void setSettings(const SourceSettings& settings) { m_settings = settings; }
-    /// Appends the source's own low-pass and high-pass, as far as its settings switch them on, to
-    /// its chain, designed for `samplingRate` (hertz; at one not above 0 they stay as they are),
-    /// switches filtering on and empties the cache. The source owns these filters: the chain must
-    /// not (FilterList::deleteList()).
+    /// Appends the source's own low-pass and high-pass, as far as its settings switch them on (with
+    /// a cutoff that is finite and above 0), to its chain, designed for `samplingRate` (hertz; at
+    /// one not above 0 they stay as they are), switches filtering on and empties the cache. The
+    /// source owns these filters: the chain must not (FilterList::deleteList()).
     void appendOwnFilters(double samplingRate);
 
   protected:

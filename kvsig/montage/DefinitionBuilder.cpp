@@ -6,11 +6,11 @@
 #include "kvsig/montage/SourceMontage.h"
 #include "kvsig/montage/names/Derivation.h"
 #include "kvsig/montage/names/ReservedNames.h"
-#include "kvsig/util/LogSink.h"
 #include "kvsig/util/NumberText.h"
 #include "kvsig/util/Text.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -85,14 +85,30 @@ bool addFactorTerm(IDataReader& reader, const std::string& term, Terms& terms) {
     return terms.channels.back() >= 0;
 }
 
-// The first name from the count on that no average has: after deletions the count alone may be
-// taken.
+// Named by the count of averages; after deletions, or where a montage gives such names itself, by
+// the first number behind it that is free.
 std::string freeAverageName(SourceMontage& montage) {
-    for (int number = montage.avgRefCount();; ++number) {
-        const std::string name = "_av" + std::to_string(number);
-        if (montage.indexOfAvgRef(name.c_str()) < 0)
-            return name;
+    constexpr std::string_view prefix = "_av";
+    const int count = montage.avgRefCount();
+    std::vector<bool> taken(static_cast<std::size_t>(count) + 1); // one number more than averages
+    for (int i = 0; i < count; ++i) {
+        const std::string_view name = montage.avgRef(i)->name();
+        if (!startsWithNoCase(name, prefix))
+            continue;
+        const std::int64_t number = leadingInteger(name.substr(prefix.size()));
+        if (number >= count && number - count <= count)
+            taken[static_cast<std::size_t>(number - count)] = true;
     }
+    const auto free = std::find(taken.begin(), taken.end(), false);
+    return std::string(prefix) + std::to_string(count + (free - taken.begin()));
+}
+
+// The terms after grid 1. ParseG1G2() cuts them to the size of a name, and a sum with terms missing
+// would be another one.
+std::string_view uncutTerms(const char* defn) {
+    const std::string_view text = derivationOf(defn);
+    const std::size_t start = std::min(text.find_first_not_of('-'), text.size());
+    return text.substr(std::min(text.find('-', start), text.size()));
 }
 
 // The row is built from the average itself: by its text it could name "*" once more.
@@ -102,15 +118,9 @@ DataSource* buildNumeric(SourceMontage& montage, const char* defn, const Derivat
     if (channel1 < 0 || derivation.names < 2)
         return nullptr;
     Terms terms;
-    for (const std::string& term : splitWords(derivation.grid2, '-'))
+    for (const std::string& term : splitWords(uncutTerms(defn), '-'))
         if (!addFactorTerm(reader, term, terms))
             return nullptr;
-    std::string_view whole = viewOf(defn);
-    whole = whole.substr(std::min(whole.find_first_not_of('|'), whole.size()));
-    if (!whole.substr(0, whole.find('|')).ends_with(derivation.grid2))
-        logMessage(logWarning, "SourceMontage: definition \"" + std::string(whole) +
-                                   "\" is too long; used as " + derivation.grid1 + "-" +
-                                   derivation.grid2);
     AvgSource* average = buildWeighted(montage, terms);
     if (!average)
         return nullptr;
@@ -169,12 +179,22 @@ DataSource* buildDerivation(SourceMontage& montage, const Derivation& derivation
 
 } // namespace
 
+std::string_view derivationOf(const char* defn) {
+    std::string_view text = viewOf(defn);
+    text.remove_prefix(std::min(text.find_first_not_of('|'), text.size()));
+    return text.substr(0, text.find('|'));
+}
+
+bool isAverageDerivation(const char* defn) {
+    return derivationOf(defn).find('+') != std::string_view::npos;
+}
+
 DataSource* buildSource(SourceMontage& montage, const char* defn) {
     if (IsGapDefn(defn))
         return buildGap(montage);
     const bool referential = montage.reader()->isMapReferential() != 0;
     const bool numeric = IsNumericDefn(defn);
-    if (IsAvgDefn(defn) && !numeric)
+    if (isAverageDerivation(defn) && !numeric)
         return referential ? buildAverage(montage, defn) : nullptr;
     const Derivation derivation = parsed(defn);
     if (derivation.names == 0)

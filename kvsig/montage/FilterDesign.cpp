@@ -1,15 +1,24 @@
 #include "kvsig/montage/FilterDesign.h"
 
 #include "kvsig/filters/Filter.h"
-#include "kvsig/filters/FilterAttr.h"
 
 #include <cmath>
 #include <numbers>
 
 namespace kvsig {
 
+namespace {
+
+constexpr double notchHalfWidth = 1.0; // hertz
+
+bool isPositive(double value) { return std::isfinite(value) && value > 0; }
+
+} // namespace
+
+bool isFilterOn(FilterAttr attr) { return attr.use && isPositive(attr.cutoff); }
+
 int designFilter(Filter& filter, FilterAttr attr, double samplingRate) {
-    if (!(samplingRate > 0))
+    if (!(samplingRate > 0) || !isPositive(attr.cutoff))
         return 0;
     return filter.design(attr.cutoff / samplingRate, attr.second / samplingRate, attr.third);
 }
@@ -23,6 +32,12 @@ double notchWidthFrequency(double cutoff, double halfWidth, double samplingRate)
     constexpr double pi = std::numbers::pi;
     const double t = std::tan(pi * cutoff / samplingRate);
     return samplingRate / pi * std::atan(pi * halfWidth / samplingRate * (1.0 + t * t));
+}
+
+FilterAttr notchWithWidth(FilterAttr attr, double samplingRate) {
+    if (!isPositive(attr.second))
+        attr.second = notchWidthFrequency(attr.cutoff, notchHalfWidth, samplingRate);
+    return attr;
 }
 
 } // namespace kvsig

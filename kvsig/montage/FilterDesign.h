@@ -1,14 +1,19 @@
 #pragma once
 
+#include "kvsig/filters/FilterAttr.h"
 #include "kvsig/util/Export.h"
 
 namespace kvsig {
 
 class Filter;
-struct FilterAttr;
+
+/// Whether a setting filters: it is switched on, with a cutoff that is finite and above 0. Others
+/// come from hosts and definitions, and would make filters that run away.
+[[nodiscard]] KVSIG_API bool isFilterOn(FilterAttr attr);
 
 /// Designs `filter` from a setting in hertz: both frequencies are divided by `samplingRate`, the
-/// third value is handed on as it is. Returns what the design returns; 0 for a rate not above 0.
+/// third value is handed on as it is. Returns what the design returns; 0, and the filter is as it
+/// was, for a rate or a cutoff not above 0 and an infinite cutoff.
 KVSIG_API int designFilter(Filter& filter, FilterAttr attr, double samplingRate);
 
 /// The second value of a notch at `cutoff` that makes it `halfWidth` wide to either side at -3 dB,
@@ -16,5 +21,9 @@ KVSIG_API int designFilter(Filter& filter, FilterAttr attr, double samplingRate)
 /// from 0 and from half the rate.
 [[nodiscard]] KVSIG_API double notchWidthFrequency(double cutoff, double halfWidth,
                                                    double samplingRate);
+
+/// A notch setting without a width (`second` not above 0 or not finite) would filter nothing, or
+/// run away: it becomes 1 Hz wide to either side at that rate. Others are returned as they are.
+[[nodiscard]] KVSIG_API FilterAttr notchWithWidth(FilterAttr attr, double samplingRate);
 
 } // namespace kvsig

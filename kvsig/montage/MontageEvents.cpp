@@ -1,13 +1,12 @@
 #include "kvsig/montage/MontageEvents.h"
 
 #include "kvsig/kernel/ClientEvent.h"
-#include "kvsig/kernel/IDataReader.h"
 #include "kvsig/montage/DataSource.h"
-#include "kvsig/montage/FilterDesign.h"
 #include "kvsig/montage/SourceMontage.h"
 #include "kvsig/util/Saturate.h"
 #include "kvsig/util/Text.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -15,8 +14,6 @@ namespace kvsig {
 namespace {
 
 enum Kind { sensitivity = 3, lowFilter = 4, highFilter = 5, notchFilter = 6, reset = 7 };
-
-constexpr double notchHalfWidth = 1.0; // hertz
 
 bool hasUse(const ClientEvent& event) {
     return event.hasValue != 0 && std::isfinite(event.value) && event.value > 0;
@@ -38,7 +35,8 @@ bool change(DataSource& source, const SourceSettings& settings) {
 
 bool setSensitivity(DataSource& source, const ClientEvent& event) {
     SourceSettings settings = source.settings();
-    settings.displayValue = hasUse(event) ? saturate<std::int32_t>(event.value) : 0;
+    // 0 means off: what lies between 0 and 1 must not be taken for it.
+    settings.displayValue = hasUse(event) ? std::max(saturate<std::int32_t>(event.value), 1) : 0;
     return change(source, settings);
 }
 
@@ -96,11 +94,11 @@ bool setFilters(SourceMontage& montage, FilterAttr low, FilterAttr high, FilterA
     return differs;
 }
 
-FilterAttr changedNotch(SourceMontage& montage, const ClientEvent& event) {
-    FilterAttr attr = changed(montage.notch(), event);
-    if (attr.use && montage.reader())
-        attr.second =
-            notchWidthFrequency(attr.cutoff, notchHalfWidth, montage.reader()->samplingRate());
+// An event knows no width: the notch takes that of the montage at the rate of the moment.
+FilterAttr changedNotch(FilterAttr attr, const ClientEvent& event) {
+    attr = changed(attr, event);
+    if (attr.use)
+        attr.second = 0.0;
     return attr;
 }
 
@@ -114,7 +112,7 @@ bool applyToMontage(SourceMontage& montage, const ClientEvent& event) {
     case highFilter:
         return setFilters(montage, changed(low, event), high, notch);
     case notchFilter:
-        return setFilters(montage, low, high, changedNotch(montage, event));
+        return setFilters(montage, low, high, changedNotch(notch, event));
     default: {
         const bool rows = applyToRows(montage, resetSource);
         return setFilters(montage, {}, {}, {}) || rows;

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <sstream>
+#include <unordered_set>
 #include <utility>
 
 namespace kvsig {
@@ -19,6 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t mostBytes = std::size_t{1} << 20;
+constexpr std::size_t mostNames = 4096;
 
 std::optional<std::string> hostDirectory; // never set: none, and all the other places
 std::string hostFile;
@@ -106,29 +108,57 @@ std::optional<MontageContent> findIn(const Candidate& file, const std::string& n
     return content;
 }
 
-std::vector<std::string> namesIn(const Candidate& file) {
+struct FoundNames {
+    bool areSections = false;
+    std::vector<std::string> names;
+};
+
+FoundNames namesIn(const Candidate& file) {
     if (file.stream)
-        return sectionNames(*file.stream);
+        return {true, sectionNames(*file.stream)};
     const std::string text = textOf(file).value_or("");
     if (isTemplates(file, text))
-        return templateNames(text);
+        return {false, templateNames(text)};
     std::istringstream stream(text);
-    return sectionNames(stream);
+    return {true, sectionNames(stream)};
 }
+
+/// Names in the order found, without those of montages that no search can reach any more.
+class NameList {
+  public:
+    void add(std::string name, bool isSection) {
+        const std::string folded = lowerCase(name);
+        if (name.empty() || m_names.size() >= mostNames || m_sections.contains(folded) ||
+            !m_exact.insert(name).second)
+            return;
+        if (isSection) // it answers to every spelling
+            m_sections.insert(folded);
+        m_names.push_back(std::move(name));
+    }
+    std::vector<std::string> take() { return std::move(m_names); }
+
+  private:
+    std::unordered_set<std::string> m_exact, m_sections;
+    std::vector<std::string> m_names;
+};
 
 } // namespace
 
-void SetMontageDirectory(const char* path) { hostDirectory = viewOf(path); }
+void SetMontageDirectory(const char* path) {
+    hostDirectory = path ? std::optional<std::string>(path) : std::nullopt;
+}
+
 void SetMontageFile(const char* path) { hostFile = viewOf(path); }
 void SetMontageStream(std::istream* stream) { hostStream = stream; }
 
 std::vector<std::string> MontageNames() {
-    std::vector<std::string> names;
-    for (const Candidate& file : candidates())
-        for (std::string& name : namesIn(file))
-            if (!name.empty() && std::find(names.begin(), names.end(), name) == names.end())
-                names.push_back(std::move(name));
-    return names;
+    NameList list;
+    for (const Candidate& file : candidates()) {
+        FoundNames found = namesIn(file);
+        for (std::string& name : found.names)
+            list.add(std::move(name), found.areSections);
+    }
+    return list.take();
 }
 
 std::optional<MontageContent> findMontage(const std::string& name) {

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-/// Where montages come from. In each of these places the XML templates (szINIMontageFileXML) are
-/// looked at, then the INI file (szINIMontageFile), and the first that has a montage of the name
-/// asked for is taken:
+/// Where montages come from. Place by place the XML templates (szINIMontageFileXML) are looked at,
+/// then the INI file (szINIMontageFile), and the first that has a montage of the name asked for is
+/// taken: the INI file of one place comes before the templates of the next.
 ///
 ///   the file of SetMontageFile()
 ///   the directory of SetMontageDirectory()
@@ -22,17 +22,18 @@
 namespace kvsig {
 
 /// Puts a directory before the others (UTF-8); an empty one limits the search to the current
-/// directory.
+/// directory, and null takes either back.
 KVSIG_API void SetMontageDirectory(const char* path);
 
 /// Puts one file before all places, of either form; an empty path removes it.
 KVSIG_API void SetMontageFile(const char* path);
 
-/// Installs the text of the INI file: it takes the place of the first place's, and no other INI
-/// file is read. The stream is not owned and is rewound; null removes it.
+/// Installs the text of the INI file: it takes the place of the first place's, after that place's
+/// templates and before those of the others, and no other INI file is read but one of
+/// SetMontageFile(). The stream is not owned and is rewound; null removes it.
 KVSIG_API void SetMontageStream(std::istream* stream);
 
-/// The names of all montages found, each once, in the order of the search.
+/// The names of all montages found, each once, in the order of the search; at most 4096.
 [[nodiscard]] KVSIG_API std::vector<std::string> MontageNames();
 
 } // namespace kvsig

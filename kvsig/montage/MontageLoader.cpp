@@ -2,6 +2,7 @@
 
 #include "kvsig/kernel/IDataReader.h"
 #include "kvsig/montage/DataSource.h"
+#include "kvsig/montage/DefinitionBuilder.h"
 #include "kvsig/montage/SourceMontage.h"
 #include "kvsig/montage/names/Derivation.h"
 #include "kvsig/montage/names/Translate1020.h"
@@ -67,7 +68,7 @@ int loadMontageEntries(SourceMontage& montage, const std::vector<ProfileEntry>& 
     RowBudget budget(montage);
     const auto load = [&](bool averages) {
         for (const ProfileEntry& entry : entries) {
-            if (IsAvgDefn(entry.key.c_str()) != averages)
+            if (isAverageDerivation(entry.key.c_str()) != averages)
                 continue;
             if (!budget.takeOne())
                 return;
@@ -76,7 +77,7 @@ int loadMontageEntries(SourceMontage& montage, const std::vector<ProfileEntry>& 
             if (!source)
                 continue;
             char name[derivationNameSize];
-            NameFromDefn(defn.c_str(), reader.refGrid(), name);
+            NameFromDefn(std::string(derivationOf(defn.c_str())).c_str(), reader.refGrid(), name);
             source->setName(entry.value.empty() ? name : entry.value.c_str());
         }
     };

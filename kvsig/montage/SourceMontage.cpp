@@ -12,6 +12,7 @@
 #include "kvsig/montage/names/Derivation.h"
 #include "kvsig/montage/names/References.h"
 #include "kvsig/montage/names/ReservedNames.h"
+#include "kvsig/util/LogSink.h"
 #include "kvsig/util/NumberText.h"
 #include "kvsig/util/Saturate.h"
 #include "kvsig/util/Text.h"
@@ -73,7 +74,11 @@ void SourceMontage::setUseFilter(bool use) {
         source->setUseFilter(use);
 }
 
-void SourceMontage::setReader(IDataReader* reader) { m_reader = reader; }
+void SourceMontage::setReader(IDataReader* reader) {
+    m_reader = reader;
+    m_toldNoAverages = false;
+}
+
 void SourceMontage::setName(const char* name) { copyText(m_name, name); }
 
 void SourceMontage::deleteSources() {
@@ -112,8 +117,19 @@ DataSource* SourceMontage::createSource(const char* defn) {
     return source;
 }
 
+// Of more channels, some would have the numbers that name averages.
+bool SourceMontage::canHoldAverages() {
+    if (m_reader->channelCount() <= G1G2Source::averageBit)
+        return true;
+    if (!m_toldNoAverages)
+        logMessage(logWarning, "SourceMontage: no averages over a recording of more than " +
+                                   std::to_string(G1G2Source::averageBit) + " channels");
+    m_toldNoAverages = true;
+    return false;
+}
+
 AvgSource* SourceMontage::createSource(std::vector<int>& channels) {
-    if (!m_reader || avgRefCount() >= maxAverages)
+    if (!m_reader || avgRefCount() >= maxAverages || !canHoldAverages())
         return nullptr;
     m_averages.push_back(std::make_unique<AvgSource>(*m_reader, channels));
     m_averages.back()->setMontage(this);
@@ -304,7 +320,7 @@ void SourceMontage::updateFilters() {
     const double rate = m_reader ? m_reader->samplingRate() : 0.0;
     designFilter(m_lowPass, m_lowPassAttr, rate);
     designFilter(m_highPass, m_highPassAttr, rate);
-    designFilter(m_notch, m_notchAttr, rate);
+    designFilter(m_notch, notchWithWidth(m_notchAttr, rate), rate);
     for (const auto& source : m_sources) {
         FilterList& chain = *source->filters();
         chain.removeAll();
@@ -312,7 +328,7 @@ void SourceMontage::updateFilters() {
         source->setUseCache(true);
         source->setUseFilter(false);
         const auto append = [&](Filter& filter, FilterAttr attr) {
-            if (!attr.use)
+            if (!isFilterOn(attr))
                 return;
             source->setUseFilter(true);
             chain.addNext(&filter);

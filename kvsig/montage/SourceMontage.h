@@ -59,13 +59,18 @@ class KVSIG_API SourceMontage : public MontageBase, public MontageContext {
     /// Deletes every row and every average.
     virtual void deleteSources();
     /// Deletes a row or an average of this montage; anything else is ignored. Rows that had the
-    /// average as their reference have no grid 2 any more; their names stay.
+    /// average as their reference have no grid 2 any more; their names stay. The averages behind it
+    /// move up: rows follow, but ids that idOfChannel2() gave before do not.
     virtual void deleteSource(DataSource* source);
     /// Builds what a derivation definition (names/Derivation.h) describes: an average is appended
     /// to the averages, all else to the rows. Null when a name in it is unknown or there is no
-    /// reader. Settings after "|" become the row's; updateFilters() puts them to work.
+    /// reader. Settings after "|" become the row's; updateFilters() puts them to work. Kinds are
+    /// tried in the order gap, numeric, average, row; but what holds a "*" and reads as names of
+    /// electrodes with a "*" in them is a row of those.
     virtual DataSource* createSource(const char* defn);
-    /// Appends a plain average; null without a reader and beyond maxAverages.
+    /// Appends a plain average; null without a reader, beyond maxAverages, and over a recording of
+    /// more than G1G2Source::averageBit channels (logged once), where a row's channel 2 could not
+    /// tell averages from channels.
     virtual AvgSource* createSource(std::vector<int>& channels);
     /// Appends a row over two channels of the reader; null without a reader.
     virtual G1G2Source* createSource(int channel1, int channel2);
@@ -88,7 +93,8 @@ class KVSIG_API SourceMontage : public MontageBase, public MontageContext {
     virtual int idOfChannel2(const char* name);
     /// True when the rows have one reference in common, which becomes ref(): all scalp electrodes
     /// have it, or more than half of all rows, on purpose, so that a few bipolar rows do no harm.
-    /// Never true for a recording of bipolar channels.
+    /// Never true for a recording of bipolar channels. "Recorded" has the recording's reference as
+    /// long as no row was given another one; after that it is judged as any montage.
     virtual bool isReferential();
     /// True for an average of the montage and for an electrode of the reader; `id`, if not null,
     /// then receives idOfChannel2().
@@ -100,15 +106,20 @@ class KVSIG_API SourceMontage : public MontageBase, public MontageContext {
     /// Adds the averages of gGlobalAvgRefs whose electrodes the recording has.
     virtual void addGlobalAvgRefs();
     /// Takes over a display setting (kinds 3 to 7 of ClientEvent). With an empty label it is the
-    /// montage's own, and the sensitivity that of every row; with a label it is the row's of that
-    /// name, which keeps the montage's other filter but follows the montage no more. A row has no
-    /// notch of its own. No value, or none above 0, switches off. Filters are rebuilt and caches
-    /// emptied. True when something changed.
+    /// montage's own, and the sensitivity that of every row there is: an empty montage keeps none
+    /// for rows to come. With a label it is the row's of that name: a filter makes the row follow
+    /// the montage no more, and what it followed until then becomes its own; the sensitivity does
+    /// not. A row has no notch of its own. Sensitivities are whole numbers here; those below 1
+    /// become 1. A notch gets the width that updateFilters() gives. No value, or none above 0,
+    /// switches off. Filters are rebuilt and caches emptied. True when something changed.
     virtual bool updateState(const ClientEvent& event);
 
     /// Rebuilds the filter chain of every row from the settings of the montage and of the row:
-    /// low-pass, high-pass, notch. Switches the rows' caches on, and their filtering where there is
-    /// a filter. createMontage() does it too; to be called after a change of settings.
+    /// low-pass, high-pass, notch. A setting whose cutoff is not finite or not above 0 is off. A
+    /// notch whose `second` is not above 0 is 1 Hz wide to either side at -3 dB, at the rate of the
+    /// reader. Switches the rows' caches on, whatever SetDataSourceDefaults() said, and their
+    /// filtering where there is a filter and off where there is none. createMontage() does it too,
+    /// so call setUseCache() after it; to be called after a change of settings.
     void updateFilters();
 
     /// Settings in hertz. What is called the low filter in the field is the high-pass.
@@ -119,7 +130,8 @@ class KVSIG_API SourceMontage : public MontageBase, public MontageContext {
     void setHighPass(FilterAttr attr) { m_highPassAttr = attr; }
     void setNotch(FilterAttr attr) { m_notchAttr = attr; }
 
-    /// Rows in display order, and averages; null out of range.
+    /// Rows in display order, and averages; null out of range. Rows keep samples of an average in
+    /// their caches: after its setWeights() or setAvgChannels(), call flushCache().
     [[nodiscard]] int sourceCount() const;
     [[nodiscard]] DataSource* source(int index) const;
     [[nodiscard]] int avgRefCount() const;
@@ -144,6 +156,7 @@ class KVSIG_API SourceMontage : public MontageBase, public MontageContext {
     [[nodiscard]] int fill(const std::string& name);
     [[nodiscard]] int rowNamed(const std::string& name) const;
     [[nodiscard]] bool isRecorded() const;
+    [[nodiscard]] bool canHoldAverages();
     void moveReference(G1G2Source& row, int channel2);
     void forgetAverage(int index);
 
@@ -159,6 +172,7 @@ class KVSIG_API SourceMontage : public MontageBase, public MontageContext {
     std::vector<std::unique_ptr<DataSource>> m_sources;
     std::vector<std::unique_ptr<AvgSource>> m_averages;
     std::vector<std::string> m_unresolved;
+    bool m_toldNoAverages = false;
 };
 
 } // namespace kvsig

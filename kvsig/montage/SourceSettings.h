@@ -34,8 +34,7 @@ struct PolyScale {
 /// The settings as ten comma-separated fields: display value, flag, follow montage, integer value,
 /// time constant of the high-pass, cutoff of the low-pass, show scaling, transparent scale,
 /// minimum, maximum; a limit that is no finite number is written as 0. The filter texts lose
-/// digits: "%.2g sec" and "%.3g Hz". A cutoff of 1000 Hz and above is written "1e+03 Hz", whose
-/// "+" makes a definition that carries it an average: a known limit.
+/// digits: "%.2g sec" and "%.3g Hz" (100 s is "1e+02 sec": a "+" here makes no average).
 [[nodiscard]] KVSIG_API std::string formatSettings(const SourceSettings& settings,
                                                    const PolyScale& scale);
 

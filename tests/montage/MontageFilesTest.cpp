@@ -1,12 +1,14 @@
 #include "kvsig/montage/MontageFiles.h"
 
 #include "kvsig/montage/MontageLoader.h"
+#include "kvsig/util/Text.h"
 #include "montage/MontageFixture.h"
 #include "support/LogCapture.h"
 
 #include <cstdlib>
 #include <filesystem>
 #include <gmock/gmock.h>
+#include <set>
 #include <sstream>
 
 namespace kvsig {
@@ -108,6 +110,7 @@ TEST_F(MontageFiles, WhatIsNoUsableXmlIsNoTemplateAndIsLogged) {
     }
     files.xml(bomb);
     EXPECT_EQ(montage.createMontage("Y"), 0);
+    EXPECT_THAT(montage.unresolved(), ElementsAre("&b;")) << "entities of its own stay text";
     files.xml("<Templates><Template Name=\"X\"/></Templates>");
     EXPECT_EQ(montage.createMontage("X"), 0) << "a template without content is one";
     files.xml(templates("X", "&lt;Channel Definition=\"C4\"/&gt;"));
@@ -127,10 +130,42 @@ TEST_F(MontageFiles, HugeMontagesAreCut) {
     EXPECT_EQ(montage.createMontage("Huge"), 1);
     EXPECT_THAT(montage.names(), SizeIs(mostMontageRows));
     EXPECT_THAT(log.take(logWarning), ElementsAre(HasSubstr("\"Huge\"")));
-    files.ini("[Long]\n" + std::string(100000, 'x') + "=\n" + "F3-0.25*C3-0.25*C4-0.25*P3=\nC3=\n");
+    files.ini("[Long]\n" + std::string(100000, 'x') + "=\nC3=\n");
     EXPECT_EQ(montage.createMontage("Long"), 1);
-    EXPECT_THAT(montage.names(), SizeIs(2));
-    EXPECT_THAT(log.take(logWarning), ElementsAre(HasSubstr("used as F3-0.25*C3-0.25*C4")));
+    EXPECT_THAT(montage.names(), ElementsAre("C3-Ref"));
+}
+
+TEST_F(MontageFiles, NumericRowsFindNamesForTheirAveragesAmongManyTaken) {
+    constexpr int count = 500;
+    std::string content;
+    for (int i = 0; i < count; ++i)
+        content += "<AvgRef Definition='C3+C4' Name='_av" + std::to_string(count + i) + "'/>" +
+                   channel("C3-2*C4");
+    files.xml(templates("Taken", content));
+    EXPECT_EQ(montage.createMontage("Taken"), 2 * count);
+    const auto names = montage.averageNames();
+    EXPECT_EQ(std::set<std::string>(names.begin(), names.end()).size(), names.size());
+}
+
+TEST_F(MontageFiles, NamesAreListedOnceAndNotWithoutEnd) {
+    files.xml(templates("Mine", channel("C3")));
+    std::string text = "[MINE]\n[mine]\n[Mine]\n";
+    for (int i = 0; i < 60000; ++i)
+        text += "[m" + std::to_string(i) + "]\n";
+    files.ini(text);
+    const auto names = MontageNames();
+    EXPECT_THAT(names, SizeIs(4096));
+    EXPECT_THAT(std::vector(names.begin(), names.begin() + 3), ElementsAre("Mine", "MINE", "m0"))
+        << "a section answers to every spelling, a template to its own";
+}
+
+TEST_F(MontageFiles, APlusInSettingsMakesNoAverage) {
+    files.ini("[Slow]\nC3-A1A2|1,0,0,0,1.6e+02 sec,1e+03 Hz,0,0,0,0=\nF7+F8=\n");
+    EXPECT_EQ(montage.createMontage("Slow"), 1);
+    EXPECT_THAT(montage.names(), ElementsAre("C3-A1A2"));
+    EXPECT_DOUBLE_EQ(double{montage.source(0)->settings().highPass.cutoff}, 0.001);
+    EXPECT_EQ(double{montage.source(0)->settings().lowPass.cutoff}, 1000.0);
+    EXPECT_EQ(montage.averageNames().front(), "F7F8");
 }
 
 TEST_F(MontageFiles, TheFirstPlaceThatHasTheMontageWins) {
@@ -195,34 +230,71 @@ std::vector<std::string> definitions(SourceMontage& montage) {
     return all;
 }
 
+// Groups of electrodes, a gap behind each but the last.
+using Groups = std::vector<std::vector<std::string>>;
+
+const Groups doubleBanana{{"Fp1-F7", "F7-T3", "T3-T5", "T5-O1"},
+                          {"Fp1-F3", "F3-C3", "C3-P3", "P3-O1"},
+                          {"Fz-Cz", "Cz-Pz"},
+                          {"Fp2-F4", "F4-C4", "C4-P4", "P4-O2"},
+                          {"Fp2-F8", "F8-T4", "T4-T6", "T6-O2"}};
+const Groups transverse{{"F7-Fp1", "Fp1-Fp2", "Fp2-F8"},
+                        {"F7-F3", "F3-Fz", "Fz-F4", "F4-F8"},
+                        {"T3-C3", "C3-Cz", "Cz-C4", "C4-T4"},
+                        {"T5-P3", "P3-Pz", "Pz-P4", "P4-T6"},
+                        {"T5-O1", "O1-O2", "O2-T6"}};
+const Groups sides{{"Fp1", "F3", "C3", "P3", "O1", "F7", "T3", "T5"},
+                   {"Fz", "Cz", "Pz"},
+                   {"Fp2", "F4", "C4", "P4", "O2", "F8", "T4", "T6"}};
+
+const Groups noGaps{{"Fp1", "F3", "C3", "P3", "O1", "F7", "T3", "T5", "Fz", "Cz", "Pz", "Fp2", "F4",
+                     "C4", "P4", "O2", "F8", "T4", "T6"}};
+
+// The definitions expected: those of the groups, or their electrodes against a reference.
+std::vector<std::string> expectedRows(const Groups& groups, const std::string& reference,
+                                      bool modernNames) {
+    std::string text;
+    int row = 0;
+    for (const auto& group : groups) {
+        if (row > 0)
+            text += "Gap" + std::to_string(++row) + "\n";
+        for (const std::string& grid1 : group)
+            if (grid1 != reference) {
+                text += grid1 + (reference.empty() ? "" : "-" + reference) + "\n";
+                ++row;
+            }
+    }
+    const std::pair<const char*, const char*> pairs[] = {
+        {"T3", "T7"}, {"T4", "T8"}, {"T5", "P7"}, {"T6", "P8"}};
+    for (const auto& [old, modern] : pairs)
+        for (std::size_t at = 0; modernNames && (at = text.find(old, at)) != std::string::npos;)
+            text.replace(at, 2, modern);
+    return splitWords(text, '\n');
+}
+
 TEST_F(MontageFiles, ShippedMontagesFitEitherGenerationOfNames) {
     const struct {
         const char* name;
-        std::size_t rows, gaps;
+        const Groups* groups;
         const char* reference;
-    } shipped[] = {{"Double banana", 18, 4, ""},
-                   {"Transverse", 18, 4, ""},
-                   {"Referential A1A2", 19, 0, "A1A2"},
-                   {"Referential Cz", 18, 0, "Cz"},
-                   {"Average", 19, 0, "Av17"}};
+    } shipped[] = {{"Double banana", &doubleBanana, ""},  {"Transverse", &transverse, ""},
+                   {"Referential A1A2", &noGaps, "A1A2"}, {"Linked mastoids", &sides, "M1M2"},
+                   {"Referential Cz", &sides, "Cz"},      {"Average", &sides, "Av17"}};
     const std::string share = KVSIG_SOURCE_DIR "/share/";
-    TestMontage modern(newNames);
-    for (const auto& expected : shipped) {
-        for (TestMontage* of : {&montage, &modern}) {
-            SetMontageFile((share + "KVMontageTemplates.xml").c_str());
-            ASSERT_GT(of->createMontage(expected.name), 0) << expected.name;
-            EXPECT_THAT(of->unresolved(), IsEmpty());
-            EXPECT_STREQ(of->ref(), expected.reference);
-            const auto fromXml = definitions(*of);
-            const auto gaps = std::count_if(fromXml.begin(), fromXml.end(),
-                                            [](const auto& d) { return d.starts_with("Gap"); });
-            EXPECT_EQ(fromXml.size(), expected.rows + expected.gaps);
-            EXPECT_EQ(static_cast<std::size_t>(gaps), expected.gaps);
-            const std::set<std::string> different(fromXml.begin(), fromXml.end());
-            EXPECT_EQ(different.size(), fromXml.size()) << "no row twice";
-            SetMontageFile((share + "kvmont.ini").c_str());
-            ASSERT_EQ(of->createMontage(expected.name), 1);
-            EXPECT_EQ(definitions(*of), fromXml) << "both files hold the same";
+    for (const bool modern : {false, true}) {
+        std::vector<std::string> electrodes = modern ? newNames : oldNames;
+        electrodes.insert(electrodes.end(), {"M1", "M2"});
+        TestMontage of(electrodes);
+        for (const char* file : {"KVMontageTemplates.xml", "kvmont.ini"}) {
+            SetMontageFile((share + file).c_str());
+            for (const auto& expected : shipped) {
+                ASSERT_GT(of.createMontage(expected.name), 0) << expected.name;
+                EXPECT_THAT(of.unresolved(), IsEmpty());
+                EXPECT_STREQ(of.ref(), expected.reference);
+                EXPECT_EQ(definitions(of),
+                          expectedRows(*expected.groups, expected.reference, modern))
+                    << expected.name << " of " << file;
+            }
         }
     }
 }

@@ -90,10 +90,37 @@ TEST_F(MontageFilters, SamplesGoThroughTheChainOfTheMomentAndNoOther) {
 TEST_F(MontageFilters, AFilledMontageHasItsFiltersAtOnce) {
     montage.setHighPass(on(2));
     ASSERT_EQ(montage.createMontage("Recorded"), 1);
-    EXPECT_EQ(chainOf(row(0)).size(), 1U);
+    ASSERT_EQ(chainOf(row(0)).size(), 1U);
+    // 1 / (1 + t), t = tan(pi 2 / 200)
+    EXPECT_NEAR(row(0).filters()->filter(0)->getNumerWeight(0), 0.9695312, 1e-6);
     montage.setReader(nullptr);
     montage.updateFilters();
-    EXPECT_EQ(chainOf(row(0)).size(), 1U) << "as designed before";
+    ASSERT_EQ(chainOf(row(0)).size(), 1U);
+    EXPECT_NEAR(row(0).filters()->filter(0)->getNumerWeight(0), 0.9695312, 1e-6) << "as before";
+}
+
+TEST_F(MontageFilters, AnotherCutoffDoesNotServeWhatWasCachedBefore) {
+    montage.updateState(event(4, 2.0));
+    const std::vector<float> before = read(row(0), 400, 499);
+    montage.updateState(event(4, 20.0));
+    const std::vector<float> after = read(row(0), 400, 499);
+    // A ramp of 2 units a second behind a high-pass of the first order is 2 / (2 pi cutoff).
+    EXPECT_NEAR(before.back(), 1 / (2 * 3.14159), 0.01);
+    EXPECT_NEAR(after.back(), 1 / (20 * 3.14159), 0.01);
+}
+
+TEST_F(MontageFilters, FiltersThatCannotBeAreOff) {
+    ASSERT_TRUE(montage.createSource("F7|0,0,0,0,-1,-5"));
+    const std::vector<float> plain = read(row(0), 400, 499);
+    const std::vector<float> own = read(row(4), 400, 499);
+    for (const double cutoff : {0.0, -5.0, std::nan(""), HUGE_VAL}) {
+        montage.setLowPass(on(cutoff));
+        montage.setHighPass(on(cutoff));
+        montage.setNotch(on(cutoff));
+        montage.updateFilters();
+        EXPECT_EQ(read(row(0), 400, 499), plain) << cutoff;
+        EXPECT_EQ(read(row(4), 400, 499), own) << cutoff;
+    }
 }
 
 TEST_F(MontageFilters, EventsWithoutALabelChangeTheMontage) {
@@ -120,15 +147,24 @@ TEST_F(MontageFilters, EventsWithoutALabelChangeTheMontage) {
     EXPECT_FALSE(montage.updateState(event(7, {})));
 }
 
-TEST_F(MontageFilters, ANotchByEventTakesItsFrequencyOutAndLittleElse) {
-    montage.updateState(event(6, 50.0));
+TEST_F(MontageFilters, ANotchWithoutAWidthTakesItsFrequencyOutAndLittleElse) {
     const auto gainAt = [this](double hertz) {
         std::vector<float> samples = sine(hertz / 200.0, 8000);
         row(0).filters()->apply(samples.data(), 8000);
         return amplitudeAt(hertz / 200.0, samples, 6000, 2000);
     };
-    EXPECT_LT(gainAt(50), 0.01);
-    EXPECT_NEAR(gainAt(51) / gainAt(80), std::sqrt(0.5), 0.05) << "1 Hz to either side";
+    const auto expectNotch = [&gainAt](const char* what) {
+        EXPECT_LT(gainAt(50), 0.01) << what;
+        EXPECT_NEAR(gainAt(51) / gainAt(80), std::sqrt(0.5), 0.05) << what << ": 1 Hz beside it";
+    };
+    montage.updateState(event(6, 50.0));
+    expectNotch("an event");
+    EXPECT_EQ(montage.notch(), on(50)) << "no width that would be another's at another rate";
+    for (const double width : {0.0, -1.0, std::nan("")}) {
+        montage.setNotch(on(50, width));
+        montage.updateFilters();
+        expectNotch("a host");
+    }
 }
 
 TEST_F(MontageFilters, EventsWithALabelChangeThatRow) {
@@ -158,6 +194,8 @@ TEST_F(MontageFilters, EventsOfOtherKindsAndOddValuesDoNothingOrSwitchOff) {
         EXPECT_TRUE(montage.updateState(event(4, value)));
         EXPECT_FALSE(montage.highPass().use) << value;
     }
+    EXPECT_TRUE(montage.updateState(event(3, 0.5)));
+    EXPECT_EQ(row(0).settings().displayValue, 1) << "0 would be off";
     EXPECT_TRUE(montage.updateState(event(3, 1e300)));
     ClientEvent unterminated = event(3, 1.0);
     std::fill(std::begin(unterminated.label), std::end(unterminated.label), 'x');

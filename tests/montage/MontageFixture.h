@@ -74,7 +74,7 @@ class MontageDirectory {
   public:
     MontageDirectory() { SetMontageDirectory(dir.path().c_str()); }
     ~MontageDirectory() {
-        SetMontageDirectory(".");
+        SetMontageDirectory(nullptr);
         SetMontageFile(nullptr);
         SetMontageStream(nullptr);
     }

@@ -4,11 +4,11 @@
 #include "montage/ScriptedSource.h"
 #include "support/Opened.h"
 
+#include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <map>
-#include <set>
 
 // Montages of recordings on the developer's machine. Without them the tests skip.
 namespace kvsig {
@@ -47,6 +47,13 @@ class RealMontages : public testing::TestWithParam<const char*> {
         return values;
     }
 
+    // An electrode as the recording names it.
+    std::string nameHere(const std::string& electrode) {
+        static const std::map<std::string, std::string> modern{
+            {"T3", "T7"}, {"T4", "T8"}, {"T5", "P7"}, {"T6", "P8"}};
+        return reader->indexOfG1(electrode.c_str()) < 0 ? modern.at(electrode) : electrode;
+    }
+
     void expectRow(int row, const Values& grid1, const Values& grid2) {
         const std::vector<float> samples = read(*montage.source(row), 0, last);
         double largest = 0.0;
@@ -63,31 +70,52 @@ class RealMontages : public testing::TestWithParam<const char*> {
 };
 
 TEST_P(RealMontages, BipolarRowsAreTheDifferenceOfTheirChannels) {
-    for (const char* name : {"Double banana", "Transverse", "Referential Cz"}) {
-        ASSERT_GT(montage.createMontage(name), 10) << name;
-        for (int i = 0; i < montage.sourceCount(); ++i)
-            if (!montage.source(i)->isGap())
-                expectRow(i, channelOf(montage.source(i)->grid1()),
-                          channelOf(montage.source(i)->grid2()));
+    const struct {
+        const char* name;
+        int rows;
+        std::vector<std::array<const char*, 2>> some; ///< from the first row on
+    } montages[] = {
+        {"Double banana", 22, {{"Fp1", "F7"}, {"F7", "T3"}, {"T3", "T5"}, {"T5", "O1"}}},
+        {"Transverse", 22, {{"F7", "Fp1"}, {"Fp1", "Fp2"}, {"Fp2", "F8"}}},
+        {"Referential Cz",
+         20,
+         {{"Fp1", "Cz"},
+          {"F3", "Cz"},
+          {"C3", "Cz"},
+          {"P3", "Cz"},
+          {"O1", "Cz"},
+          {"F7", "Cz"},
+          {"T3", "Cz"},
+          {"T5", "Cz"}}}};
+    for (const auto& expected : montages) {
+        ASSERT_GT(montage.createMontage(expected.name), 10) << expected.name;
+        ASSERT_EQ(montage.sourceCount(), expected.rows);
+        int row = 0;
+        for (const auto& [grid1, grid2] : expected.some)
+            expectRow(row++, channelOf(nameHere(grid1)), channelOf(nameHere(grid2)));
     }
 }
 
 TEST_P(RealMontages, Av17IsTheMeanOfItsElectrodes) {
+    const std::vector<std::string> left{"Fp1", "F3", "C3", "P3", "O1", "F7", "T3", "T5"};
+    const std::vector<std::string> middle{"Fz", "Cz", "Pz"};
+    const std::vector<std::string> right{"Fp2", "F4", "C4", "P4", "O2", "F8", "T4", "T6"};
     Values mean(static_cast<std::size_t>(last + 1), 0.0);
-    for (const char* electrode : {"F7", "F3", "Fz", "F4", "F8", "T3", "C3", "Cz", "C4", "T4", "T5",
-                                  "P3", "Pz", "P4", "T6", "O1", "O2"}) {
-        std::string name = electrode;
-        static const std::map<std::string, std::string> modern{
-            {"T3", "T7"}, {"T4", "T8"}, {"T5", "P7"}, {"T6", "P8"}};
-        if (reader->indexOfG1(electrode) < 0)
-            name = modern.at(name);
-        const Values values = channelOf(name);
-        for (std::size_t i = 0; i < mean.size(); ++i)
-            mean[i] += values[i] / 17.0;
+    for (const auto& group : {left, middle, right})
+        for (const std::string& electrode : group) {
+            if (electrode == "Fp1" || electrode == "Fp2")
+                continue;
+            const Values values = channelOf(nameHere(electrode));
+            for (std::size_t i = 0; i < mean.size(); ++i)
+                mean[i] += values[i] / 17.0;
+        }
+    ASSERT_EQ(montage.createMontage("Average"), 21) << "19 rows and 2 gaps";
+    int row = 0;
+    for (const auto& group : {left, middle, right}) {
+        for (const std::string& electrode : group)
+            expectRow(row++, channelOf(nameHere(electrode)), mean);
+        ++row; // the gap
     }
-    ASSERT_EQ(montage.createMontage("Average"), 19);
-    for (int i = 0; i < montage.sourceCount(); ++i)
-        expectRow(i, channelOf(montage.source(i)->grid1()), mean);
 }
 
 INSTANTIATE_TEST_SUITE_P(Names, RealMontages,

@@ -2,6 +2,7 @@
 
 #include "kvsig/montage/ReferenceAnalysis.h"
 #include "montage/MontageFixture.h"
+#include "support/LogCapture.h"
 
 #include <climits>
 #include <gmock/gmock.h>
@@ -74,6 +75,7 @@ TEST(SourceMontage, DefinitionsAreWhatTheySay) {
         {"-F7", "F7-Ref", 20},
         {"Fp1-0.5*F7-0.5*T3", "Fp1-_av1", 10 - 10 - 15},
         {"Cz-2*F7-T3", "Cz-_av2", 40 - 40 - 30},
+        {"Cz-0.25*Fp1-0.25*F7-0.25*T3-0.25*F7-1*Cz", "Cz-_av3", -20},
         {"Cz-_av1", "Cz-_av1", 40 - 25},
         {"Gap, nothing else", "        ", 0},
     };
@@ -92,18 +94,18 @@ TEST(SourceMontage, DefinitionsAreWhatTheySay) {
     EXPECT_FLOAT_EQ(read(*weighted, 0, 0).front(), 10 - 60);
     EXPECT_FLOAT_EQ(read(*partly, 0, 0).front(), 25) << "one weight for two channels: none";
     EXPECT_EQ(montage.sourceCount(), rowCount);
-    EXPECT_EQ(montage.avgRefCount(), 5);
-    EXPECT_EQ(montage.avgRef(2), plain);
+    EXPECT_EQ(montage.avgRefCount(), 6);
+    EXPECT_EQ(montage.avgRef(3), plain);
 
     const char* unknown[] = {"",        "|",          "-",         "XX",
                              "XX-F7",   "Fp1-XX",     "F7+XX",     "+",
                              "0.5*F7",  "Fp1-0.5*XX", "F7*1+T3*1", "Fp1-F7-T3",
-                             "Fp1-*F7", "gap 1",      "F7:1+XX:1", "Fp1-0.5*F7-XX"};
+                             "Fp1-*F7", "gap 1",      "F7:1+XX:1", "Fp1-0.5*F7-0.5*T3-XX"};
     for (const char* defn : unknown)
         EXPECT_EQ(montage.createSource(defn), nullptr) << defn;
     EXPECT_EQ(montage.createSource(static_cast<const char*>(nullptr)), nullptr);
     EXPECT_EQ(montage.sourceCount(), rowCount) << "what fails leaves nothing behind";
-    EXPECT_EQ(montage.avgRefCount(), 5);
+    EXPECT_EQ(montage.avgRefCount(), 6);
     EXPECT_THAT(montage.unresolved(), SizeIs(17));
 }
 
@@ -271,7 +273,8 @@ TEST(SourceMontage, WrittenOutAndReadBackIsTheSame) {
     TestMontage montage(oldNames);
     montage.addGlobalAvgRefs();
     montage.add({"F7:0.5+T3:-0.25", "Fp1-F7", "Gap1", "C3", "C3-Av17|40,1,0,2,0.1 sec,35 Hz",
-                 "Fp1-0.5*F7-2*T3|0,0,1,0,(off),(off),1,1,-5,5", "Cz-A1A2"});
+                 "Fp1-0.5*F7-2*T3|0,0,1,0,(off),(off),1,1,-5,5", "Cz-A1A2", "Cz-0.5*F7",
+                 "Cz-1*F8|1,0,1,0,1e+02 sec,(off),0,0,0,0"});
     TestMontage copy(oldNames);
     for (int i = 0; i < montage.avgRefCount(); ++i) {
         DataSource* average = copy.createSource(definition(*montage.avgRef(i)).c_str());
@@ -290,6 +293,25 @@ TEST(SourceMontage, WrittenOutAndReadBackIsTheSame) {
         EXPECT_EQ(read(*copy.source(i), 300, 700), read(*montage.source(i), 300, 700)) << i;
     }
     EXPECT_EQ(copy.source(3)->filters()->count(), 2);
+}
+
+TEST(SourceMontage, MoreChannelsThanAveragesHaveNumbersMakeNone) {
+    std::vector<std::string> names{"A1", "A2"};
+    for (int i = 2; i < averageBit + 1; ++i)
+        names.push_back("X" + std::to_string(i));
+    TestMontage crowded(names);
+    test::LogCapture log;
+    std::vector<int> channels{0, 1};
+    EXPECT_EQ(crowded.createSource(channels), nullptr);
+    crowded.addGlobalAvgRefs();
+    for (const char* defn : {"A1+A2", "X5-A1A2", "X5-0.5*A1"})
+        EXPECT_EQ(crowded.createSource(defn), nullptr) << defn;
+    EXPECT_THAT(crowded.unresolved(), ElementsAre("A1+A2", "X5-A1A2", "X5-0.5*A1"));
+    EXPECT_THAT(log.take(logWarning), SizeIs(1));
+    names.pop_back();
+    TestMontage full(names);
+    full.add({"A1+A2", "X5-A1A2"});
+    EXPECT_FLOAT_EQ(full.valueOf(0), 60 - 15);
 }
 
 // A host with montages of its own, and a reader that holds one.
