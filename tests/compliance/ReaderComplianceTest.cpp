@@ -6,14 +6,17 @@
 #include "support/Opened.h"
 #include "support/ReadAround.h"
 
+#include <algorithm>
 #include <climits>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
+#include <random>
 #include <set>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kvsig {
@@ -238,6 +241,34 @@ TEST_P(ReaderCompliance, TruncatedFilesAreToldOrRead) {
             ASSERT_EQ(rawOf(*other, channel, 0, other->sampleCount() - 1), whole);
         }
     }
+}
+
+// The recording is the seed of damaged ones: whatever a field says, it is told or read around.
+TEST_P(ReaderCompliance, DamagedFilesAreToldOrRead) {
+    std::minstd_rand next(1);
+    const auto damage = [&next](std::string text, std::size_t length) {
+        constexpr std::string_view bytes("\0\xFF\x80 -.09=[\nzE", 14);
+        for (int hits = 1 + static_cast<int>(next() % 4); hits > 0 && length > 0; --hits)
+            text[next() % length] = bytes[next() % bytes.size()];
+        return text;
+    };
+    const std::size_t header = std::min(file.boundaries.back() + 64, file.bytes.size());
+    int opened = 0;
+    for (int i = 0; i < 300; ++i) {
+        SCOPED_TRACE(i);
+        const auto other = GetParam().reader();
+        std::istringstream attributes(damage(file.attributes, file.attributes.size()));
+        static_cast<void>(other->readAttributeFile(attributes));
+        const std::string damaged = dir.write("damaged", damage(file.bytes, header));
+        if (other->open(damaged.c_str())) {
+            ++opened;
+            test::readAround(*other);
+        } else {
+            EXPECT_GT(std::string(other->lastErrorText()).size(), damaged.size() + 10);
+        }
+        static_cast<void>(other->inspectFile());
+    }
+    EXPECT_GT(opened, 30);
 }
 
 TEST_P(ReaderCompliance, TwoReadersOfOneFileDoNotDisturbEachOther) {
