@@ -11,8 +11,8 @@ namespace kvsig {
 /// A new, unopened reader for a file, with its type and file name stamped on it. The host opens it
 /// next, by the reader's own fileName(): of a layout (types 13 and 45) that is the data file which
 /// the layout names, not the layout; DataReader::filePath() gives it uncut. openReader() does all
-/// this. The reader has reference count 0 and belongs to the caller. Null when the type is unknown or
-/// switched off by the file-type mode, a layout cannot be read, or the licence check refuses.
+/// this. The reader has reference count 0 and belongs to the caller. Null when the type is unknown
+/// or switched off by the file-type mode, a layout cannot be read, or the licence check refuses.
 ///
 /// A pair type takes both paths joined by '*', and both members belong to the caller too: a pair
 /// never destroys them. `fileName` then becomes the first path. The second form works on a copy.

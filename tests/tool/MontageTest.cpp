@@ -91,7 +91,8 @@ TEST_F(MontageCommand, ReferencesLeaveBipolarRowsAlone) {
     const CommandResult table =
         run("export a.edf --montage Own --montage-file own.ini --reference T3 --to 0.25");
     ASSERT_EQ(table.exitCode, 0) << table.err;
-    EXPECT_THAT(table.out, StartsWith("time,Fp1-T3,F7-T3,T3-T3,bipolar,Temp-Ref\n0,-20,-10,0,-10,"));
+    EXPECT_THAT(table.out,
+                StartsWith("time,Fp1-T3,F7-T3,T3-T3,bipolar,Temp-Ref\n0,-20,-10,0,-10,"));
     EXPECT_THAT(table.err, HasSubstr("left as they are: Temp-Ref"));
     const CommandResult again = run("montage a.edf --montage Own --montage-file own.ini "
                                     "--reference Cz --json");
