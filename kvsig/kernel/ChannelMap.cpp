@@ -123,7 +123,8 @@ std::vector<std::string> channelMapKeys(const std::vector<std::string>& names,
         const std::string unnamed = defaultChannelName(keys.size());
         std::string wanted = changedName(name);
         if (!isDerivation(wanted))
-            wanted = wanted.substr(0, gridNameSize - 1) + joined;
+            wanted.replace(std::min<std::size_t>(wanted.size(), gridNameSize - 1),
+                           std::string::npos, joined);
         if (name == unnamed || !isDerivation(wanted)) {
             keys.push_back(unnamed);
             continue;

@@ -192,9 +192,9 @@ bool DataReader::applyChannelMapDefn(const char* name, std::istream& defn) {
 
 bool DataReader::getChannelMapDefn(const char* name, std::ostream& stream) {
     if (isBuiltin(name, defaultMap)) {
-        std::vector<std::string> names;
-        for (int i = 0; i < channelCount(); ++i)
-            names.emplace_back(viewOf(_channelName(i)));
+        std::vector<std::string> names(static_cast<std::size_t>(std::max<int>(channelCount(), 0)));
+        for (std::size_t i = 0; i < names.size(); ++i)
+            names[i] = viewOf(_channelName(static_cast<int>(i)));
         writeChannelNames(stream, defaultMap, names, refGrid());
         return true;
     }
@@ -255,9 +255,10 @@ bool WriteExportAttributeFile(std::ostream& stream, IDataReader* reader, const c
     // The stored names: numbers shown in their place are a matter of display.
     const bool numbers = reader->gridNamesAsNumbers();
     reader->setGridNamesAsNumbers(false);
-    std::vector<std::string> names;
-    for (int i = 0; i < reader->channelCount(); ++i)
-        names.emplace_back(viewOf(reader->channelName(i)));
+    std::vector<std::string> names(
+        static_cast<std::size_t>(std::max<int>(reader->channelCount(), 0)));
+    for (std::size_t i = 0; i < names.size(); ++i)
+        names[i] = viewOf(reader->channelName(static_cast<int>(i)));
     reader->setGridNamesAsNumbers(numbers);
     const PatientRec* patient = reader->patientRec();
     writeFileInfo(stream, info);

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "FilterCase.h"
+#include "Reading.h"
+
+#include <vector>
+
+namespace kvsig::bench {
+
+/// The peers that were found when this was built.
+[[nodiscard]] std::vector<Reader> peerReaders();
+[[nodiscard]] std::vector<Contender> peerFilters(const FilterCase& filter);
+
+} // namespace kvsig::bench
