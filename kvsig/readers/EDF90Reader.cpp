@@ -45,7 +45,7 @@ std::int64_t fullYear(std::int64_t year, const edf::Header& header) {
 
 // dd.mm.yy as yyyy.mm.dd; what is no date stays as it is.
 std::string fullDate(const edf::Header& header) {
-    const std::string text = header.text(edf::startDate);
+    std::string text = header.text(edf::startDate);
     const DottedTriple date = dottedTriple(text);
     if (!date.complete)
         return text;

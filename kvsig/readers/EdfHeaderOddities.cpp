@@ -151,8 +151,7 @@ class HeaderCheck {
             const Severity severity = isAnnotation(m_header, i) ? Severity::note : odd->severity;
             Group& group = groups[{severity, odd->text}];
             if (group.signals++ == 0)
-                group.first = name + " of signal " + std::to_string(i + 1) + " (" +
-                              quoted(m_header.text(label, i)) + ") is " + low + " to " + high;
+                group.first = rangeText(name, i, low, high);
         }
         for (const auto& [odd, group] : groups)
             m_findings.push_back(
@@ -177,6 +176,12 @@ class HeaderCheck {
         if (std::max(low, -high) > 10 * (high - low))
             return OpenFinding{Severity::note, "far from zero: the offset matters"};
         return std::nullopt;
+    }
+
+    [[nodiscard]] std::string rangeText(const std::string& name, std::int64_t signal,
+                                        const std::string& low, const std::string& high) const {
+        return name + " of signal " + std::to_string(signal + 1) + " (" +
+               quoted(m_header.text(label, signal)) + ") is " + low + " to " + high;
     }
 
     void checkTransducers() {

@@ -77,7 +77,7 @@ ReaderPtr openReader(const char* path, int type, std::string* error) {
     UnheldReader made = allocReader(found, name, reason);
     if (!made)
         return fail(file + ": " + reason);
-    const ReaderPtr reader = owned(std::move(made));
+    ReaderPtr reader = owned(std::move(made));
     if (!reader->open(openPath(*reader).c_str()))
         return fail(openError(*reader, file) +
                     (type == noReaderType && !KrnlIsReadable(found) ? layoutHint(file) : ""));

@@ -22,7 +22,7 @@ std::string neighbourFile(const std::string& path, std::string_view name) {
         return {};
     const auto opens = [](const std::string& candidate) { return File().open(candidate.c_str()); };
     const std::filesystem::path folder = std::filesystem::path(path).parent_path();
-    const std::string exact = (folder / base).string();
+    std::string exact = (folder / base).string();
     if (opens(exact))
         return exact;
     std::string found;

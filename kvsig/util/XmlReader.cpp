@@ -34,7 +34,7 @@ struct XmlReader::State {
 
     void clear() {
         document.reset();
-        level = document;
+        level = document.root();
         current = {};
     }
 };
@@ -60,7 +60,7 @@ bool XmlReader::setDocument(std::string_view text, std::string* reason) {
                       ": " + result.description());
     if (isDeeperThan(m_state->document, maxDepth))
         return refuse("XML elements nested deeper than " + std::to_string(maxDepth));
-    m_state->level = m_state->document;
+    m_state->level = m_state->document.root();
     return true;
 }
 

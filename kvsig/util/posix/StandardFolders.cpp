@@ -25,7 +25,7 @@ std::string findLibraryFolder() {
 
 std::string userConfigFolder() {
     // A relative path is not valid there.
-    if (const std::string config(viewOf(std::getenv("XDG_CONFIG_HOME"))); config.starts_with('/'))
+    if (std::string config(viewOf(std::getenv("XDG_CONFIG_HOME"))); config.starts_with('/'))
         return config;
     const std::string home(viewOf(std::getenv("HOME")));
     return home.starts_with('/') ? home + "/.config" : std::string();
