@@ -30,6 +30,10 @@ std::string listed(const std::vector<std::string>& names) {
     return text;
 }
 
+void complainOf(const std::string& where, const std::string& text) {
+    complain(where + ": " + text);
+}
+
 // What the library says of montage files and definitions is the user's business too.
 class HeardWarnings {
   public:
@@ -45,7 +49,7 @@ class HeardWarnings {
 
     void pass(const std::string& where) const {
         for (const std::string& text : m_texts)
-            complain(where + ": " + text);
+            complainOf(where, text);
     }
 
   private:
@@ -61,9 +65,9 @@ void remarkOnWhatIsLeftOut(const SourceMontage& montage, const std::string& wher
 }
 
 std::string validReferences(const SourceMontage& montage) {
-    std::vector<std::string> names;
-    for (int i = 0; i < montage.avgRefCount(); ++i)
-        names.emplace_back(montage.avgRef(i)->name());
+    std::vector<std::string> names(static_cast<std::size_t>(montage.avgRefCount()));
+    for (std::size_t i = 0; i < names.size(); ++i)
+        names[i] = montage.avgRef(static_cast<int>(i))->name();
     return listed(names) + (names.empty() ? "" : " or ") + "an electrode of the recording";
 }
 

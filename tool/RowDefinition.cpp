@@ -25,7 +25,7 @@ RowPart plainPart(const std::string& text, const ChannelNames& names) {
 
 // A term of an average; a weight that is no number is NaN.
 RowPart termOf(const std::string& text, const ChannelNames& names) {
-    const RowPart plain = plainPart(text, names);
+    RowPart plain = plainPart(text, names);
     const std::size_t colon = text.rfind(':');
     if (plain.channel >= 0 || colon == std::string::npos)
         return plain;
