@@ -4,6 +4,8 @@
 #include "kvsig/registry/types/FileTypes.h"
 #include "kvsig/util/NeighbourFile.h"
 
+#include <algorithm>
+#include <iterator>
 #include <sstream>
 
 namespace kvsig::tool {
@@ -41,8 +43,8 @@ std::string layoutText(const Selection& selection, double calibration, const std
     writeFileInfo(text, info);
     text << '\n';
     std::vector<std::string> names;
-    for (const Row& row : rows)
-        names.push_back(row.name);
+    std::transform(rows.begin(), rows.end(), std::back_inserter(names),
+                   [](const Row& row) { return row.name; });
     writeChannelNames(text, "ChannelMap", names, reader.refGrid());
     if (showPatient)
         writePatientSection(text, *reader.patientRec());
