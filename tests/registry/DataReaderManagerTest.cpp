@@ -33,6 +33,7 @@ std::string nameOf(DataReaderManager& manager, int type) {
 
 class Registry : public testing::Test {
   protected:
+    DRFactory late; // registered records outlive the registry
     DataReaderManager manager;
 };
 
@@ -81,7 +82,6 @@ TEST_F(Registry, ModesSwitchFormatsOnAndOff) {
     manager.setFileTypeFlag(4);
     EXPECT_EQ(typesOf(manager).size(), 65U);
     // A list refresh applies the mode to what a host registered meanwhile.
-    DRFactory late;
     late.type = 77;
     late.name = "Late (*.lat)";
     manager.setFileTypeFlag(2);
