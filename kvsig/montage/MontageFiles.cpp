@@ -2,6 +2,7 @@
 
 #include "kvsig/montage/MontageSearch.h"
 #include "kvsig/montage/MontageText.h"
+#include "kvsig/montage/ShippedMontages.h"
 #include "kvsig/montage/names/ReservedNames.h"
 #include "kvsig/util/LogSink.h"
 #include "kvsig/util/StandardFolders.h"
@@ -26,17 +27,19 @@ std::optional<std::string> hostDirectory; // never set: none, and all the other 
 std::string hostFile;
 std::istream* hostStream = nullptr;
 
-enum class Form { templates, sections, byContent };
+enum class Form { templates, sections, byContent, builtIn };
 
-/// A file to look at, or the stream in its place.
+/// A file to look at, or the stream in its place, or what is built in.
 struct Candidate {
     Form form = Form::sections;
     std::string path;
     std::istream* stream = nullptr;
 };
 
+bool isCurrentFolderAlone() { return hostDirectory && hostDirectory->empty(); }
+
 std::vector<std::string> folders() {
-    if (hostDirectory && hostDirectory->empty())
+    if (isCurrentFolderAlone())
         return {""};
     std::vector<std::string> all;
     if (hostDirectory)
@@ -68,11 +71,14 @@ std::vector<Candidate> candidates() {
         else if (!hostStream)
             all.push_back({Form::sections, inFolder(szINIMontageFile)});
     }
+    if (!isCurrentFolderAlone())
+        all.push_back({Form::builtIn, "the built-in montages"});
     return all;
 }
 
 bool isTemplates(const Candidate& file, std::string_view text) {
-    return file.form == Form::templates || (file.form == Form::byContent && isXML(text));
+    return file.form == Form::templates || file.form == Form::builtIn ||
+           (file.form == Form::byContent && isXML(text));
 }
 
 void logUnreadable(const Candidate& file, const std::string& reason) {
@@ -81,6 +87,8 @@ void logUnreadable(const Candidate& file, const std::string& reason) {
 
 // A file that is not there is no fault.
 std::optional<std::string> textOf(const Candidate& file) {
+    if (file.form == Form::builtIn)
+        return std::string(shippedMontages());
     std::error_code ignored;
     if (!fs::exists(file.path, ignored))
         return std::nullopt;

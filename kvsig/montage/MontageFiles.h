@@ -15,6 +15,7 @@
 ///   the current directory
 ///   the user's configuration directory (~/.config/kvsig)
 ///   the directory of what is installed with the library
+///   what is built into the library: the same templates
 ///
 /// Template names are compared as they stand, section names without regard to letter case. Files
 /// of more than 1 MiB are not read. What is set here holds for the whole process and is to be set
