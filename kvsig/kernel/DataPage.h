@@ -1,7 +1,5 @@
 #pragma once
 
-#include "kvsig/util/Export.h"
-
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -16,7 +14,7 @@ inline constexpr std::int64_t maxPageBytes = std::int64_t{1} << 30;
 /// Storage of raw samples. Fresh memory is zero and costs nothing until it is written: a short
 /// recording whose header claims a huge sampling rate has pages of a gigabyte with a few samples in
 /// them.
-class KVSIG_API PageBuffer {
+class PageBuffer {
   public:
     /// Makes room for `bytes` bytes; what a buffer large enough holds stays in it. False when that
     /// is over maxPageBytes or memory runs out; the buffer is then empty.

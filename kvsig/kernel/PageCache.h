@@ -1,7 +1,6 @@
 #pragma once
 
 #include "kvsig/kernel/DataPage.h"
-#include "kvsig/util/Export.h"
 
 #include <cstdint>
 #include <deque>
@@ -37,7 +36,7 @@ class PageSource {
 
 /// The pages of a recording, sorted by start. A page is read when a sample of it is asked for; once
 /// `maxPages` are held, reading forward recycles the lowest page and reading backward the highest.
-class KVSIG_API PageCache {
+class PageCache {
   public:
     /// The page that holds `index`, read if need be; null before sample 0, past the last sample and
     /// when memory for it cannot be had. Valid until the next call.

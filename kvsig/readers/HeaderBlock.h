@@ -1,6 +1,5 @@
 #pragma once
 
-#include "kvsig/util/Export.h"
 #include "kvsig/util/File.h"
 
 #include <cstddef>
@@ -12,7 +11,7 @@
 namespace kvsig {
 
 /// The start of a file, held in memory. What the file does not hold reads as zeros.
-class KVSIG_API HeaderBlock {
+class HeaderBlock {
   public:
     HeaderBlock() = default;
     explicit HeaderBlock(std::vector<std::byte> bytes) : m_bytes(std::move(bytes)) {}
@@ -28,7 +27,7 @@ class KVSIG_API HeaderBlock {
 
 /// The text of a fixed-width field: `width` bytes at `offset`, up to the first NUL, without
 /// trailing blanks. Bytes that the block does not hold count as NUL.
-[[nodiscard]] KVSIG_API std::string readHeaderField(const HeaderBlock& header, std::int64_t offset,
-                                                    int width);
+[[nodiscard]] std::string readHeaderField(const HeaderBlock& header, std::int64_t offset,
+                                          int width);
 
 } // namespace kvsig

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "kvsig/util/Export.h"
-
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -17,7 +15,7 @@ namespace kvsig {
 /// it, none at first. Names are compared as they stand. Texts come out as UTF-8. External entities,
 /// document types and entity definitions are never read; documents of more than maxBytes or nested
 /// deeper than maxDepth are refused. One object is used from one thread at a time.
-class KVSIG_API XmlReader {
+class XmlReader {
   public:
     static constexpr std::size_t maxBytes = std::size_t{16} << 20;
     static constexpr int maxDepth = 64;
