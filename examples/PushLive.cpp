@@ -13,9 +13,10 @@
 constexpr int rate = 200;             // hertz
 constexpr int pageSamples = 5 * rate; // a page is five seconds
 constexpr long pages = 6;             // as long as this recording may become
-constexpr const char* attributes = "[FileInfo]\nFileType=PushableData\nSamplingRate=200\n"
-                                   "HeaderLength=0\nCalibration=0.1\nWaveformCount=2\nDataType=0\n"
-                                   "[ChannelMap]\nC3-Ref=1\nC4-Ref=2\n";
+constexpr const char* attributes =
+    "[FileInfo]\nFile=live.raw\nFileType=PushableData\nSamplingRate=200\n"
+    "HeaderLength=0\nCalibration=0.1\nWaveformCount=2\nDataType=0\n"
+    "[ChannelMap]\nC3-Ref=1\nC4-Ref=2\n";
 
 // In place of an amplifier: 10 Hz in both channels, and an offset that a filter takes off.
 std::vector<short> deliver(long page) {

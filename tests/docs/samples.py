@@ -22,9 +22,10 @@ import re
 import subprocess
 import sys
 import tempfile
+import textwrap
 
-BLOCK = re.compile(r"^(?:<!-- *(?P<mark>[a-z ]+): *(?P<of>.*?) *-->\n)?```(?P<kind>\w*)\n(?P<text>.*?)^```$",
-                   re.M | re.S)
+BLOCK = re.compile(r"^(?: *<!-- *(?P<mark>[a-z ]+): *(?P<of>.*?) *-->\n)?"
+                   r"(?P<indent> *)```(?P<kind>\w*)\n(?P<text>.*?)^(?P=indent)```$", re.M | re.S)
 class Failure(Exception):
     pass
 
@@ -112,6 +113,7 @@ def main():
             run(["kvsig", "synth", "-q", "-o", "night.edf", "--duration", "60"])
             for block in BLOCK.finditer(text):
                 mark, of, kind, sample = block.group("mark", "of", "kind", "text")
+                sample = textwrap.dedent(sample)
                 if mark == "not run":
                     continue
                 if mark == "from":
