@@ -3,8 +3,8 @@
 #include "kvsig/filters/IIRNotch.h"
 #include "kvsig/montage/AvgSource.h"
 #include "kvsig/montage/G1G2Source.h"
-#include "kvsig/montage/SourceMontage.h"
 #include "tool/ChannelNames.h"
+#include "tool/LeftOut.h"
 #include "tool/Recording.h"
 #include "tool/RowDefinition.h"
 #include "tool/SignalOptions.h"
@@ -49,7 +49,9 @@ class Rows final : public MontageContext {
   private:
     bool selectChannels(const std::string& list);
     bool selectMontage(const MontageChoice& choice, bool keepGaps);
-    void addMontageRow(DataSource& source);
+    /// False with a remark when the row's channels cannot be combined.
+    bool addMontageRow(DataSource& source);
+    void addGap(DataSource& source);
     bool add(const std::string& text);
     void addRecorded(int channel);
     bool addDifference(const RowDefinition& definition);
@@ -75,7 +77,7 @@ class Rows final : public MontageContext {
     std::vector<Row> m_rows;
     std::vector<std::unique_ptr<DataSource>> m_sources;
     std::vector<std::unique_ptr<AvgSource>> m_averages;
-    SourceMontage m_montage;
+    TrackedMontage m_montage;
     std::deque<IIRNotch> m_notches;
 };
 
