@@ -3,7 +3,6 @@
 #include "kvsig/montage/DataSource.h"
 #include "kvsig/montage/FilterDesign.h"
 #include "kvsig/util/Text.h"
-#include "tool/PhysicalValues.h"
 #include "tool/Words.h"
 
 #include <algorithm>
@@ -213,6 +212,9 @@ Row Rows::recordedRow(int channel) const {
     const PhysicalMap map = physicalMapOf(reader, channel);
     row.gain = map.gain;
     row.offset = map.offset;
+    row.place = m_recording->placeOf(channel);
+    if (row.place.reader->samplingRate() == reader.samplingRate())
+        row.countMap = countMapOf(reader, channel);
     row.microvolts = reader.channelType(channel) != otherUnitType;
     return row;
 }

@@ -5,12 +5,14 @@
 #include "kvsig/montage/G1G2Source.h"
 #include "tool/ChannelNames.h"
 #include "tool/LeftOut.h"
+#include "tool/PhysicalValues.h"
 #include "tool/Recording.h"
 #include "tool/RowDefinition.h"
 #include "tool/SignalOptions.h"
 
 #include <deque>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -25,6 +27,11 @@ struct Row {
     int channel = -1;    ///< the recorded channel, or -1 for a derivation
     double gain = 1.0;   ///< the scale that gives physical units
     double offset = 0.0; ///< added to the scaled values; 0 for derivations
+    /// Of a recorded channel: where its counts are, and what they mean. Without it, as of
+    /// derivations and where a pair stretches a slower recording, values come from the source
+    /// alone.
+    Recording::Place place{nullptr, -1};
+    std::optional<CountMap> countMap;
     bool microvolts = true;
     bool gap = false; ///< an empty row that sets others apart
 };
