@@ -12,6 +12,8 @@ constexpr std::size_t usualAnchors = 10;
 // a hostile pair of anchors costs no more than an honest one; where a day is below the resolution
 // of the time, there is nothing left to add.
 double movedPast(double time, double last) {
+    if (time >= last)
+        return time;
     constexpr double manyDays = 30.0;
     const double days = std::floor((last - time) / secondsPerDay);
     if (!std::isfinite(days))

@@ -27,9 +27,9 @@ constexpr ReadableFormat formats[] = {
     {interleavedType, make<InterleavedReader>, nullptr},
     {6, make<EDF90Reader>, EDF90Reader::isFileType},
     {snapshotType, make<SnapshotReader>, nullptr},
-    {41, make<LifelinesReader>, nullptr},
+    {41, make<LifelinesReader>, EDF90Reader::isFileType},
     {pushableType, make<PushableReader>, nullptr},
-    {47, make<TelefactorEDFReader>, nullptr},
+    {47, make<TelefactorEDFReader>, EDF90Reader::isFileType},
     {48, make<BDFReader>, BDFReader::isFileType},
 };
 

@@ -64,6 +64,19 @@ TEST_F(FrontDoor, TellsFormatsByContentNotByName) {
     }
 }
 
+TEST_F(FrontDoor, TheHostsOrderChoosesAmongReadersOfOneContent) {
+    const std::string path = write("a.edf", edf);
+    const std::vector<const char*> before = GetDataReaderSortOrder();
+    for (const auto& [name, type] : {std::pair("Lifelines (*.edf)", 41),
+                                     {"TelefactorEDF (*.edf)", 47},
+                                     {"EDF90 (*.edf)", 6}}) {
+        SetDataReaderSortOrder({name});
+        EXPECT_EQ(DetectFileType(path.c_str()), type);
+    }
+    SetDataReaderSortOrder(before);
+    EXPECT_EQ(DetectFileType(path.c_str()), 6);
+}
+
 TEST_F(FrontDoor, AGivenTypeChoosesTheReader) {
     const std::string path = write("a.edf", edf);
     const struct {
@@ -129,6 +142,10 @@ TEST_F(FrontDoor, TheLicenceCheckGuardsEveryAllocation) {
     EXPECT_EQ(_KrnlAllocReaderEx(6, name), nullptr);
     EXPECT_EQ(_KrnlAllocReaderEx(pairType(6, 6), (path + "*" + path).c_str()), nullptr);
     EXPECT_FALSE(openReader(path.c_str(), 0, &error));
+    int asked = 0;
+    KrnlSetLicenceCheck([&asked] { return ++asked > 0; });
+    EXPECT_EQ(_KrnlAllocReaderEx(-1, name), nullptr);
+    EXPECT_EQ(asked, 1) << "without a reader too";
     KrnlSetLicenceCheck({});
     EXPECT_THAT(error, HasSubstr("licence"));
     EXPECT_THAT(log.take(), testing::Contains(HasSubstr("licence check refuses")));
