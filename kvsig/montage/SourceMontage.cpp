@@ -9,6 +9,7 @@
 #include "kvsig/montage/MontageLoader.h"
 #include "kvsig/montage/MontageSearch.h"
 #include "kvsig/montage/ReferenceAnalysis.h"
+#include "kvsig/montage/RowsAtOnce.h"
 #include "kvsig/montage/names/Derivation.h"
 #include "kvsig/montage/names/References.h"
 #include "kvsig/montage/names/ReservedNames.h"
@@ -312,6 +313,14 @@ bool SourceMontage::updateState(const ClientEvent& event) {
     updateFilters();
     flushCache();
     return true;
+}
+
+int SourceMontage::getData(long first, long last, float* const* rows, double scale) {
+    RowsAtOnce together(first, last, scale, m_rowWork);
+    for (std::size_t i = 0; rows && i < m_sources.size(); ++i)
+        if (rows[i])
+            together.add(*m_sources[i], rows[i]);
+    return together.finish();
 }
 
 void SourceMontage::updateFilters() {

@@ -116,6 +116,16 @@ class KVSIG_API SourceMontage : public MontageBase, public MontageContext {
     /// Filters are rebuilt and caches emptied. True when something changed.
     virtual bool updateState(const ClientEvent& event);
 
+    /// Samples `first`..`last` (both inclusive, at the reader's common rate) of all rows: what
+    /// source(i)->getData(first, last, rows[i], scale) gives one after the other, bit by bit, gap
+    /// rows, caches and the filters' states included, but several times as fast where rows have
+    /// equal filters, as the montage-wide ones are. `rows` holds sourceCount() pointers to buffers
+    /// of last - first + 1 floats, none of which overlap; a null pointer leaves its row out.
+    /// Returns the smallest count that a row delivered; 0 when there is no row to deliver and for
+    /// null `rows`. Up to 8 MiB of working memory are kept. Like all of a montage, it is used from
+    /// one thread at a time.
+    int getData(long first, long last, float* const* rows, double scale);
+
     /// Rebuilds the filter chain of every row from the settings of the montage and of the row:
     /// low-pass, high-pass, notch. A setting whose cutoff is not finite or not above 0 is off, and
     /// so is a notch whose `second` is below 0. A notch whose `second` is 0 has no width and
@@ -177,6 +187,7 @@ class KVSIG_API SourceMontage : public MontageBase, public MontageContext {
     std::vector<std::unique_ptr<AvgSource>> m_averages;
     std::vector<std::string> m_unresolved;
     bool m_toldNoAverages = false;
+    std::vector<float> m_rowWork; ///< kept from one getData() to the next
 };
 
 } // namespace kvsig
