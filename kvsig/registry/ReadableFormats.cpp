@@ -1,6 +1,7 @@
 #include "kvsig/registry/ReadableFormats.h"
 
 #include "kvsig/readers/BDFReader.h"
+#include "kvsig/readers/CyberkineticsReader.h"
 #include "kvsig/readers/EDF90Reader.h"
 #include "kvsig/readers/InterleavedReader.h"
 #include "kvsig/readers/LifelinesReader.h"
@@ -31,6 +32,7 @@ constexpr ReadableFormat formats[] = {
     {pushableType, make<PushableReader>, nullptr},
     {47, make<TelefactorEDFReader>, nullptr},
     {48, make<BDFReader>, BDFReader::isFileType},
+    {54, make<CyberkineticsReader>, CyberkineticsReader::isFileType},
 };
 
 const ReadableFormat* readableFormat(ReaderType type) {

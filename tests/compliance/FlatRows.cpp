@@ -1,0 +1,58 @@
+#include "compliance/ReaderRow.h"
+#include "kvsig/readers/CyberkineticsReader.h"
+#include "support/BlackrockFile.h"
+
+namespace kvsig::test {
+namespace {
+
+template <typename Reader>
+ReaderRow row(const char* name, int type, SampleRecording (*sample)()) {
+    return {name, type, 0, sample, [] { return std::make_unique<Reader>(); }};
+}
+
+constexpr long frames = 765; // 25.5 s: several pages of five seconds, the last one short
+
+SampleRecording blackrock(BlackrockFile file) {
+    file.period(1000).channels(3);
+    SampleRecording made;
+    made.fileName = "sample.ns1";
+    made.channels = 3;
+    made.samplingRate = 30.0;
+    made.sampleCount = made.storedSampleCount = frames;
+    made.startClock = 14 * 3600 + 7 * 60 + 9.25;
+    made.boundaries = file.boundaries();
+    made.bytes = file.append("stray").bytes();
+    made.raw = [](int channel, long index) { return rampCount(channel, index); };
+    return made;
+}
+
+SampleRecording blackrockBare() {
+    SampleRecording made = blackrock(BlackrockFile("NEURALSG", 0, 0).block(0, frames));
+    made.startClock = 0;
+    return made;
+}
+
+SampleRecording blackrockBlocks() {
+    return blackrock(BlackrockFile("NEURALCD", 2, 3).block(0, frames));
+}
+
+// A network clock: every sample is a block of its own.
+SampleRecording blackrockNetwork() {
+    BlackrockFile file("BRSMPGRP", 3, 0);
+    file.ticks(1'000'000'000);
+    for (std::uint64_t i = 0; i < frames; ++i)
+        file.block(i * 33'333'333, 1);
+    return blackrock(file);
+}
+
+} // namespace
+
+std::vector<ReaderRow> flatRows() {
+    return {
+        row<CyberkineticsReader>("Blackrock21", 54, blackrockBare),
+        row<CyberkineticsReader>("Blackrock23", 54, blackrockBlocks),
+        row<CyberkineticsReader>("Blackrock30", 54, blackrockNetwork),
+    };
+}
+
+} // namespace kvsig::test
