@@ -45,6 +45,8 @@
 #include "kvsig/readers/FlatReader.h"
 #include "kvsig/readers/InterleavedReader.h"
 #include "kvsig/readers/LifelinesReader.h"
+#include "kvsig/readers/MicromedReader.h"
+#include "kvsig/readers/NeuroscanReader.h"
 #include "kvsig/readers/PushableReader.h"
 #include "kvsig/readers/SnapshotReader.h"
 #include "kvsig/readers/SyncReader.h"

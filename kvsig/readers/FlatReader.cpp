@@ -56,7 +56,7 @@ bool FlatReader::openFile() {
 
 // What a format hands over comes from a file: nothing of it is believed.
 bool FlatReader::accept() {
-    const FlatRecording& recording = m_flat->recording;
+    FlatRecording& recording = m_flat->recording;
     if (!(recording.rate > 0) || !std::isfinite(recording.rate))
         return refuse(2, "the sampling rate is " + shortestText(recording.rate) + " Hz");
     if (recording.channels.empty() || recording.channels.size() > mostChannels)
@@ -69,6 +69,10 @@ bool FlatReader::accept() {
             m_flat->latestStarts.empty() ? segment.start : m_flat->latestStarts.back();
         m_flat->latestStarts.push_back(std::max(before, segment.start));
     }
+    // A channel without a name is called by its number.
+    for (std::size_t c = 0; c < recording.channels.size(); ++c)
+        if (recording.channels[c].grid1.empty())
+            recording.channels[c].grid1 = std::to_string(c + 1);
     const auto& pieces = recording.tracks.front().pieces;
     setHeaderLength(saturate<long>(pieces.empty() ? 0 : pieces.front().offset));
     setChannelCount(saturate<int>(recording.channels.size()));
@@ -139,8 +143,11 @@ bool FlatReader::getPatientRec() {
     const FlatRecording& recording = m_flat->recording;
     PatientRec& patient = *patientRec();
     patient = recording.patient;
-    copyText(patient.testDate, recording.start.dateText());
-    copyText(patient.testTime, recording.start.timeText());
+    // What is no date stays as the format gave it.
+    if (recording.start.hasDate())
+        copyText(patient.testDate, recording.start.dateText());
+    if (recording.start.hasTime())
+        copyText(patient.testTime, recording.start.timeText());
     return true;
 }
 

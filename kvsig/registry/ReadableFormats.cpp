@@ -5,6 +5,8 @@
 #include "kvsig/readers/EDF90Reader.h"
 #include "kvsig/readers/InterleavedReader.h"
 #include "kvsig/readers/LifelinesReader.h"
+#include "kvsig/readers/MicromedReader.h"
+#include "kvsig/readers/NeuroscanReader.h"
 #include "kvsig/readers/PushableReader.h"
 #include "kvsig/readers/SnapshotReader.h"
 #include "kvsig/readers/TelefactorEDFReader.h"
@@ -27,9 +29,11 @@ std::unique_ptr<DataReader> make() {
 constexpr ReadableFormat formats[] = {
     {interleavedType, make<InterleavedReader>, nullptr},
     {6, make<EDF90Reader>, EDF90Reader::isFileType},
+    {28, make<MicromedReader>, MicromedReader::isFileType},
     {snapshotType, make<SnapshotReader>, nullptr},
     {41, make<LifelinesReader>, nullptr},
     {pushableType, make<PushableReader>, nullptr},
+    {46, make<NeuroscanReader>, NeuroscanReader::isFileType},
     {47, make<TelefactorEDFReader>, nullptr},
     {48, make<BDFReader>, BDFReader::isFileType},
     {54, make<CyberkineticsReader>, CyberkineticsReader::isFileType},
