@@ -9,7 +9,7 @@ struct Zone {
 };
 // In the order of the file; room for six electrodes.
 constexpr Zone zones[] = {
-    {"ORDER", 16},  {"LABCOD", 768}, {"NOTE", 220},   {"FLAGS", 40},   {"TRONCA", 40},
+    {"ORDER", 16},  {"LABCOD", 768}, {"NOTE", 440},   {"FLAGS", 40},   {"TRONCA", 40},
     {"IMPED_B", 4}, {"IMPED_E", 4},  {"MONTAGE", 8},  {"COMPRESS", 4}, {"AVERAGE", 4},
     {"HISTORY", 4}, {"DVIDEO", 4},   {"EVENT A", 36}, {"EVENT B", 36}, {"TRIGGER", 36},
 };
