@@ -27,6 +27,17 @@ constexpr double usualPageSeconds = 5; // what open() asks for
 constexpr std::int64_t mostSamples = std::numeric_limits<std::int32_t>::max();
 constexpr std::size_t mostChannels = std::numeric_limits<std::int16_t>::max();
 
+// The start of a text; a character of UTF-8 that would be cut in two is left out.
+std::string fittingPart(const std::string& text, std::size_t most) {
+    std::size_t end = std::min(text.size(), most);
+    const auto continues = [&] {
+        return end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U;
+    };
+    for (int back = 0; back < 3 && end > 0 && continues(); ++back)
+        --end;
+    return text.substr(0, end);
+}
+
 } // namespace
 
 struct FlatReader::State {
@@ -166,7 +177,7 @@ int FlatReader::readEvents(std::deque<ClientEvent>& events) {
     for (const FlatEvent& event : listed) {
         ClientEvent& added = events.emplace_back();
         copyText(added.label, event.label);
-        copyText(added.stateText, event.text);
+        copyText(added.stateText, fittingPart(event.text, sizeof added.stateText - 1));
         added.sample = event.sample;
         added.duration = event.duration;
     }

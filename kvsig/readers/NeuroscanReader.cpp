@@ -133,7 +133,8 @@ bool NeuroscanReader::findPlaces(const FlatRecording& recording, Places& places)
                              " bytes");
     // The offset has 32 bits; in longer files another field has the upper ones.
     places.announced = valueOf(header, eventTable);
-    if (size > fourGiB)
+    if (constexpr std::uint32_t mostUpper = 0xFFFF; // beyond it lies no file
+        size > fourGiB && valueOf(header, previousFile) <= mostUpper)
         places.announced += fourGiB * valueOf(header, previousFile);
     places.bytes = sampleBytes(recording, places);
     const auto inside = [&](std::int64_t offset) { return offset > places.data && offset <= size; };
@@ -277,7 +278,8 @@ bool NeuroscanReader::standsInBlocks(const FlatRecording& recording, const Place
 void NeuroscanReader::describePatient(FlatRecording& recording) {
     const HeaderBlock header = headerOf(recording);
     PatientRec& patient = recording.patient;
-    if (const std::string name = valueOf(header, patientName); name != "Unspecified")
+    if (const std::string name = valueOf(header, patientName);
+        !name.empty() && name != "Unspecified")
         patient.setName(name);
     copyText(patient.id, valueOf(header, subjectId));
     copyText(patient.sex, valueOf(header, sex));
