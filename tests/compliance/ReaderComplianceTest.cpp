@@ -321,10 +321,13 @@ INSTANTIATE_TEST_SUITE_P(Edf, ReaderCompliance, testing::ValuesIn(test::edfRows(
 INSTANTIATE_TEST_SUITE_P(Raw, ReaderCompliance, testing::ValuesIn(test::rawRows()),
                          [](const auto& row) { return std::string(row.param.name); });
 
+INSTANTIATE_TEST_SUITE_P(Flat, ReaderCompliance, testing::ValuesIn(test::flatRows()),
+                         [](const auto& row) { return std::string(row.param.name); });
+
 // A format is readable when its reader has passed the kit, and when users are told.
 TEST(ReaderComplianceRows, CoverEveryReadableFormat) {
     std::set<int> types;
-    for (const auto& rows : {test::edfRows(), test::rawRows()})
+    for (const auto& rows : {test::edfRows(), test::rawRows(), test::flatRows()})
         for (const ReaderRow& row : rows)
             types.insert(row.type);
     for (const ReadableFormat& format : readableFormats())

@@ -44,5 +44,7 @@ inline void PrintTo(const ReaderRow& row, std::ostream* stream) { *stream << row
 std::vector<ReaderRow> edfRows();
 /// The rows of recordings that an attribute file describes.
 std::vector<ReaderRow> rawRows();
+/// The rows of formats that stand on FlatReader.
+std::vector<ReaderRow> flatRows();
 
 } // namespace kvsig::test
