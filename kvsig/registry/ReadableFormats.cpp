@@ -5,6 +5,7 @@
 #include "kvsig/readers/EDF90Reader.h"
 #include "kvsig/readers/InterleavedReader.h"
 #include "kvsig/readers/LifelinesReader.h"
+#include "kvsig/readers/NK2100Reader.h"
 #include "kvsig/readers/PushableReader.h"
 #include "kvsig/readers/SnapshotReader.h"
 #include "kvsig/readers/TelefactorEDFReader.h"
@@ -27,6 +28,7 @@ std::unique_ptr<DataReader> make() {
 constexpr ReadableFormat formats[] = {
     {interleavedType, make<InterleavedReader>, nullptr},
     {6, make<EDF90Reader>, EDF90Reader::isFileType},
+    {19, make<NK2100Reader>, NK2100Reader::isFileType},
     {snapshotType, make<SnapshotReader>, nullptr},
     {41, make<LifelinesReader>, nullptr},
     {pushableType, make<PushableReader>, nullptr},

@@ -1,6 +1,8 @@
 #include "compliance/ReaderRow.h"
 #include "kvsig/readers/CyberkineticsReader.h"
+#include "kvsig/readers/NK2100Reader.h"
 #include "support/BlackrockFile.h"
+#include "support/NihonKohdenFile.h"
 
 namespace kvsig::test {
 namespace {
@@ -45,6 +47,21 @@ SampleRecording blackrockNetwork() {
     return blackrock(file);
 }
 
+SampleRecording nihonKohden() {
+    const NihonKohdenFile file =
+        NihonKohdenFile().rate(30).codes({0, 1, 42}).block("20190403160016", frames);
+    SampleRecording made;
+    made.fileName = "sample.EEG";
+    made.channels = 3;
+    made.samplingRate = 30.0;
+    made.sampleCount = made.storedSampleCount = frames;
+    made.startClock = 16 * 3600 + 16;
+    made.boundaries = file.boundaries();
+    made.bytes = file.bytes();
+    made.raw = [](int channel, long index) { return rampCount(channel, index); };
+    return made;
+}
+
 } // namespace
 
 std::vector<ReaderRow> flatRows() {
@@ -52,6 +69,7 @@ std::vector<ReaderRow> flatRows() {
         row<CyberkineticsReader>("Blackrock21", 54, blackrockBare),
         row<CyberkineticsReader>("Blackrock23", 54, blackrockBlocks),
         row<CyberkineticsReader>("Blackrock30", 54, blackrockNetwork),
+        row<NK2100Reader>("NihonKohden", 19, nihonKohden),
     };
 }
 
