@@ -46,6 +46,7 @@
 #include "kvsig/readers/InterleavedReader.h"
 #include "kvsig/readers/LifelinesReader.h"
 #include "kvsig/readers/NK2100Reader.h"
+#include "kvsig/readers/NervusReader.h"
 #include "kvsig/readers/PushableReader.h"
 #include "kvsig/readers/SnapshotReader.h"
 #include "kvsig/readers/SyncReader.h"

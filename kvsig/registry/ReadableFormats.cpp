@@ -6,6 +6,7 @@
 #include "kvsig/readers/InterleavedReader.h"
 #include "kvsig/readers/LifelinesReader.h"
 #include "kvsig/readers/NK2100Reader.h"
+#include "kvsig/readers/NervusReader.h"
 #include "kvsig/readers/PushableReader.h"
 #include "kvsig/readers/SnapshotReader.h"
 #include "kvsig/readers/TelefactorEDFReader.h"
@@ -34,6 +35,7 @@ constexpr ReadableFormat formats[] = {
     {pushableType, make<PushableReader>, nullptr},
     {47, make<TelefactorEDFReader>, nullptr},
     {48, make<BDFReader>, BDFReader::isFileType},
+    {52, make<NervusReader>, NervusReader::isFileType},
     {54, make<CyberkineticsReader>, CyberkineticsReader::isFileType},
 };
 

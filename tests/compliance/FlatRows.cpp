@@ -1,7 +1,9 @@
 #include "compliance/ReaderRow.h"
 #include "kvsig/readers/CyberkineticsReader.h"
 #include "kvsig/readers/NK2100Reader.h"
+#include "kvsig/readers/NervusReader.h"
 #include "support/BlackrockFile.h"
+#include "support/NervusFile.h"
 #include "support/NihonKohdenFile.h"
 
 namespace kvsig::test {
@@ -62,6 +64,28 @@ SampleRecording nihonKohden() {
     return made;
 }
 
+// The third channel has a third of the others' rate.
+SampleRecording nervus() {
+    const NervusFile::Made file = NervusFile()
+                                      .channel({.label = "Fp1", .rate = 30})
+                                      .channel({.label = "Fp2", .rate = 30})
+                                      .channel({.label = "SpO2", .rate = 10})
+                                      .segment(oleDays(2014, 3, 26, 50829.25), 25.5)
+                                      .make();
+    SampleRecording made;
+    made.fileName = "sample.e";
+    made.channels = 3;
+    made.samplingRate = 30.0;
+    made.sampleCount = made.storedSampleCount = frames;
+    made.startClock = 50829.25;
+    made.boundaries = file.boundaries;
+    made.bytes = file.bytes;
+    made.raw = [](int channel, long index) {
+        return rampCount(channel, channel == 2 ? index / 3 : index);
+    };
+    return made;
+}
+
 } // namespace
 
 std::vector<ReaderRow> flatRows() {
@@ -70,6 +94,7 @@ std::vector<ReaderRow> flatRows() {
         row<CyberkineticsReader>("Blackrock23", 54, blackrockBlocks),
         row<CyberkineticsReader>("Blackrock30", 54, blackrockNetwork),
         row<NK2100Reader>("NihonKohden", 19, nihonKohden),
+        row<NervusReader>("Nervus", 52, nervus),
     };
 }
 
