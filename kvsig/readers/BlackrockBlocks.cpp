@@ -75,7 +75,7 @@ BlockScan scanBlocks(const File& file, const BlockLayout& layout) {
     std::optional<Block> open; // the first block of no frames: empty, or never closed
     std::size_t runsBeforeOpen = 0;
     bool broken = false;
-    for (std::int64_t offset = layout.offset; offset < size;) {
+    for (std::int64_t offset = layout.offset; offset < size && scan.runs.size() <= mostRuns;) {
         const std::int64_t data = offset + layout.headBytes();
         if (data > size) {
             scan.oddities.push_back("its last " + std::to_string(size - offset) +
@@ -117,6 +117,8 @@ BlockScan scanBlocks(const File& file, const BlockLayout& layout) {
     // A recording that was never closed has no count in its last block. When blocks can be walked
     // from there to the very end of the file, it was an empty one.
     const std::int64_t data = open->offset + layout.headBytes();
+    if (scan.runs.size() > mostRuns)
+        return scan;
     const bool empty = !broken && scan.runs.size() > runsBeforeOpen;
     if (empty || data == size)
         return scan;

@@ -2,6 +2,7 @@
 
 #include "kvsig/util/File.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -29,6 +30,10 @@ struct Run {
     std::uint64_t lastStamp = 0; ///< of the last block
 };
 
+/// Runs that are read; no recording comes near, and a hostile one must not fill the memory.
+inline constexpr std::size_t mostRuns = std::size_t{1} << 20;
+
+/// Ends early when there are more than mostRuns.
 struct BlockScan {
     std::vector<Run> runs;
     std::vector<std::string> oddities; ///< one sentence each

@@ -261,6 +261,10 @@ bool CyberkineticsReader::findBlocks(FlatRecording& recording, std::int64_t data
     if (wideStamps && valueOf(head, full::ticks) == networkTicks)
         layout.longestStep = static_cast<std::uint64_t>(2.0 * ticks / recording.rate);
     const blackrock::BlockScan scan = blackrock::scanBlocks(recording.samples, layout);
+    if (scan.runs.size() > blackrock::mostRuns)
+        return refuse(3, "more than " + std::to_string(blackrock::mostRuns) +
+                             " data blocks with pauses between them are a variant that is not "
+                             "read");
     for (const std::string& oddity : scan.oddities)
         report(Severity::warning, oddity);
 

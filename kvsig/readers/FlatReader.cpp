@@ -27,6 +27,17 @@ constexpr double usualPageSeconds = 5; // what open() asks for
 constexpr std::int64_t mostSamples = std::numeric_limits<std::int32_t>::max();
 constexpr std::size_t mostChannels = std::numeric_limits<std::int16_t>::max();
 
+// The start of a text; a character of UTF-8 that would be cut in two is left out.
+std::string fittingPart(const std::string& text, std::size_t most) {
+    std::size_t end = std::min(text.size(), most);
+    const auto continues = [&] {
+        return end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U;
+    };
+    for (int back = 0; back < 3 && end > 0 && continues(); ++back)
+        --end;
+    return text.substr(0, end);
+}
+
 } // namespace
 
 struct FlatReader::State {
@@ -56,7 +67,7 @@ bool FlatReader::openFile() {
 
 // What a format hands over comes from a file: nothing of it is believed.
 bool FlatReader::accept() {
-    const FlatRecording& recording = m_flat->recording;
+    FlatRecording& recording = m_flat->recording;
     if (!(recording.rate > 0) || !std::isfinite(recording.rate))
         return refuse(2, "the sampling rate is " + shortestText(recording.rate) + " Hz");
     if (recording.channels.empty() || recording.channels.size() > mostChannels)
@@ -69,6 +80,10 @@ bool FlatReader::accept() {
             m_flat->latestStarts.empty() ? segment.start : m_flat->latestStarts.back();
         m_flat->latestStarts.push_back(std::max(before, segment.start));
     }
+    // A channel without a name is called by its number.
+    for (std::size_t c = 0; c < recording.channels.size(); ++c)
+        if (recording.channels[c].grid1.empty())
+            recording.channels[c].grid1 = std::to_string(c + 1);
     const auto& pieces = recording.tracks.front().pieces;
     setHeaderLength(saturate<long>(pieces.empty() ? 0 : pieces.front().offset));
     setChannelCount(saturate<int>(recording.channels.size()));
@@ -139,8 +154,11 @@ bool FlatReader::getPatientRec() {
     const FlatRecording& recording = m_flat->recording;
     PatientRec& patient = *patientRec();
     patient = recording.patient;
-    copyText(patient.testDate, recording.start.dateText());
-    copyText(patient.testTime, recording.start.timeText());
+    // What is no date stays as the format gave it.
+    if (recording.start.hasDate())
+        copyText(patient.testDate, recording.start.dateText());
+    if (recording.start.hasTime())
+        copyText(patient.testTime, recording.start.timeText());
     return true;
 }
 
@@ -159,7 +177,7 @@ int FlatReader::readEvents(std::deque<ClientEvent>& events) {
     for (const FlatEvent& event : listed) {
         ClientEvent& added = events.emplace_back();
         copyText(added.label, event.label);
-        copyText(added.stateText, event.text);
+        copyText(added.stateText, fittingPart(event.text, sizeof added.stateText - 1));
         added.sample = event.sample;
         added.duration = event.duration;
     }

@@ -80,7 +80,11 @@ std::string differenceOf(const std::vector<ChannelFacts>& first,
                          const std::vector<ChannelFacts>& other) {
     if (first.size() != other.size())
         return std::to_string(other.size()) + " channels after " + std::to_string(first.size());
-    const auto differing = std::mismatch(first.begin(), first.end(), other.begin()).first;
+    const auto alike = [](const ChannelFacts& a, const ChannelFacts& b) {
+        return a.label == b.label && a.reference == b.reference && a.rate == b.rate &&
+               a.resolution == b.resolution;
+    };
+    const auto differing = std::mismatch(first.begin(), first.end(), other.begin(), alike).first;
     return differing == first.end()
                ? std::string()
                : "channel " + std::to_string(differing - first.begin() + 1) + " in another way";

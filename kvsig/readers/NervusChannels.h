@@ -15,8 +15,6 @@ struct ChannelFacts {
     double rate = 0.0;       ///< hertz
     double resolution = 0.0; ///< microvolts per bit
     double offset = 0.0;
-
-    friend bool operator==(const ChannelFacts&, const ChannelFacts&) = default;
 };
 
 struct ChannelTable {
@@ -26,7 +24,7 @@ struct ChannelTable {
     int error = 0;     ///< the code for it
 };
 
-/// The channels of the recording. All packets must say the same.
+/// The channels of the recording. All packets must say the same but for offsets.
 [[nodiscard]] ChannelTable readChannels(const File& file, const Container& container);
 
 } // namespace kvsig::nervus

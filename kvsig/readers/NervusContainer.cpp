@@ -231,8 +231,13 @@ Container readContainer(const File& file) {
     for (const auto& [name, number] : tagsOf(file)) {
         if (!isWanted(name))
             continue;
-        if (const auto known = seen.emplace(name, number).first; known->second != number)
-            return failed(2, "there are two tags " + name + " with different sections");
+        if (const auto known = seen.emplace(name, number).first; known->second != number) {
+            const std::string twice = "there are two tags " + name + " with different sections";
+            if (name != eventTag && name != patientTag)
+                return failed(2, twice);
+            made.oddities.push_back(twice + ": the first counts");
+            continue;
+        }
         if (const auto owner = owners.emplace(number, name).first; owner->second != name)
             return failed(2, "the tags " + owner->second + " and " + name + " share section " +
                                  std::to_string(number));

@@ -24,6 +24,7 @@ using Severity = OpenFinding::Severity;
 constexpr std::int64_t sampleBytes = 2;
 constexpr FlatInteger storedSample{sampleBytes, true, false};
 constexpr std::int64_t mostSegments = 65536;
+constexpr std::size_t mostStarts = std::size_t{1} << 22; // of segments in all channels
 constexpr double mostSegmentSamples = 1099511627776.0; // 2^40: sums of all segments stay in 64 bits
 constexpr double nearlyWhole = 0.01;                   // samples
 
@@ -185,6 +186,10 @@ bool NervusReader::describeChannels(FlatRecording& recording) {
 // the last piece of a file that was not closed is often shorter than announced.
 bool NervusReader::countSamples(FlatRecording& recording) {
     auto& segments = recording.segments;
+    if (segments.size() * m_state->kept.size() > mostStarts)
+        return refuse(2, std::to_string(segments.size()) + " segments of " +
+                             std::to_string(m_state->kept.size()) +
+                             " channels are more than can be read");
     bool whole = true;
     double announced = 0.0;
     for (std::size_t s = 0; s < segments.size(); ++s) {

@@ -94,13 +94,11 @@ std::string readPatient(const File& file, const Container& container, PatientRec
     const std::int64_t room = std::max<std::int64_t>(held - patient::values, 0);
     const std::uint64_t values = valueOf(block, patient::valueCount);
     const std::uint64_t texts = valueOf(block, patient::textCount);
-    constexpr const char* odd = "the section of the patient is left out: ";
-    if (guidAt(block, 0) != patientTag)
-        return std::string(odd) + "it does not begin with its id";
     if (std::cmp_greater(values, room / patient::itemBytes) ||
         std::cmp_greater(texts, room / patient::itemBytes - static_cast<std::int64_t>(values)))
-        return std::string(odd) + "its " + std::to_string(values) + " values and " +
-               std::to_string(texts) + " texts do not fit its " + std::to_string(held) + " bytes";
+        return "the section of the patient is left out: its " + std::to_string(values) +
+               " values and " + std::to_string(texts) + " texts do not fit its " +
+               std::to_string(held) + " bytes";
     std::int64_t at = patient::values;
     for (std::uint64_t i = 0; i < values; ++i, at += patient::itemBytes)
         if (valueOf(block, patient::id, at) == patient::birth)

@@ -5,8 +5,10 @@
 #include "kvsig/readers/EDF90Reader.h"
 #include "kvsig/readers/InterleavedReader.h"
 #include "kvsig/readers/LifelinesReader.h"
+#include "kvsig/readers/MicromedReader.h"
 #include "kvsig/readers/NK2100Reader.h"
 #include "kvsig/readers/NervusReader.h"
+#include "kvsig/readers/NeuroscanReader.h"
 #include "kvsig/readers/PushableReader.h"
 #include "kvsig/readers/SnapshotReader.h"
 #include "kvsig/readers/TelefactorEDFReader.h"
@@ -30,9 +32,11 @@ constexpr ReadableFormat formats[] = {
     {interleavedType, make<InterleavedReader>, nullptr},
     {6, make<EDF90Reader>, EDF90Reader::isFileType},
     {19, make<NK2100Reader>, NK2100Reader::isFileType},
+    {28, make<MicromedReader>, MicromedReader::isFileType},
     {snapshotType, make<SnapshotReader>, nullptr},
     {41, make<LifelinesReader>, nullptr},
     {pushableType, make<PushableReader>, nullptr},
+    {46, make<NeuroscanReader>, NeuroscanReader::isFileType},
     {47, make<TelefactorEDFReader>, nullptr},
     {48, make<BDFReader>, BDFReader::isFileType},
     {52, make<NervusReader>, NervusReader::isFileType},

@@ -171,6 +171,24 @@ TEST_F(Blackrock, EventsStandAtTheirSamples) {
     EXPECT_THAT(findings().at(0), HasSubstr("another recording"));
 }
 
+TEST_F(Blackrock, EventsOfANetworkClockHaveWideStamps) {
+    BlackrockFile file("BRSMPGRP", 3, 0);
+    file.channels(2).ticks(1'000'000'000);
+    constexpr std::uint64_t epoch = 1'700'000'000'000'000'000; // nanoseconds since 1970
+    for (std::uint64_t i = 0; i < 100; ++i)
+        file.block(epoch + i * 500'000, 1);
+    dir.write("Rec.nev", BlackrockEventFile(true)
+                             .ticks(1'000'000'000)
+                             .digital(epoch + 20'000'000, 65535)
+                             .comment(epoch + 30'000'000, "half ")
+                             .comment(~std::uint64_t{0}, "and half")
+                             .bytes());
+    ASSERT_TRUE(opens(file));
+    EXPECT_EQ(events(), (std::vector<std::string>{"40 65535", "60 half and half"}));
+    EXPECT_DOUBLE_EQ(reader.getClockTime(0.0), start);
+    EXPECT_THAT(findings().at(0), HasSubstr("first time stamp lies 1700000000 s"));
+}
+
 TEST_F(Blackrock, FilesOfVersion21TakeScaleNamesAndTimeFromTheEventFile) {
     const BlackrockFile file = BlackrockFile("NEURALSG", 2, 1).channels(3).block(0, 60).append("x");
     ASSERT_TRUE(opens(file));

@@ -214,13 +214,13 @@ TEST(RegistryAllocation, HoldsToTheGatesOfTheMode) {
 
 TEST(RegistryAllocation, StampsTypeAndName) {
     DataReaderManager manager;
-    CString name = "rec.trc";
-    IDataReader* reader = manager.allocReader(28, name);
+    CString name = "rec.msr";
+    IDataReader* reader = manager.allocReader(57, name);
     const UnheldReader held(reader);
     ASSERT_NE(reader, nullptr);
-    EXPECT_EQ(reader->fileType(), 28);
-    EXPECT_STREQ(reader->fileName(), "rec.trc");
-    EXPECT_FALSE(reader->open("rec.trc"));
+    EXPECT_EQ(reader->fileType(), 57);
+    EXPECT_STREQ(reader->fileName(), "rec.msr");
+    EXPECT_FALSE(reader->open("rec.msr"));
     EXPECT_EQ(reader->getLastError(), 3);
 }
 

@@ -101,7 +101,7 @@ TEST_F(FrontDoor, AGivenTypeChoosesTheReader) {
 }
 
 TEST_F(FrontDoor, NamesTellFormatsThatAreNotBuilt) {
-    EXPECT_EQ(DetectFileType(dir.write("a.trc", "x").c_str()), 28);
+    EXPECT_EQ(DetectFileType(dir.write("a.msr", "x").c_str()), 57);
     EXPECT_EQ(DetectFileType(dir.write("a.e", "x").c_str()), 0);
     EXPECT_FALSE(openReader(dir.file("a.e").c_str(), 0, &error));
     EXPECT_THAT(error, HasSubstr("by its name it may be Nervus, CardinalNicOne"));

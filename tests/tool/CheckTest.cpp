@@ -31,7 +31,7 @@ TEST(Types, ListEveryFormatAndWhetherItIsRead) {
                                   {"readable", true}}));
         }
     EXPECT_THAT(runCommand(dir, "types").out, HasSubstr("28  Micromed"));
-    EXPECT_THAT(runCommand(dir, "types --readable").out, Not(HasSubstr("Micromed")));
+    EXPECT_THAT(runCommand(dir, "types --readable").out, Not(HasSubstr("Rembrandt")));
 }
 
 TEST(Check, IsQuietOnCleanFilesAndTellsOddOnes) {
