@@ -46,6 +46,8 @@
 #include "kvsig/readers/InterleavedReader.h"
 #include "kvsig/readers/LifelinesReader.h"
 #include "kvsig/readers/MicromedReader.h"
+#include "kvsig/readers/NK2100Reader.h"
+#include "kvsig/readers/NervusReader.h"
 #include "kvsig/readers/NeuroscanReader.h"
 #include "kvsig/readers/PushableReader.h"
 #include "kvsig/readers/SnapshotReader.h"

@@ -6,6 +6,8 @@
 #include "kvsig/readers/InterleavedReader.h"
 #include "kvsig/readers/LifelinesReader.h"
 #include "kvsig/readers/MicromedReader.h"
+#include "kvsig/readers/NK2100Reader.h"
+#include "kvsig/readers/NervusReader.h"
 #include "kvsig/readers/NeuroscanReader.h"
 #include "kvsig/readers/PushableReader.h"
 #include "kvsig/readers/SnapshotReader.h"
@@ -29,6 +31,7 @@ std::unique_ptr<DataReader> make() {
 constexpr ReadableFormat formats[] = {
     {interleavedType, make<InterleavedReader>, nullptr},
     {6, make<EDF90Reader>, EDF90Reader::isFileType},
+    {19, make<NK2100Reader>, NK2100Reader::isFileType},
     {28, make<MicromedReader>, MicromedReader::isFileType},
     {snapshotType, make<SnapshotReader>, nullptr},
     {41, make<LifelinesReader>, EDF90Reader::isFileType},
@@ -36,6 +39,7 @@ constexpr ReadableFormat formats[] = {
     {46, make<NeuroscanReader>, NeuroscanReader::isFileType},
     {47, make<TelefactorEDFReader>, EDF90Reader::isFileType},
     {48, make<BDFReader>, BDFReader::isFileType},
+    {52, make<NervusReader>, NervusReader::isFileType},
     {54, make<CyberkineticsReader>, CyberkineticsReader::isFileType},
 };
 

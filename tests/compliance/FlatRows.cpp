@@ -1,10 +1,14 @@
 #include "compliance/ReaderRow.h"
 #include "kvsig/readers/CyberkineticsReader.h"
 #include "kvsig/readers/MicromedReader.h"
+#include "kvsig/readers/NK2100Reader.h"
+#include "kvsig/readers/NervusReader.h"
 #include "kvsig/readers/NeuroscanReader.h"
 #include "support/BlackrockFile.h"
 #include "support/MicromedFile.h"
+#include "support/NervusFile.h"
 #include "support/NeuroscanFile.h"
+#include "support/NihonKohdenFile.h"
 #include "support/SameSamples.h"
 
 namespace kvsig::test {
@@ -53,6 +57,43 @@ SampleRecording blackrockNetwork() {
     for (std::uint64_t i = 0; i < frames; ++i)
         file.block(i * 33'333'333, 1);
     return blackrock(file);
+}
+
+SampleRecording nihonKohden() {
+    const NihonKohdenFile file =
+        NihonKohdenFile().rate(30).codes({0, 1, 42}).block("20190403160016", frames);
+    SampleRecording made;
+    made.fileName = "sample.EEG";
+    made.channels = 3;
+    made.samplingRate = 30.0;
+    made.sampleCount = made.storedSampleCount = frames;
+    made.startClock = 16 * 3600 + 16;
+    made.boundaries = file.boundaries();
+    made.bytes = file.bytes();
+    made.raw = [](int channel, long index) { return rampCount(channel, index); };
+    return made;
+}
+
+// The third channel has a third of the others' rate.
+SampleRecording nervus() {
+    const NervusFile::Made file = NervusFile()
+                                      .channel({.label = "Fp1", .rate = 30})
+                                      .channel({.label = "Fp2", .rate = 30})
+                                      .channel({.label = "SpO2", .rate = 10})
+                                      .segment(oleDays(2014, 3, 26, 50829.25), 25.5)
+                                      .make();
+    SampleRecording made;
+    made.fileName = "sample.e";
+    made.channels = 3;
+    made.samplingRate = 30.0;
+    made.sampleCount = made.storedSampleCount = frames;
+    made.startClock = 50829.25;
+    made.boundaries = file.boundaries;
+    made.bytes = file.bytes;
+    made.raw = [](int channel, long index) {
+        return rampCount(channel, channel == 2 ? index / 3 : index);
+    };
+    return made;
 }
 
 SampleRecording micromed(int bytes) {
@@ -107,6 +148,8 @@ std::vector<ReaderRow> flatRows() {
         row<CyberkineticsReader>("Blackrock21", 54, blackrockBare),
         row<CyberkineticsReader>("Blackrock23", 54, blackrockBlocks),
         row<CyberkineticsReader>("Blackrock30", 54, blackrockNetwork),
+        row<NK2100Reader>("NihonKohden", 19, nihonKohden),
+        row<NervusReader>("Nervus", 52, nervus),
     };
 }
 
