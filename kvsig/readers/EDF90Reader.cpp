@@ -3,6 +3,7 @@
 #include "kvsig/kernel/DataPage.h"
 #include "kvsig/montage/names/Derivation.h"
 #include "kvsig/readers/BDFReader.h"
+#include "kvsig/readers/EdfChannel.h"
 #include "kvsig/readers/EdfHeader.h"
 #include "kvsig/readers/EdfInspection.h"
 #include "kvsig/readers/EdfOnset.h"
@@ -21,6 +22,7 @@
 #include <cstring>
 #include <span>
 #include <string>
+#include <string_view>
 #include <typeinfo>
 #include <utility>
 #include <vector>
@@ -108,6 +110,7 @@ std::string headerLengthFault(const edf::Header& header) {
 struct EDF90Reader::State {
     File file;
     edf::Header header;
+    std::vector<edf::Channel> channels; ///< by visible channel
     RecordLayout layout; ///< its points are the samples of the record's longest channel
     bool mixedRates = false;
     bool servesRecords = false; ///< chunk reads give what the layout says and nothing else
@@ -184,6 +187,7 @@ void EDF90Reader::layOutChannels() {
             m_edf->mixedRates = true;
         m_edf->layout.points = std::max(m_edf->layout.points, count);
         m_edf->layout.channels.push_back({offset, count});
+        m_edf->channels.push_back(edf::channelOf(header, channel));
     }
     setChannelCount(saturate<int>(header.channels().size()));
     setSamplingRate(fastest);
@@ -235,18 +239,23 @@ void EDF90Reader::reportOddFields() {
 // Numbers are read as far as they go, as in "31 E" or "1e3"; what was made of them is told.
 void EDF90Reader::reportOddNumbers() {
     const edf::Header& header = m_edf->header;
-    const auto tell = [this](const std::string& field, const std::string& text, double taken) {
+    const auto isRead = [](std::string_view text, std::int64_t taken) {
         double whole = 0.0;
-        if (!wholeDouble(text, whole) || whole != taken)
-            report(Severity::warning, field + ", read as " + shortestText(taken));
+        return wholeDouble(text, whole) && whole == static_cast<double>(taken);
     };
-    tell(fieldText("number of signals", edf::signalCount.offset, header.text(edf::signalCount)),
-         header.text(edf::signalCount), static_cast<double>(header.fileSignals()));
-    tell(headerLengthText(header), header.text(edf::headerLength),
-         static_cast<double>(header.dataOffset()));
-    for (std::int64_t i = 0; i < header.fileSignals(); ++i)
-        tell(samplesText(header, i), header.text(edf::samplesPerRecord, i),
-             static_cast<double>(header.signalSamples()[static_cast<std::size_t>(i)]));
+    const auto tell = [this](const std::string& field, std::int64_t taken) {
+        report(Severity::warning, field + ", read as " + std::to_string(taken));
+    };
+    if (!isRead(header.view(edf::signalCount), header.fileSignals()))
+        tell(fieldText("number of signals", edf::signalCount.offset, header.text(edf::signalCount)),
+             header.fileSignals());
+    if (!isRead(header.view(edf::headerLength), header.dataOffset()))
+        tell(headerLengthText(header), header.dataOffset());
+    for (std::int64_t i = 0; i < header.fileSignals(); ++i) {
+        const std::int64_t samples = header.signalSamples()[static_cast<std::size_t>(i)];
+        if (!isRead(header.view(edf::samplesPerRecord, i), samples))
+            tell(samplesText(header, i), samples);
+    }
 }
 
 // What is no time still counts as one, overflowing hours and minutes included; clock times and the
@@ -450,22 +459,20 @@ std::vector<OpenFinding> EDF90Reader::inspectFile() {
     return edf::inspect(filePath(), storedSampleBytes());
 }
 
-bool EDF90Reader::isChannel(int channel) {
-    return channel >= 0 && std::cmp_less(channel, m_edf->layout.channels.size());
+bool EDF90Reader::isChannel(int channel) const {
+    return channel >= 0 && std::cmp_less(channel, m_edf->channels.size());
 }
 
-std::string EDF90Reader::channelText(edf::SignalField field, int channel) {
-    const edf::Header& header = m_edf->header;
-    return header.text(field, header.channels()[static_cast<std::size_t>(channel)]);
+// Out of range: a channel of which nothing is known.
+const edf::Channel& EDF90Reader::factsOf(int channel) const {
+    static const edf::Channel none;
+    return isChannel(channel) ? m_edf->channels[static_cast<std::size_t>(channel)] : none;
 }
 
 const char* EDF90Reader::_channelName(int channel) {
-    thread_local char name[labelSize];
-    if (!isChannel(channel))
-        return "";
-    const std::string label = channelText(edf::label, channel);
-    copyText(name, startsWithNoCase(label, "EEG ") ? label.substr(4) : label);
-    return name;
+    constexpr std::string_view prefix = "EEG ";
+    const std::string& label = factsOf(channel).label;
+    return label.c_str() + (startsWithNoCase(label, prefix) ? prefix.size() : 0);
 }
 
 const char* EDF90Reader::_grid1(int channel) {
@@ -496,51 +503,27 @@ double EDF90Reader::_dcOffset(int channel) {
 short EDF90Reader::_channelType(int channel) {
     if (!isChannel(channel))
         return 0;
-    const std::string text = channelText(edf::units, channel);
-    const bool microvolts =
-        text.find("uV") != std::string::npos || text.find("\xB5V") != std::string::npos;
-    return microvolts ? microvoltType : otherUnitType;
+    return factsOf(channel).microvolts ? microvoltType : otherUnitType;
 }
 
 const char* EDF90Reader::_channelUnits(int channel) {
-    thread_local char units[labelSize];
-    if (!isChannel(channel))
-        return nullptr;
-    copyText(units, channelText(edf::units, channel));
-    return units;
+    return isChannel(channel) ? factsOf(channel).units.c_str() : nullptr;
 }
 
-// Switch-like channels carry words in place of their limits.
+// What is not known is -1 to 1. "off" and "on" are both 0, on purpose: such a channel reads as flat
+// zero.
 double EDF90Reader::_physioLow(int channel) {
-    if (!isChannel(channel))
-        return 0.0;
-    const std::string text = channelText(edf::physicalMin, channel);
-    if (_channelType(channel) == otherUnitType && text == "?")
-        return -1.0;
-    return leadingDouble(text); // "off" is 0
+    const edf::Channel& facts = factsOf(channel);
+    return facts.unknownMin && _channelType(channel) == otherUnitType ? -1.0 : facts.physicalMin;
 }
 
 double EDF90Reader::_physioHigh(int channel) {
-    if (!isChannel(channel))
-        return 0.0;
-    const std::string text = channelText(edf::physicalMax, channel);
-    if (_channelType(channel) == otherUnitType && text == "?")
-        return 1.0;
-    return leadingDouble(text); // "on" is 0 too, on purpose: such a channel reads as flat zero
+    const edf::Channel& facts = factsOf(channel);
+    return facts.unknownMax && _channelType(channel) == otherUnitType ? 1.0 : facts.physicalMax;
 }
 
-std::int32_t EDF90Reader::_digitalHigh(int channel) {
-    return isChannel(channel)
-               ? saturate<std::int32_t>(leadingDouble(channelText(edf::digitalMax, channel)))
-               : 0;
-}
-
-std::int32_t EDF90Reader::_digitalLow(int channel) {
-    return isChannel(channel)
-               ? saturate<std::int32_t>(leadingDouble(channelText(edf::digitalMin, channel)))
-               : 0;
-}
-
+std::int32_t EDF90Reader::_digitalHigh(int channel) { return factsOf(channel).digitalMax; }
+std::int32_t EDF90Reader::_digitalLow(int channel) { return factsOf(channel).digitalMin; }
 int EDF90Reader::_minReadPts() { return saturate<int>(m_edf->layout.points); }
 int EDF90Reader::storedSampleBytes() const { return 2; }
 bool EDF90Reader::mixedRates() const { return m_edf->mixedRates; }

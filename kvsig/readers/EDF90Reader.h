@@ -11,8 +11,8 @@
 namespace kvsig {
 
 namespace edf {
+struct Channel;
 class Header;
-struct SignalField;
 } // namespace edf
 
 /// EDF and continuous EDF+ recordings ("EDF90 (*.edf)"), 16-bit samples.
@@ -70,8 +70,8 @@ class KVSIG_API EDF90Reader : public DataReader {
   private:
     struct State;
 
-    [[nodiscard]] bool isChannel(int channel);
-    [[nodiscard]] std::string channelText(edf::SignalField field, int channel);
+    [[nodiscard]] bool isChannel(int channel) const;
+    [[nodiscard]] const edf::Channel& factsOf(int channel) const;
     void layOutChannels();
     bool layOutRecords();
     [[nodiscard]] bool isOneOfOurs() const;

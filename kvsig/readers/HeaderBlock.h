@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -30,7 +31,9 @@ class KVSIG_API HeaderBlock {
 };
 
 /// The text of a fixed-width field: `width` bytes at `offset`, up to the first NUL, without
-/// trailing blanks. Bytes that the block does not hold count as NUL.
+/// trailing blanks. Bytes that the block does not hold count as NUL. A view lies in the block.
+[[nodiscard]] KVSIG_API std::string_view viewHeaderField(const HeaderBlock& header,
+                                                         std::int64_t offset, int width);
 [[nodiscard]] KVSIG_API std::string readHeaderField(const HeaderBlock& header, std::int64_t offset,
                                                     int width);
 
