@@ -18,10 +18,6 @@ target_compile_options(
     -Wnon-virtual-dtor
     # COM objects have no virtual destructor in their interface: Release() destroys them.
     -Wno-delete-non-virtual-dtor)
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-  # At -O3 GCC 12 sees overlaps in the joining of texts where there are none (its bug 105651).
-  target_compile_options(kvsig_options INTERFACE -Wno-restrict)
-endif()
 if(KVSIG_WERROR)
   target_compile_options(kvsig_options INTERFACE -Werror)
 endif()

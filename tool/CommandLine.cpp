@@ -46,6 +46,7 @@ void defineCommandLine(CLI::App& app, int& exitCode) {
     app.require_subcommand(1);
     addInfoCommand(app, exitCode);
     addCheckCommand(app, exitCode);
+    addEventsCommand(app, exitCode);
     addMontageCommand(app, exitCode);
     addTypesCommand(app, exitCode);
     addExportCommand(app, exitCode);

@@ -3,6 +3,7 @@
 #include "kvsig/kernel/ChannelTable.h"
 #include "kvsig/kernel/DataReader.h"
 #include "kvsig/kernel/PageCache.h"
+#include "kvsig/kernel/PageSource.h"
 #include "kvsig/kernel/TimeBase.h"
 #include "kvsig/montage/names/Derivation.h"
 
@@ -28,6 +29,7 @@ struct DataReader::State final : PageSource {
     int readChunk(long firstSample, short* buffer) override {
         return reader.getSampleChunk(firstSample, buffer);
     }
+    const RecordLayout* recordLayout() override { return reader.recordLayout(); }
 
     DataReader& reader;
     std::int32_t lastError = 0;

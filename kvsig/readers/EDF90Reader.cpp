@@ -2,10 +2,14 @@
 
 #include "kvsig/kernel/DataPage.h"
 #include "kvsig/montage/names/Derivation.h"
+#include "kvsig/readers/BDFReader.h"
+#include "kvsig/readers/EdfChannel.h"
 #include "kvsig/readers/EdfHeader.h"
 #include "kvsig/readers/EdfInspection.h"
 #include "kvsig/readers/EdfOnset.h"
+#include "kvsig/readers/LifelinesReader.h"
 #include "kvsig/readers/RecordDemux.h"
+#include "kvsig/readers/TelefactorEDFReader.h"
 #include "kvsig/util/File.h"
 #include "kvsig/util/LogSink.h"
 #include "kvsig/util/NumberText.h"
@@ -18,6 +22,8 @@
 #include <cstring>
 #include <span>
 #include <string>
+#include <string_view>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -104,9 +110,10 @@ std::string headerLengthFault(const edf::Header& header) {
 struct EDF90Reader::State {
     File file;
     edf::Header header;
-    std::vector<RecordChannel> channels; ///< by visible channel
-    std::int64_t maxRecordSamples = 0;   ///< the longest of the channels
+    std::vector<edf::Channel> channels; ///< by visible channel
+    RecordLayout layout; ///< its points are the samples of the record's longest channel
     bool mixedRates = false;
+    bool servesRecords = false; ///< chunk reads give what the layout says and nothing else
     bool ownStartAnchor = false;
     PageBuffer record; ///< reused by every chunk read
 };
@@ -141,6 +148,7 @@ bool EDF90Reader::openFile() {
 
     m_edf->header = edf::Header(HeaderBlock::readFrom(m_edf->file, edf::fullLength(signals)));
     layOutChannels();
+    m_edf->servesRecords = isOneOfOurs() && layOutRecords();
     reportOddFields();
     return true;
 }
@@ -175,13 +183,49 @@ void EDF90Reader::layOutChannels() {
         const double rate = static_cast<double>(count) / header.duration();
         if (rate > fastest)
             fastest = rate;
-        if (!m_edf->channels.empty() && m_edf->maxRecordSamples != count)
+        if (!m_edf->layout.channels.empty() && m_edf->layout.points != count)
             m_edf->mixedRates = true;
-        m_edf->maxRecordSamples = std::max(m_edf->maxRecordSamples, count);
-        m_edf->channels.push_back({offset, count});
+        m_edf->layout.points = std::max(m_edf->layout.points, count);
+        m_edf->layout.channels.push_back({offset, count});
+        m_edf->channels.push_back(edf::channelOf(header, channel));
     }
     setChannelCount(saturate<int>(header.channels().size()));
     setSamplingRate(fastest);
+}
+
+bool EDF90Reader::isOneOfOurs() const {
+    const std::type_info& type = typeid(*this);
+    return type == typeid(EDF90Reader) || type == typeid(BDFReader) ||
+           type == typeid(LifelinesReader) || type == typeid(TelefactorEDFReader);
+}
+
+// Chunk reads know what to make of any header; straight reading is for those that mean something.
+bool EDF90Reader::layOutRecords() {
+    const edf::Header& header = m_edf->header;
+    RecordLayout& layout = m_edf->layout;
+    layout.file = &m_edf->file;
+    layout.dataOffset = header.dataOffset();
+    layout.recordSamples = header.recordSamples();
+    layout.sampleBytes = storedSampleBytes();
+    const auto& samples = header.signalSamples();
+    return layout.dataOffset >= 0 && layout.recordBytes() <= maxPageBytes &&
+           std::all_of(samples.begin(), samples.end(),
+                       [](std::int64_t count) { return count > 0; }) &&
+           std::all_of(layout.channels.begin(), layout.channels.end(),
+                       [&layout](const RecordChannel& channel) {
+                           return channel.offset + channel.samples <= layout.recordSamples;
+                       });
+}
+
+const RecordLayout* EDF90Reader::recordLayout() {
+    // What a chunk read would refuse must not be shown another way.
+    return m_edf->servesRecords && isChannel(channelCount() - 1) && std::in_range<int>(chunkBytes())
+               ? &m_edf->layout
+               : nullptr;
+}
+
+std::int64_t EDF90Reader::chunkBytes() {
+    return m_edf->layout.points * channelCount() * bytesPerSample();
 }
 
 void EDF90Reader::reportOddFields() {
@@ -195,18 +239,23 @@ void EDF90Reader::reportOddFields() {
 // Numbers are read as far as they go, as in "31 E" or "1e3"; what was made of them is told.
 void EDF90Reader::reportOddNumbers() {
     const edf::Header& header = m_edf->header;
-    const auto tell = [this](const std::string& field, const std::string& text, double taken) {
+    const auto isRead = [](std::string_view text, std::int64_t taken) {
         double whole = 0.0;
-        if (!wholeDouble(text, whole) || whole != taken)
-            report(Severity::warning, field + ", read as " + shortestText(taken));
+        return wholeDouble(text, whole) && whole == static_cast<double>(taken);
     };
-    tell(fieldText("number of signals", edf::signalCount.offset, header.text(edf::signalCount)),
-         header.text(edf::signalCount), static_cast<double>(header.fileSignals()));
-    tell(headerLengthText(header), header.text(edf::headerLength),
-         static_cast<double>(header.dataOffset()));
-    for (std::int64_t i = 0; i < header.fileSignals(); ++i)
-        tell(samplesText(header, i), header.text(edf::samplesPerRecord, i),
-             static_cast<double>(header.signalSamples()[static_cast<std::size_t>(i)]));
+    const auto tell = [this](const std::string& field, std::int64_t taken) {
+        report(Severity::warning, field + ", read as " + std::to_string(taken));
+    };
+    if (!isRead(header.view(edf::signalCount), header.fileSignals()))
+        tell(fieldText("number of signals", edf::signalCount.offset, header.text(edf::signalCount)),
+             header.fileSignals());
+    if (!isRead(header.view(edf::headerLength), header.dataOffset()))
+        tell(headerLengthText(header), header.dataOffset());
+    for (std::int64_t i = 0; i < header.fileSignals(); ++i) {
+        const std::int64_t samples = header.signalSamples()[static_cast<std::size_t>(i)];
+        if (!isRead(header.view(edf::samplesPerRecord, i), samples))
+            tell(samplesText(header, i), samples);
+    }
 }
 
 // What is no time still counts as one, overflowing hours and minutes included; clock times and the
@@ -248,7 +297,7 @@ void EDF90Reader::reportOddSizes() {
     constexpr std::int64_t harmless = std::int64_t{64} << 20;
     constexpr std::int64_t usualGrowth = 8;
     const std::int64_t recordBytes = header.recordSamples() * storedSampleBytes();
-    const std::int64_t frameBytes = m_edf->maxRecordSamples * channelCount() * bytesPerSample();
+    const std::int64_t frameBytes = chunkBytes();
     if (std::max(recordBytes, frameBytes) > maxPageBytes ||
         frameBytes > std::max(harmless, usualGrowth * recordBytes))
         report(Severity::unusable,
@@ -315,7 +364,7 @@ bool EDF90Reader::readSampleInfo() {
     // samples half again as long as it is, and what lies past its real end reads as zeros.
     const std::int64_t records = wholeRecords(2);
     setMaxDataIndex(saturate<long>(
-        static_cast<double>(records) * static_cast<double>(m_edf->maxRecordSamples) - 1.0));
+        static_cast<double>(records) * static_cast<double>(m_edf->layout.points) - 1.0));
     if (nPoints() < fewestSamples)
         return refuseWithoutSamples();
 
@@ -336,7 +385,7 @@ bool EDF90Reader::refuseWithoutSamples() {
     const edf::Header& header = m_edf->header;
     const std::int64_t size = m_edf->file.size();
     const std::int64_t data = size - header.dataOffset();
-    if (m_edf->channels.empty())
+    if (m_edf->layout.channels.empty())
         return refuse(2, "none of its " + std::to_string(header.fileSignals()) +
                              " signals is a channel: all hold annotations");
     if (data == 0)
@@ -395,14 +444,14 @@ bool EDF90Reader::patientInfo(std::ostream& stream, bool flag) {
 
 long EDF90Reader::storedSampleCount() {
     const double stored = static_cast<double>(wholeRecords(storedSampleBytes())) *
-                          static_cast<double>(m_edf->maxRecordSamples);
+                          static_cast<double>(m_edf->layout.points);
     return std::min(saturate<long>(stored), sampleCount());
 }
 
 double EDF90Reader::storedSamplingRate(int channel) {
     if (!isChannel(channel))
         return 0.0;
-    const RecordChannel& place = m_edf->channels[static_cast<std::size_t>(channel)];
+    const RecordChannel& place = m_edf->layout.channels[static_cast<std::size_t>(channel)];
     return static_cast<double>(place.samples) / m_edf->header.duration();
 }
 
@@ -410,22 +459,20 @@ std::vector<OpenFinding> EDF90Reader::inspectFile() {
     return edf::inspect(filePath(), storedSampleBytes());
 }
 
-bool EDF90Reader::isChannel(int channel) {
+bool EDF90Reader::isChannel(int channel) const {
     return channel >= 0 && std::cmp_less(channel, m_edf->channels.size());
 }
 
-std::string EDF90Reader::channelText(edf::SignalField field, int channel) {
-    const edf::Header& header = m_edf->header;
-    return header.text(field, header.channels()[static_cast<std::size_t>(channel)]);
+// Out of range: a channel of which nothing is known.
+const edf::Channel& EDF90Reader::factsOf(int channel) const {
+    static const edf::Channel none;
+    return isChannel(channel) ? m_edf->channels[static_cast<std::size_t>(channel)] : none;
 }
 
 const char* EDF90Reader::_channelName(int channel) {
-    thread_local char name[labelSize];
-    if (!isChannel(channel))
-        return "";
-    const std::string label = channelText(edf::label, channel);
-    copyText(name, startsWithNoCase(label, "EEG ") ? label.substr(4) : label);
-    return name;
+    constexpr std::string_view prefix = "EEG ";
+    const std::string& label = factsOf(channel).label;
+    return label.c_str() + (startsWithNoCase(label, prefix) ? prefix.size() : 0);
 }
 
 const char* EDF90Reader::_grid1(int channel) {
@@ -456,52 +503,28 @@ double EDF90Reader::_dcOffset(int channel) {
 short EDF90Reader::_channelType(int channel) {
     if (!isChannel(channel))
         return 0;
-    const std::string text = channelText(edf::units, channel);
-    const bool microvolts =
-        text.find("uV") != std::string::npos || text.find("\xB5V") != std::string::npos;
-    return microvolts ? microvoltType : otherUnitType;
+    return factsOf(channel).microvolts ? microvoltType : otherUnitType;
 }
 
 const char* EDF90Reader::_channelUnits(int channel) {
-    thread_local char units[labelSize];
-    if (!isChannel(channel))
-        return nullptr;
-    copyText(units, channelText(edf::units, channel));
-    return units;
+    return isChannel(channel) ? factsOf(channel).units.c_str() : nullptr;
 }
 
-// Switch-like channels carry words in place of their limits.
+// What is not known is -1 to 1. "off" and "on" are both 0, on purpose: such a channel reads as flat
+// zero.
 double EDF90Reader::_physioLow(int channel) {
-    if (!isChannel(channel))
-        return 0.0;
-    const std::string text = channelText(edf::physicalMin, channel);
-    if (_channelType(channel) == otherUnitType && text == "?")
-        return -1.0;
-    return leadingDouble(text); // "off" is 0
+    const edf::Channel& facts = factsOf(channel);
+    return facts.unknownMin && _channelType(channel) == otherUnitType ? -1.0 : facts.physicalMin;
 }
 
 double EDF90Reader::_physioHigh(int channel) {
-    if (!isChannel(channel))
-        return 0.0;
-    const std::string text = channelText(edf::physicalMax, channel);
-    if (_channelType(channel) == otherUnitType && text == "?")
-        return 1.0;
-    return leadingDouble(text); // "on" is 0 too, on purpose: such a channel reads as flat zero
+    const edf::Channel& facts = factsOf(channel);
+    return facts.unknownMax && _channelType(channel) == otherUnitType ? 1.0 : facts.physicalMax;
 }
 
-std::int32_t EDF90Reader::_digitalHigh(int channel) {
-    return isChannel(channel)
-               ? saturate<std::int32_t>(leadingDouble(channelText(edf::digitalMax, channel)))
-               : 0;
-}
-
-std::int32_t EDF90Reader::_digitalLow(int channel) {
-    return isChannel(channel)
-               ? saturate<std::int32_t>(leadingDouble(channelText(edf::digitalMin, channel)))
-               : 0;
-}
-
-int EDF90Reader::_minReadPts() { return saturate<int>(m_edf->maxRecordSamples); }
+std::int32_t EDF90Reader::_digitalHigh(int channel) { return factsOf(channel).digitalMax; }
+std::int32_t EDF90Reader::_digitalLow(int channel) { return factsOf(channel).digitalMin; }
+int EDF90Reader::_minReadPts() { return saturate<int>(m_edf->layout.points); }
 int EDF90Reader::storedSampleBytes() const { return 2; }
 bool EDF90Reader::mixedRates() const { return m_edf->mixedRates; }
 
@@ -510,12 +533,12 @@ std::string EDF90Reader::signalLabel(std::int64_t fileSignal) const {
 }
 
 int EDF90Reader::getChunk(long bytePos, short* buffer, int bytes) {
-    const std::int64_t chunkBytes = m_edf->maxRecordSamples * channelCount() * bytesPerSample();
+    const std::int64_t wanted = chunkBytes();
     // The host may have set another channel count; of more channels than the file's there is
     // nothing to frame.
-    if (chunkBytes <= 0 || bytes < chunkBytes || !isChannel(channelCount() - 1))
+    if (wanted <= 0 || bytes < wanted || !isChannel(channelCount() - 1))
         return 0;
-    const std::int64_t record = bytePos / chunkBytes;
+    const std::int64_t record = bytePos / wanted;
     const std::int64_t recordBytes = m_edf->header.recordSamples() * storedSampleBytes();
     if (record < 0 || record >= wholeRecords(storedSampleBytes()) ||
         !m_edf->record.reserve(recordBytes))
@@ -524,15 +547,15 @@ int EDF90Reader::getChunk(long bytePos, short* buffer, int bytes) {
     if (m_edf->file.readAt(position, m_edf->record.data(), recordBytes) < recordBytes)
         return 0;
     demuxRecord(m_edf->record.data(), static_cast<std::size_t>(recordBytes), buffer);
-    std::memset(static_cast<std::byte*>(static_cast<void*>(buffer)) + chunkBytes, 0,
-                static_cast<std::size_t>(bytes - chunkBytes));
+    std::memset(static_cast<std::byte*>(static_cast<void*>(buffer)) + wanted, 0,
+                static_cast<std::size_t>(bytes - wanted));
     return bytes;
 }
 
 void EDF90Reader::demuxRecord(const std::byte* record, std::size_t bytes, short* frames) {
     const auto channels =
-        std::span(m_edf->channels).first(static_cast<std::size_t>(channelCount()));
-    demuxRecord16({record, bytes}, channels, m_edf->maxRecordSamples, frames);
+        std::span(m_edf->layout.channels).first(static_cast<std::size_t>(channelCount()));
+    demuxRecord16({record, bytes}, channels, m_edf->layout.points, frames);
 }
 
 } // namespace kvsig

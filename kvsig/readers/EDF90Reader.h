@@ -11,8 +11,8 @@
 namespace kvsig {
 
 namespace edf {
+struct Channel;
 class Header;
-struct SignalField;
 } // namespace edf
 
 /// EDF and continuous EDF+ recordings ("EDF90 (*.edf)"), 16-bit samples.
@@ -56,6 +56,7 @@ class KVSIG_API EDF90Reader : public DataReader {
     std::int32_t _digitalHigh(int channel) override;
     std::int32_t _digitalLow(int channel) override;
     int _minReadPts() override;
+    const RecordLayout* recordLayout() override;
 
     /// Bytes of a sample in the file.
     [[nodiscard]] virtual int storedSampleBytes() const;
@@ -69,9 +70,12 @@ class KVSIG_API EDF90Reader : public DataReader {
   private:
     struct State;
 
-    [[nodiscard]] bool isChannel(int channel);
-    [[nodiscard]] std::string channelText(edf::SignalField field, int channel);
+    [[nodiscard]] bool isChannel(int channel) const;
+    [[nodiscard]] const edf::Channel& factsOf(int channel) const;
     void layOutChannels();
+    bool layOutRecords();
+    [[nodiscard]] bool isOneOfOurs() const;
+    [[nodiscard]] std::int64_t chunkBytes();
     void reportOddFields();
     void reportOddNumbers();
     void reportOddStart();

@@ -8,7 +8,7 @@
 namespace kvsig::edf {
 namespace {
 
-Kind kindOf(const std::string& reservedText) {
+Kind kindOf(std::string_view reservedText) {
     if (reservedText.starts_with("EDF+C"))
         return Kind::continuous;
     return reservedText.starts_with("EDF+D") ? Kind::interrupted : Kind::plain;
@@ -17,26 +17,32 @@ Kind kindOf(const std::string& reservedText) {
 } // namespace
 
 Header::Header(HeaderBlock block) : m_block(std::move(block)) {
-    m_dataOffset = leadingInteger(text(headerLength));
-    m_fileSignals = leadingInteger(text(signalCount));
-    m_recordDuration = leadingDouble(text(recordDuration));
-    m_kind = kindOf(text(reserved));
+    m_dataOffset = leadingInteger(view(headerLength));
+    m_fileSignals = leadingInteger(view(signalCount));
+    m_recordDuration = leadingDouble(view(recordDuration));
+    m_kind = kindOf(view(reserved));
     for (std::int64_t i = 0; i < m_fileSignals; ++i) {
         // In plain EDF every signal is a channel, whatever its label.
-        if (m_kind == Kind::plain || text(label, i) != "EDF Annotations")
+        if (m_kind == Kind::plain || view(label, i) != "EDF Annotations")
             m_channels.push_back(i);
-        m_signalSamples.push_back(leadingInteger(text(samplesPerRecord, i)));
+        m_signalSamples.push_back(leadingInteger(view(samplesPerRecord, i)));
     }
     m_recordSamples =
         std::accumulate(m_signalSamples.begin(), m_signalSamples.end(), std::int64_t{0});
 }
 
-std::string Header::text(Field field) const {
-    return readHeaderField(m_block, field.offset, field.width);
-}
+std::string Header::text(Field field) const { return std::string(view(field)); }
 
 std::string Header::text(SignalField field, std::int64_t fileSignal) const {
-    return readHeaderField(m_block, offsetOf(field, fileSignal), field.width);
+    return std::string(view(field, fileSignal));
+}
+
+std::string_view Header::view(Field field) const {
+    return viewHeaderField(m_block, field.offset, field.width);
+}
+
+std::string_view Header::view(SignalField field, std::int64_t fileSignal) const {
+    return viewHeaderField(m_block, offsetOf(field, fileSignal), field.width);
 }
 
 std::int64_t Header::offsetOf(SignalField field, std::int64_t fileSignal) const {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// The header of EDF, EDF+ and BDF files: ASCII fields of fixed width, padded with blanks.
@@ -73,6 +74,9 @@ class Header {
 
     [[nodiscard]] std::string text(Field field) const;
     [[nodiscard]] std::string text(SignalField field, std::int64_t fileSignal) const;
+    /// The same without a copy; valid as long as the header.
+    [[nodiscard]] std::string_view view(Field field) const;
+    [[nodiscard]] std::string_view view(SignalField field, std::int64_t fileSignal) const;
     /// Offset of a signal's field from the start of the file, for messages.
     [[nodiscard]] std::int64_t offsetOf(SignalField field, std::int64_t fileSignal) const;
 

@@ -5,12 +5,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 namespace kvsig {
 
-/// The start of a file, held in memory. What the file does not hold reads as zeros.
+/// A stretch of a file, most often its start, held in memory. What the file does not hold reads as
+/// zeros.
 class HeaderBlock {
   public:
     HeaderBlock() = default;
@@ -18,6 +20,8 @@ class HeaderBlock {
 
     /// Reads the first `length` bytes of the file, or as many as there are.
     static HeaderBlock readFrom(const File& file, std::int64_t length);
+    /// The same from `offset` on; empty when that is outside the file.
+    static HeaderBlock readFrom(const File& file, std::int64_t offset, std::int64_t length);
 
     [[nodiscard]] const std::vector<std::byte>& bytes() const { return m_bytes; }
 
@@ -26,7 +30,9 @@ class HeaderBlock {
 };
 
 /// The text of a fixed-width field: `width` bytes at `offset`, up to the first NUL, without
-/// trailing blanks. Bytes that the block does not hold count as NUL.
+/// trailing blanks. Bytes that the block does not hold count as NUL. A view lies in the block.
+[[nodiscard]] std::string_view viewHeaderField(const HeaderBlock& header, std::int64_t offset,
+                                               int width);
 [[nodiscard]] std::string readHeaderField(const HeaderBlock& header, std::int64_t offset,
                                           int width);
 

@@ -2,6 +2,8 @@
 
 #include "kvsig/util/Text.h"
 
+#include <string_view>
+
 namespace kvsig {
 
 // clang-format off
@@ -22,9 +24,22 @@ const ScalpGrid Grid1020[scalpGridCount] = {
 };
 // clang-format on
 
+namespace {
+
+// Compared letter by letter: nearly all names differ in their first one.
+bool isCalled(const char* entry, std::string_view name) {
+    for (const char letter : name)
+        if (*entry == '\0' || lowerCase(*entry++) != lowerCase(letter))
+            return false;
+    return *entry == '\0';
+}
+
+} // namespace
+
 int IndexOf1020(const char* name) {
+    const std::string_view wanted = viewOf(name);
     for (int i = 0; i < scalpGridCount; ++i)
-        if (equalNoCase(viewOf(name), Grid1020[i].pszName))
+        if (isCalled(Grid1020[i].pszName, wanted))
             return i;
     return -1;
 }
