@@ -41,11 +41,11 @@ void readAttributes(std::string_view input) {
     std::istringstream stream(text);
     std::ostringstream times;
     writeSampleTimes(times, readSampleTimes(stream));
-    PatientRec patient;
+    PatientRec patient{};
     readPatientSection(stream, patient);
     std::ostringstream first, second;
     writePatientSection(first, patient);
-    PatientRec copy;
+    PatientRec copy{};
     std::istringstream back(first.str());
     readPatientSection(back, copy);
     writePatientSection(second, copy);

@@ -86,7 +86,6 @@ class Life {
         const std::string sentence = reader.lastErrorText();
         check(reader.getLastError() != 0, "a refusal has a code");
         check(sentence.size() > m_input.path.size() + 2, "a refusal has a sentence");
-        test::readAround(reader);
         askEverything(reader);
     }
 
@@ -116,8 +115,7 @@ class Life {
         }
         static_cast<void>(reader.getPatientName(name));
         static_cast<void>(reader.getChannelMapDefn("(Default)", stream));
-        check(reader.inspectFile().size() == reader.inspectFile().size(),
-              "a file is inspected twice alike");
+        static_cast<void>(reader.inspectFile());
     }
 
     // Both ends, the middle, and the joints of pages.
@@ -231,7 +229,6 @@ class Life {
         const long samples = reader.sampleCount();
         const auto before = valuesOf(reader, 0, 0, 63);
         reader.close();
-        test::readAround(reader);
         check(reader.open(m_input.path.c_str()), "a recording that opened opens again");
         check(reader.channelCount() == channels && reader.sampleCount() == samples,
               "with the same channels and samples");

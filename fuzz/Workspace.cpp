@@ -1,5 +1,6 @@
 #include "Workspace.h"
 
+#include "kvsig/registry/types/FileTypes.h"
 #include "kvsig/util/LogSink.h"
 
 #include <cstdlib>
@@ -19,6 +20,8 @@ Workspace::Workspace() {
     fs::current_path(m_dir.path());
     // The user's own montages are none of an input's business.
     ::setenv("XDG_CONFIG_HOME", m_dir.file("config").c_str(), 1);
+    // All types, XML layouts with them.
+    KrnlSetFileTypeFlag(4);
     // Messages are made, then dropped: putting them together is part of the work.
     SetLogSink([](int, const char*) {});
 }
