@@ -82,23 +82,45 @@ class Scratch {
     ::_exit(opened ? 0 : 1);
 }
 
+long residentKilobytes(pid_t process) {
+    long all = 0;
+    long resident = 0;
+    std::ifstream("/proc/" + std::to_string(process) + "/statm") >> all >> resident;
+    return resident * (::sysconf(_SC_PAGESIZE) / 1024);
+}
+
+// Waits for the child and ends it when it takes too much memory: filling the machine's takes longer
+// than anything else.
+void awaitChild(pid_t child, int& status, rusage& used) {
+    constexpr timespec glance{0, 20'000'000};
+    sigset_t ended;
+    ::sigemptyset(&ended);
+    ::sigaddset(&ended, SIGCHLD);
+    while (::wait4(child, &status, WNOHANG, &used) == 0) {
+        if (residentKilobytes(child) > mostKilobytes)
+            ::kill(child, SIGKILL);
+        ::sigtimedwait(&ended, nullptr, &glance);
+    }
+}
+
 } // namespace
 
 Outcome tryIn(const Subject& subject, const std::string& path, const std::string& log) {
     const pid_t child = ::fork();
     if (child == 0)
         readInChild(subject, path, log);
+    if (child < 0)
+        throw std::runtime_error("no process can be started");
     int status = 0;
     rusage used{};
-    if (child < 0 || ::wait4(child, &status, 0, &used) != child)
-        throw std::runtime_error("no process can be started");
+    awaitChild(child, status, used);
+    if (used.ru_maxrss > mostKilobytes)
+        return Outcome::greedy;
     if (WIFSIGNALED(status))
         return WTERMSIG(status) == SIGXCPU || WTERMSIG(status) == SIGALRM ? Outcome::hung
                                                                           : Outcome::crashed;
     if (WEXITSTATUS(status) > 1)
         return Outcome::crashed;
-    if (used.ru_maxrss > mostKilobytes)
-        return Outcome::greedy;
     return WEXITSTATUS(status) == 0 ? Outcome::opened : Outcome::refused;
 }
 
@@ -115,6 +137,11 @@ int runMutants(const Subject& subject, int count, char** arguments) {
         return 2;
     }
     const Scratch scratch;
+    // Blocked, it ends the wait for a child instead of being lost.
+    sigset_t ended;
+    ::sigemptyset(&ended);
+    ::sigaddset(&ended, SIGCHLD);
+    ::sigprocmask(SIG_BLOCK, &ended, nullptr);
     std::array<long, columns.size()> counts{};
     const auto begin = std::chrono::steady_clock::now();
     for (std::uint64_t number = 0; number < wanted; ++number) {
