@@ -77,12 +77,20 @@ void comparePaging(const Workload& workload, std::vector<std::string>& found) {
     StraightPager straight(workload.path, kvsig.chain());
     for (std::int64_t page = 0; page < std::min<std::int64_t>(straight.pages(), mostWindows);
          ++page) {
+        const auto compare = [&](const char* what) {
+            for (std::size_t r = 0; r < pagingRows.size(); ++r)
+                if (!sameRows(kvsig.row(r), straight.row(r)))
+                    found.push_back(workload.path + ": other values in row " + std::to_string(r) +
+                                    " of page " + std::to_string(page) + ", " + what);
+        };
         kvsig.page(page);
         straight.page(page);
-        for (std::size_t r = 0; r < pagingRows.size(); ++r)
-            if (!sameRows(kvsig.row(r), straight.row(r)))
-                found.push_back(workload.path + ": other values in row " + std::to_string(r) +
-                                " of page " + std::to_string(page));
+        compare("row by row");
+        straight.sideBySide(page);
+        compare("straight loops side by side");
+        kvsig.flushCaches();
+        kvsig.allRows(page);
+        compare("all rows in one call");
     }
 }
 

@@ -26,6 +26,8 @@ KvsigPager::KvsigPager(const std::string& path) {
     m_pageLength = std::lround(pageSeconds * rate);
     m_runIn = m_montage.source(0)->filters()->nPrePts();
     m_rows.assign(pagingRows.size(), std::vector<float>(static_cast<std::size_t>(m_pageLength)));
+    for (std::vector<float>& row : m_rows)
+        m_rowPointers.push_back(row.data());
 }
 
 std::int64_t KvsigPager::pages() const { return pagingPages(m_reader->duration()); }
@@ -37,6 +39,11 @@ void KvsigPager::page(std::int64_t index) {
     for (std::size_t r = 0; r < m_rows.size(); ++r)
         m_montage.source(static_cast<int>(r))
             ->getData(first, first + m_pageLength - 1, m_rows[r].data(), 1.0);
+}
+
+void KvsigPager::allRows(std::int64_t index) {
+    const long first = firstOf(index);
+    m_montage.getData(first, first + m_pageLength - 1, m_rowPointers.data(), 1.0);
 }
 
 void KvsigPager::unfiltered(std::int64_t index) {

@@ -9,13 +9,15 @@
 
 namespace kvsig::bench {
 
-/// Paging as a host does it: a montage with filters, asked row by row.
+/// Paging as a host does it: a montage with filters, asked row by row or for all rows at once.
 class KvsigPager {
   public:
     explicit KvsigPager(const std::string& path);
 
     [[nodiscard]] std::int64_t pages() const;
     void page(std::int64_t index);
+    void allRows(std::int64_t index);
+    void flushCaches() { m_montage.flushCache(); }
     /// The first parts of page(), over the same samples: the rows before filtering, and the
     /// channels that the rows are made of.
     void unfiltered(std::int64_t index);
@@ -33,6 +35,7 @@ class KvsigPager {
     long m_pageLength = 0; ///< samples
     long m_runIn = 0;
     std::vector<std::vector<float>> m_rows;
+    std::vector<float*> m_rowPointers;
     std::vector<float> m_work;
 };
 

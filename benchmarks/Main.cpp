@@ -39,9 +39,8 @@ std::vector<Question> questions(const std::vector<Workload>& all, const Options&
         return randomWindowsQuestion(workload, options.shortSet ? 5 : 500);
     });
     askOfEach(oneChannelQuestion);
-    asked.push_back(pagingQuestion(all.front()));
-    for (Question& question : filterQuestions())
-        asked.push_back(std::move(question));
+    for (auto& questions : {pagingQuestions(all.front()), filterQuestions()})
+        asked.insert(asked.end(), questions.begin(), questions.end());
     std::erase_if(asked, [&](const Question& question) {
         return (question.task + ", " + question.workload).find(options.only) == std::string::npos;
     });

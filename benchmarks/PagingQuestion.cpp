@@ -3,6 +3,7 @@
 #include "Questions.h"
 
 #include <memory>
+#include <utility>
 
 namespace kvsig::bench {
 namespace {
@@ -23,25 +24,33 @@ Contender pagingContender(const char* name, void (Pager::*page)(std::int64_t),
 
 } // namespace
 
-Question pagingQuestion(const Workload& workload) {
+std::vector<Question> pagingQuestions(const Workload& workload) {
     const std::string& path = workload.path;
     const PagingChain chain = KvsigPager(path).chain();
     const StraightFile file(path);
     const double rate = static_cast<double>(file.pointsPerRecord()) / file.recordSeconds();
     const auto pages = static_cast<double>(pagingPages(file.duration()));
-    return {.task = "first hour in 10 s pages, 18 bipolar rows, 3 filters, row by row",
-            .workload = workload.name + "  " + workload.what,
-            .values = pages * pageSeconds * rate * static_cast<double>(pagingRows.size()),
-            .pages = pages,
-            .goal = 1.3,
-            .againstPeers = false,
-            .contenders = {
-                pagingContender(plainName, &StraightPager::fetch, path, chain),
-                pagingContender(limitName, &StraightPager::page, path, chain),
-                pagingContender(kvsigName, &KvsigPager::page, path),
-                pagingContender(unfilteredName, &KvsigPager::unfiltered, path),
-                pagingContender(channelsOnlyName, &KvsigPager::channelsOnly, path),
-            }};
+    const Contender plain = pagingContender(plainName, &StraightPager::fetch, path, chain);
+    const Contender unfiltered = pagingContender(unfilteredName, &KvsigPager::unfiltered, path);
+    const Contender channelsOnly =
+        pagingContender(channelsOnlyName, &KvsigPager::channelsOnly, path);
+    Question rowByRow{.task = "first hour in 10 s pages, 18 bipolar rows, 3 filters, row by row",
+                      .workload = workload.name + "  " + workload.what,
+                      .values = pages * pageSeconds * rate * static_cast<double>(pagingRows.size()),
+                      .pages = pages,
+                      .goal = 1.3,
+                      .againstPeers = false,
+                      .contenders = {plain,
+                                     pagingContender(limitName, &StraightPager::page, path, chain),
+                                     pagingContender(kvsigName, &KvsigPager::page, path),
+                                     unfiltered, channelsOnly}};
+    Question allRows = rowByRow;
+    allRows.task = "first hour in 10 s pages, 18 bipolar rows, 3 filters, all rows in one call";
+    allRows.goal = 1.6;
+    allRows.contenders = {
+        plain, pagingContender(limitName, &StraightPager::sideBySide, path, chain),
+        pagingContender(kvsigName, &KvsigPager::allRows, path), unfiltered, channelsOnly};
+    return {std::move(rowByRow), std::move(allRows)};
 }
 
 } // namespace kvsig::bench

@@ -13,9 +13,10 @@ namespace kvsig::bench {
 [[nodiscard]] Question randomWindowsQuestion(const Workload& workload, int windows);
 /// One channel through the file, in windows of 10 s.
 [[nodiscard]] Question oneChannelQuestion(const Workload& workload);
-/// The first hour in pages of 10 s: 18 bipolar rows with three filters, row by row. Two further
-/// contenders, channelsOnlyName and unfilteredName, do the first parts of this library's work.
-[[nodiscard]] Question pagingQuestion(const Workload& workload);
+/// The first hour in pages of 10 s: 18 bipolar rows with three filters, row by row, and all rows in
+/// one call. Two further contenders, channelsOnlyName and unfilteredName, do the first parts of
+/// this library's work.
+[[nodiscard]] std::vector<Question> pagingQuestions(const Workload& workload);
 /// 1,000,000 floats through one filter, for several filters.
 [[nodiscard]] std::vector<Question> filterQuestions();
 

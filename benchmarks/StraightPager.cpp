@@ -3,6 +3,7 @@
 #include "Paging.h"
 
 #include <algorithm>
+#include <array>
 
 namespace kvsig::bench {
 
@@ -24,7 +25,7 @@ StraightPager::StraightPager(const std::string& path, const PagingChain& chain)
 
 std::int64_t StraightPager::pages() const { return pagingPages(m_file.duration()); }
 
-void StraightPager::page(std::int64_t index) {
+void StraightPager::decode(std::int64_t index) {
     const std::int64_t first = index * m_pageRecords - m_runInRecords;
     const std::int64_t missing = std::max<std::int64_t>(-first, 0);
     const std::int64_t missingPoints = missing * m_file.pointsPerRecord();
@@ -35,12 +36,18 @@ void StraightPager::page(std::int64_t index) {
         m_wanted[c] = m_channels[c].data() + missingPoints;
     }
     m_file.read(first + missing, m_runInRecords + m_pageRecords - missing, m_wanted.data());
+}
 
-    const std::int64_t skip = m_runInRecords * m_file.pointsPerRecord() - m_chain.runIn;
+const float* StraightPager::samples(int channel) const {
+    return m_channels[static_cast<std::size_t>(channel)].data() +
+           m_runInRecords * m_file.pointsPerRecord() - m_chain.runIn;
+}
+
+void StraightPager::page(std::int64_t index) {
+    decode(index);
     for (std::size_t r = 0; r < m_rows.size(); ++r) {
-        const auto [channel1, channel2] = pagingRows[r];
-        const float* const a = m_channels[static_cast<std::size_t>(channel1)].data() + skip;
-        const float* const b = m_channels[static_cast<std::size_t>(channel2)].data() + skip;
+        const float* const a = samples(pagingRows[r].first);
+        const float* const b = samples(pagingRows[r].second);
         float* const out = m_rows[r].data();
         for (std::int64_t i = 0; i < m_length; ++i)
             out[i] = a[i] - b[i];
@@ -48,6 +55,15 @@ void StraightPager::page(std::int64_t index) {
         straightFirstOrder(m_chain.highPass, out, m_length);
         straightSecondOrder(m_chain.notch, out, m_length);
     }
+}
+
+void StraightPager::sideBySide(std::int64_t index) {
+    decode(index);
+    std::array<StraightRow, pagingRows.size()> rows;
+    for (std::size_t r = 0; r < rows.size(); ++r)
+        rows[r] = {samples(pagingRows[r].first), samples(pagingRows[r].second),
+                   m_rows[r].data() + m_chain.runIn};
+    straightLanes(m_chain, rows, m_length);
 }
 
 void StraightPager::fetch(std::int64_t index) {

@@ -17,7 +17,7 @@ constexpr std::size_t bytesBehindHeader = 600;
 
 std::vector<test::ReaderRow> readerRows() {
     std::vector<test::ReaderRow> all;
-    for (const auto& rows : {test::edfRows(), test::rawRows()})
+    for (const auto& rows : {test::edfRows(), test::rawRows(), test::flatRows()})
         all.insert(all.end(), rows.begin(), rows.end());
     return all;
 }

@@ -57,15 +57,17 @@ void designFromText(std::string_view input) {
         static_cast<void>(UvPerMMAsText(text.data(), each.cutoff));
     }
     attr.second = leadingDouble(second);
+    constexpr double rate = 256.0;
+    if (!(attr.second > 0))
+        attr.second = notchWidthFrequency(attr.cutoff, usualNotchHalfWidth, rate);
     attr.third = leadingDouble(second.substr(second.find('\n') + 1));
     FIRLowPass fir;
     IIRLowPass low;
     IIRHighPass high;
     IIRNotch notch;
-    constexpr double rate = 256.0;
     for (Filter* filter : {static_cast<Filter*>(&fir), static_cast<Filter*>(&low),
                            static_cast<Filter*>(&high), static_cast<Filter*>(&notch)}) {
-        static_cast<void>(designFilter(*filter, notchWithWidth(attr, rate), rate));
+        static_cast<void>(designFilter(*filter, attr, rate));
         std::array<float, 300> block{};
         block[7] = 1.0F;
         static_cast<void>(filter->apply(block.data(), 300));

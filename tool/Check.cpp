@@ -63,7 +63,14 @@ std::vector<OpenFinding> inspectUnopened(const std::string& file, int type) {
     const int found = type != noReaderType ? type : DetectFileType(file.c_str());
     const UnheldReader reader(_KrnlAllocReaderEx(found, file.c_str()));
     auto* single = dynamic_cast<DataReader*>(reader.get());
-    return single ? single->inspectFile() : std::vector<OpenFinding>();
+    if (!single)
+        return {};
+    std::vector<OpenFinding> findings;
+    for (const Warning& warning : warningsOfRefusal(file, type))
+        findings.push_back({Severity::warning, warning.text});
+    const std::vector<OpenFinding> ofBytes = single->inspectFile();
+    findings.insert(findings.end(), ofBytes.begin(), ofBytes.end());
+    return findings;
 }
 
 Report checkOpened(const Recording& recording) {

@@ -20,6 +20,7 @@ inline constexpr int exitWrongUsage = 2; ///< unknown or contradicting arguments
 void addTypesCommand(CLI::App& app, int& exitCode);
 void addInfoCommand(CLI::App& app, int& exitCode);
 void addCheckCommand(CLI::App& app, int& exitCode);
+void addEventsCommand(CLI::App& app, int& exitCode);
 void addMontageCommand(CLI::App& app, int& exitCode);
 void addExportCommand(CLI::App& app, int& exitCode);
 void addPlotCommand(CLI::App& app, int& exitCode);

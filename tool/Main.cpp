@@ -36,6 +36,7 @@ int runTool(int argc, const char* const* argv) {
     kvsig::tool::addTypesCommand(app, exitCode);
     kvsig::tool::addInfoCommand(app, exitCode);
     kvsig::tool::addCheckCommand(app, exitCode);
+    kvsig::tool::addEventsCommand(app, exitCode);
     kvsig::tool::addMontageCommand(app, exitCode);
     kvsig::tool::addExportCommand(app, exitCode);
     kvsig::tool::addPlotCommand(app, exitCode);

@@ -36,7 +36,8 @@ Json montageFacts(SourceMontage& montage) {
         facts["sources"].push_back(sourceFacts(*montage.source(i)));
     facts["averages"] = Json::array();
     for (int i = 0; i < montage.avgRefCount(); ++i)
-        facts["averages"].push_back(sourceFacts(*montage.avgRef(i)));
+        if (AvgSource* average = montage.avgRef(i))
+            facts["averages"].push_back(sourceFacts(*average));
     facts["missing"] = Json::array();
     for (const std::string& definition : montage.unresolved())
         facts["missing"].push_back(toUtf8(definition));

@@ -8,10 +8,12 @@
 #include "kvsig/util/LogSink.h"
 #include "kvsig/util/Text.h"
 #include "tool/ElectrodeName.h"
+#include "tool/LeftOut.h"
 #include "tool/Words.h"
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 namespace kvsig::tool {
 namespace {
@@ -23,15 +25,11 @@ std::string lowerCaseOf(std::string text) {
     return text;
 }
 
-std::string listed(const std::vector<std::string>& names) {
+std::string listed(const std::vector<std::string>& names, const char* between = ", ") {
     std::string text;
-    for (const std::string& name : names)
-        text += (text.empty() ? "" : ", ") + toUtf8(name);
+    for (std::size_t i = 0; i < names.size(); ++i)
+        text.append(i > 0 ? between : "").append(toUtf8(names[i]));
     return text;
-}
-
-void complainOf(const std::string& where, const std::string& text) {
-    complain(where + ": " + text);
 }
 
 // What the library says of montage files and definitions is the user's business too.
@@ -49,25 +47,33 @@ class HeardWarnings {
 
     void pass(const std::string& where) const {
         for (const std::string& text : m_texts)
-            complainOf(where, text);
+            complain(std::string(where).append(": ").append(text));
     }
 
   private:
     std::vector<std::string> m_texts;
 };
 
-void remarkOnWhatIsLeftOut(const SourceMontage& montage, const std::string& where) {
-    const std::vector<std::string>& missing = montage.unresolved();
-    if (missing.empty())
-        return;
-    remark(where + ": " + std::to_string(missing.size()) +
-           " rows left out, the recording lacks electrodes of them: " + listed(missing));
+void remarkOnWhatIsLeftOut(const LeftOut& leftOut, const std::string& where) {
+    const auto counted = [&where](const std::vector<std::string>& texts, const char* what) {
+        return where + ": " + std::to_string(texts.size()) + " " + what +
+               (texts.size() == 1 ? "" : "s") + " left out, ";
+    };
+    for (const auto& [texts, what] :
+         {std::pair(&leftOut.rows, "row"), std::pair(&leftOut.averages, "average")})
+        if (!texts->empty())
+            remark(counted(*texts, what) + "the recording lacks electrodes of " +
+                   (texts->size() == 1 ? "it: " : "them: ") + listed(*texts));
+    if (const auto& texts = leftOut.nonsense; !texts.empty())
+        remark(counted(texts, "definition") + "which " + (texts.size() == 1 ? "does" : "do") +
+               " not parse: \"" + listed(texts, "\", \"") + "\"");
 }
 
 std::string validReferences(const SourceMontage& montage) {
-    std::vector<std::string> names(static_cast<std::size_t>(montage.avgRefCount()));
-    for (std::size_t i = 0; i < names.size(); ++i)
-        names[i] = montage.avgRef(static_cast<int>(i))->name();
+    std::vector<std::string> names;
+    for (int i = 0; i < montage.avgRefCount(); ++i)
+        if (AvgSource* average = montage.avgRef(i))
+            names.emplace_back(average->name());
     return listed(names) + (names.empty() ? "" : " or ") + "an electrode of the recording";
 }
 
@@ -185,14 +191,16 @@ bool fillMontage(SourceMontage& montage, const Recording& recording, const Monta
                  listed(montageNames(reader)));
         return false;
     }
-    if (shownRows(montage) == 0) {
-        complain(where + (montage.unresolved().empty()
-                              ? " has no rows"
-                              : ": the recording lacks electrodes of all its rows: " +
-                                    listed(montage.unresolved())));
+    LeftOut leftOut = leftOutOf(montage);
+    const bool anyRow = shownRows(montage) > 0;
+    if (!anyRow)
+        complain(where + (leftOut.rows.empty() ? " has no rows"
+                                               : ": the recording lacks electrodes of all its "
+                                                 "rows: " +
+                                                     listed(std::exchange(leftOut.rows, {}))));
+    remarkOnWhatIsLeftOut(leftOut, where);
+    if (!anyRow)
         return false;
-    }
-    remarkOnWhatIsLeftOut(montage, where);
     return choice.reference.empty() || applyReference(montage, choice.reference, where);
 }
 

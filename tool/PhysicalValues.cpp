@@ -33,4 +33,14 @@ PhysicalMap physicalMapOf(IDataReader& reader, int channel) {
     return map;
 }
 
+std::optional<CountMap> countMapOf(IDataReader& reader, int channel) {
+    CountMap map;
+    map.digitalLow = reader.digitalLow(channel);
+    map.digitalSpan = reader.digitalHigh(channel) - map.digitalLow;
+    map.physioLow = reader.physioLow(channel);
+    map.physioSpan = reader.physioHigh(channel) - map.physioLow;
+    const bool defined = map.digitalSpan != 0.0 && rangeIsStated(reader, channel);
+    return defined ? std::optional(map) : std::nullopt;
+}
+
 } // namespace kvsig::tool

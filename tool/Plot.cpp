@@ -3,6 +3,7 @@
 #include "tool/RowStream.h"
 #include "tool/Selection.h"
 #include "tool/plot/Canvas.h"
+#include "tool/plot/EventMarks.h"
 #include "tool/plot/PageDrawing.h"
 #include "tool/plot/PageLayout.h"
 #include "tool/plot/TraceReducer.h"
@@ -53,16 +54,22 @@ double chosenSensitivity(const Rows& rows, const std::vector<TraceReducer>& trac
 bool drawSelection(const Selection& selection, const std::string& format,
                    const PlotOptions& options, Output& output, LongWork& work) {
     const Rows& rows = selection.rows;
-    const PageLayout layout(rows.rows().size());
+    const double rate = selection.recording.reader->samplingRate();
+    const double start = static_cast<double>(selection.range.first) / rate;
+    const double duration = static_cast<double>(selection.range.length()) / rate;
+    // Where the traces stand from left to right does not depend on what is above them.
+    const EventMarks events = placeEvents(eventsOf(selection.recording), start, duration,
+                                          PageLayout(rows.rows().size()).traceWidth());
+    const PageLayout layout(rows.rows().size(), events.lanes * eventLaneHeight);
     const std::vector<TraceReducer> traces = reduceTraces(rows, selection.range, work);
     if (traces.empty())
         return false;
     const double sensitivity =
         options.sensitivity > 0 ? options.sensitivity : chosenSensitivity(rows, traces, layout);
     Canvas canvas(format, layout.width, layout.height, output);
-    drawPage(
-        canvas, layout,
-        {&selection.recording, &rows, &traces, selection.range, &options.signals, sensitivity});
+    drawPage(canvas, layout,
+             {&selection.recording, &rows, &traces, &events, selection.range, &options.signals,
+              sensitivity});
     return canvas.finish();
 }
 

@@ -1,6 +1,7 @@
 #include "tool/Recording.h"
 
 #include "kvsig/readers/SyncReader.h"
+#include "kvsig/registry/Allocation.h"
 #include "kvsig/registry/FrontDoor.h"
 #include "kvsig/registry/types/FileTypes.h"
 #include "kvsig/util/Saturate.h"
@@ -14,6 +15,14 @@ namespace kvsig::tool {
 using Severity = OpenFinding::Severity;
 
 namespace {
+
+// Of a reader, or of both members of a pair.
+std::vector<DataReader*> readersOf(IDataReader* reader) {
+    if (auto* pair = dynamic_cast<SyncReader*>(reader))
+        return {dynamic_cast<DataReader*>(pair->first()),
+                dynamic_cast<DataReader*>(pair->second())};
+    return {dynamic_cast<DataReader*>(reader)};
+}
 
 // Commands run through a recording once: a few pages do, however wide its frames are.
 void limitPages(IDataReader& reader) {
@@ -34,12 +43,7 @@ Recording::Place Recording::placeOf(int channel) const {
     return {all.front(), channel};
 }
 
-std::vector<DataReader*> Recording::members() const {
-    if (auto* pair = dynamic_cast<SyncReader*>(reader.get()))
-        return {dynamic_cast<DataReader*>(pair->first()),
-                dynamic_cast<DataReader*>(pair->second())};
-    return {dynamic_cast<DataReader*>(reader.get())};
-}
+std::vector<DataReader*> Recording::members() const { return readersOf(reader.get()); }
 
 long Recording::atCommonRate(long samples) const {
     const double own = members().front()->samplingRate();
@@ -86,19 +90,57 @@ std::optional<int> typeFromName(const std::string& name) {
     return std::nullopt;
 }
 
+namespace {
+
+std::vector<Warning> warningsOf(const std::vector<DataReader*>& readers) {
+    std::vector<Warning> warnings;
+    for (const DataReader* reader : readers)
+        for (const OpenFinding& finding : reader->openFindings())
+            if (finding.severity == Severity::warning)
+                warnings.push_back({reader->filePath(), finding.text});
+    return warnings;
+}
+
+void say(const std::vector<Warning>& warnings) {
+    for (const auto& [file, text] : warnings)
+        complain(std::string(file).append(": ").append(text));
+}
+
+} // namespace
+
+std::vector<Warning> warningsOfRefusal(const std::string& path, int type) {
+    const int found = type != noReaderType ? type : DetectFileType(path.c_str());
+    const UnheldReader reader(_KrnlAllocReaderEx(found, path.c_str()));
+    if (!reader)
+        return {};
+    const std::vector<DataReader*> readers = readersOf(reader.get());
+    // A failed open leaves its findings behind.
+    const bool opens = std::all_of(readers.begin(), readers.end(), [](DataReader* each) {
+        return each->open(std::string(each->filePath()).c_str());
+    });
+    if (opens)
+        return {};
+    std::vector<Warning> warnings = warningsOf(readers);
+    constexpr std::size_t most = 4; // a header that is off has one for each signal
+    if (warnings.size() > most + 1) {
+        const std::string rest = std::to_string(warnings.size() - most);
+        warnings.resize(most);
+        warnings.push_back({warnings.front().file, rest + " more warnings"});
+    }
+    return warnings;
+}
+
 std::optional<Recording> openRecording(const std::string& path, int type, std::string* reason) {
     std::string error;
     Recording recording{path, openReader(path.c_str(), type, &error)};
     if (!recording.reader) {
         complain(error);
+        say(warningsOfRefusal(path, type));
         if (reason)
             *reason = error;
         return std::nullopt;
     }
-    for (const DataReader* member : recording.members())
-        for (const OpenFinding& finding : member->openFindings())
-            if (finding.severity == Severity::warning)
-                complain(member->filePath() + ": " + finding.text);
+    say(warningsOf(recording.members()));
     return recording;
 }
 

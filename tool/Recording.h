@@ -38,6 +38,16 @@ struct Recording {
 /// there is no such type. An empty name gives 0: detect.
 [[nodiscard]] std::optional<int> typeFromName(const std::string& name);
 
+/// A warning and the file that it is about.
+struct Warning {
+    std::string file;
+    std::string text;
+};
+
+/// What is known of a recording that does not open beside the reason: its readers' warnings up to
+/// there, which explain numbers that the reason speaks of; the first few.
+[[nodiscard]] std::vector<Warning> warningsOfRefusal(const std::string& path, int type);
+
 /// Opens a recording, says its warnings and complains when it does not open.
 [[nodiscard]] std::optional<Recording> openRecording(const std::string& path, int type,
                                                      std::string* reason = nullptr);

@@ -1,6 +1,8 @@
 #include "tool/RowStream.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 
 namespace kvsig::tool {
 namespace {
@@ -44,19 +46,48 @@ bool RowStream::next() {
     m_window.last = std::min(m_range.last, m_window.first + static_cast<long>(m_windowLength) - 1);
     for (std::size_t i = 0; i < m_rows->size(); ++i) {
         const Row& row = (*m_rows)[i];
-        const double gain = m_kernelValues ? 1.0 : row.gain;
         float* out = m_values.data() + i * m_windowLength;
         if (row.gap)
             continue; // stays at zeros
-        if (!m_started)
-            runIn(row, gain, out);
-        row.source->iterGetData(m_window.length(), out, gain);
-        if (!m_kernelValues && row.offset != 0.0)
-            std::transform(out, out + m_window.length(), out,
-                           [&row](float x) { return static_cast<float>(x + row.offset); });
+        if (isFromCounts(row))
+            fillFromCounts(row, out);
+        else
+            fillFromSource(row, out);
     }
     m_started = true;
     return true;
+}
+
+bool RowStream::isFromCounts(const Row& row) const {
+    return !m_kernelValues && row.countMap && !row.source->useFilter();
+}
+
+void RowStream::fillFromCounts(const Row& row, float* out) {
+    constexpr long blockLength = 4096;
+    std::array<std::int32_t, blockLength> counts{};
+    DataReader& reader = *row.place.reader;
+    // A pair's second recording may end before the first.
+    const long held = std::min(m_window.last, reader.storedSampleCount() - 1);
+    for (long first = m_window.first; first <= held; first += blockLength) {
+        const long last = std::min(held, first + blockLength - 1);
+        reader.getRawData(row.place.channel, first, last, counts.data());
+        out = std::transform(counts.begin(), counts.begin() + (last - first + 1), out,
+                             [&row](std::int32_t count) {
+                                 return static_cast<float>(row.countMap->valueOf(count));
+                             });
+    }
+    const long missing = m_window.last - std::max(held, m_window.first - 1);
+    std::fill_n(out, missing, static_cast<float>(row.offset));
+}
+
+void RowStream::fillFromSource(const Row& row, float* out) {
+    const double gain = m_kernelValues ? 1.0 : row.gain;
+    if (!m_started)
+        runIn(row, gain, out);
+    row.source->iterGetData(m_window.length(), out, gain);
+    if (!m_kernelValues && row.offset != 0.0)
+        std::transform(out, out + m_window.length(), out,
+                       [&row](float x) { return static_cast<float>(x + row.offset); });
 }
 
 namespace {

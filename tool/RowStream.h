@@ -16,7 +16,8 @@ namespace kvsig::tool {
 
 /// Delivers the values of rows window by window, in order, with the filters' state carried on from
 /// one window to the next, so that the result does not depend on where windows end. The filters run
-/// in on the samples before the range, at the recording's start on its first sample. Holds at most
+/// in on the samples before the range, at the recording's start on its first sample. Recorded
+/// channels without filters are computed from the file's counts and rounded once. Holds at most
 /// about four MiB of samples.
 class RowStream {
   public:
@@ -36,6 +37,9 @@ class RowStream {
     void setKernelValues(bool kernelValues) { m_kernelValues = kernelValues; }
 
   private:
+    [[nodiscard]] bool isFromCounts(const Row& row) const;
+    void fillFromCounts(const Row& row, float* out);
+    void fillFromSource(const Row& row, float* out);
     void runIn(const Row& row, double gain, float* work);
 
     const std::vector<Row>* m_rows;

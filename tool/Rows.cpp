@@ -3,7 +3,6 @@
 #include "kvsig/montage/DataSource.h"
 #include "kvsig/montage/FilterDesign.h"
 #include "kvsig/util/Text.h"
-#include "tool/PhysicalValues.h"
 #include "tool/Words.h"
 
 #include <algorithm>
@@ -13,7 +12,6 @@ namespace kvsig::tool {
 namespace {
 
 constexpr short otherUnitType = 100;
-constexpr double notchHalfWidth = 1.0; // hertz to either side, at -3 dB
 
 // What a chain does to a constant.
 double gainAtZeroHertz(const FilterList& chain) {
@@ -83,18 +81,29 @@ bool Rows::selectChannels(const std::string& list) {
 bool Rows::selectMontage(const MontageChoice& choice, bool keepGaps) {
     if (!fillMontage(m_montage, *m_recording, choice))
         return false;
+    // Gaps stand as the montage has them, but a group of rows that are all left out takes the gap
+    // behind it, or before it, away with it.
+    bool anyLeftOut = false;
+    bool anyShown = false;
     for (int i = 0; i < m_montage.sourceCount(); ++i) {
         DataSource& source = *m_montage.source(i);
-        // Rows that are left out leave no gaps behind.
-        if (source.isGap() && (!keepGaps || m_rows.empty() || m_rows.back().gap))
+        anyLeftOut = anyLeftOut || m_montage.leftOutBefore(i);
+        if (!source.isGap()) {
+            (addMontageRow(source) ? anyShown : anyLeftOut) = true;
             continue;
-        addMontageRow(source);
+        }
+        if (keepGaps && (anyShown || !anyLeftOut))
+            addGap(source);
+        anyLeftOut = anyShown = false;
     }
-    if (!m_rows.empty() && m_rows.back().gap)
+    anyLeftOut = anyLeftOut || m_montage.leftOutBefore(m_montage.sourceCount());
+    if (anyLeftOut && !anyShown && !m_rows.empty() && m_rows.back().gap)
         m_rows.pop_back();
-    if (m_rows.empty())
+    const bool any =
+        std::any_of(m_rows.begin(), m_rows.end(), [](const Row& row) { return !row.gap; });
+    if (!any)
         complain(m_recording->path + ": montage " + m_montage.name() + " has no rows to show");
-    return !m_rows.empty();
+    return any;
 }
 
 namespace {
@@ -116,22 +125,27 @@ std::vector<int> channelsOf(const SourceMontage& montage, const G1G2Source& row)
 
 } // namespace
 
-void Rows::addMontageRow(DataSource& source) {
-    const auto* pair = dynamic_cast<G1G2Source*>(&source);
+void Rows::addGap(DataSource& source) {
     Row row;
-    if (source.isGap()) {
-        row.gap = true;
-    } else if (pair) {
+    row.gap = true;
+    row.source = &source;
+    m_rows.push_back(std::move(row));
+}
+
+bool Rows::addMontageRow(DataSource& source) {
+    Row row;
+    if (const auto* pair = dynamic_cast<G1G2Source*>(&source)) {
         const std::vector<int> channels = channelsOf(m_montage, *pair);
         if (const std::string fault = mixFault(channels); !fault.empty()) {
             remark(m_recording->path + ": " + rowLabel(source) + " is left out: " + fault);
-            return;
+            return false;
         }
         row = channels.size() == 1 ? recordedRow(channels.front()) : derivedRow(channels);
         row.name = rowLabel(source);
     }
     row.source = &source;
     m_rows.push_back(std::move(row));
+    return true;
 }
 
 bool Rows::add(const std::string& text) {
@@ -198,6 +212,9 @@ Row Rows::recordedRow(int channel) const {
     const PhysicalMap map = physicalMapOf(reader, channel);
     row.gain = map.gain;
     row.offset = map.offset;
+    row.place = m_recording->placeOf(channel);
+    if (row.place.reader->samplingRate() == reader.samplingRate())
+        row.countMap = countMapOf(reader, channel);
     row.microvolts = reader.channelType(channel) != otherUnitType;
     return row;
 }
@@ -269,7 +286,7 @@ bool Rows::append(std::unique_ptr<DataSource> source, const RowDefinition& defin
 void Rows::applyFilters(const SignalOptions& options) {
     const double rate = m_recording->reader->samplingRate();
     FilterAttr notch = attrOf(options.notch);
-    notch.second = notchWidthFrequency(options.notch, notchHalfWidth, rate);
+    notch.second = notchWidthFrequency(options.notch, usualNotchHalfWidth, rate);
     const double notchPass = notch.use ? notchGainAtZeroHertz(notch, rate) : 1.0;
     for (Row& row : m_rows) {
         SourceSettings settings = row.source->settings();

@@ -3,14 +3,16 @@
 #include "kvsig/filters/IIRNotch.h"
 #include "kvsig/montage/AvgSource.h"
 #include "kvsig/montage/G1G2Source.h"
-#include "kvsig/montage/SourceMontage.h"
 #include "tool/ChannelNames.h"
+#include "tool/LeftOut.h"
+#include "tool/PhysicalValues.h"
 #include "tool/Recording.h"
 #include "tool/RowDefinition.h"
 #include "tool/SignalOptions.h"
 
 #include <deque>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -25,6 +27,11 @@ struct Row {
     int channel = -1;    ///< the recorded channel, or -1 for a derivation
     double gain = 1.0;   ///< the scale that gives physical units
     double offset = 0.0; ///< added to the scaled values; 0 for derivations
+    /// Of a recorded channel: where its counts are, and what they mean. Without it, as of
+    /// derivations and where a pair stretches a slower recording, values come from the source
+    /// alone.
+    Recording::Place place{nullptr, -1};
+    std::optional<CountMap> countMap;
     bool microvolts = true;
     bool gap = false; ///< an empty row that sets others apart
 };
@@ -49,7 +56,9 @@ class Rows final : public MontageContext {
   private:
     bool selectChannels(const std::string& list);
     bool selectMontage(const MontageChoice& choice, bool keepGaps);
-    void addMontageRow(DataSource& source);
+    /// False with a remark when the row's channels cannot be combined.
+    bool addMontageRow(DataSource& source);
+    void addGap(DataSource& source);
     bool add(const std::string& text);
     void addRecorded(int channel);
     bool addDifference(const RowDefinition& definition);
@@ -75,7 +84,7 @@ class Rows final : public MontageContext {
     std::vector<Row> m_rows;
     std::vector<std::unique_ptr<DataSource>> m_sources;
     std::vector<std::unique_ptr<AvgSource>> m_averages;
-    SourceMontage m_montage;
+    TrackedMontage m_montage;
     std::deque<IIRNotch> m_notches;
 };
 

@@ -71,18 +71,20 @@ std::optional<SampleRange> sampleRange(const Recording& recording, const SignalO
     const double end = static_cast<double>(stored) / rate;
     const double from = secondsOf(options.from, 0.0);
     const double to = secondsOf(options.to, end);
-    if (to > end + 0.5 / rate)
-        remark(recording.path + ": the range " + shortestText(from) + " to " + shortestText(to) +
-               " s is clipped to the recording, 0 to " + shortestText(end) + " s");
     SampleRange range;
     range.first = std::max(saturate<long>(sampleAt(from, rate)), 0L);
     range.last = std::min(saturate<long>(sampleAt(to, rate) - 1.0), stored - 1);
     if (range.last < range.first) {
+        // Past the end, what comes before does not matter.
+        const bool pastEnd = range.first >= stored;
         complain(recording.path + ": no samples from " + shortestText(from) + " s on" +
-                 (options.to.empty() ? "" : " and before " + shortestText(to) + " s") +
+                 (options.to.empty() || pastEnd ? "" : " and before " + shortestText(to) + " s") +
                  "; the recording lasts " + shortestText(end) + " s");
         return std::nullopt;
     }
+    if (to > end + 0.5 / rate)
+        remark(recording.path + ": the range " + shortestText(from) + " to " + shortestText(to) +
+               " s is clipped to the recording, 0 to " + shortestText(end) + " s");
     return range;
 }
 

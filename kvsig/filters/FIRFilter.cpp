@@ -1,7 +1,7 @@
 #include "kvsig/filters/FIRFilter.h"
 
-#include "kvsig/filters/Convolve.h"
 #include "kvsig/filters/KaiserLowPass.h"
+#include "kvsig/filters/SlidingSums.h"
 #include "kvsig/util/Saturate.h"
 
 #include <algorithm>
@@ -13,6 +13,7 @@ namespace kvsig {
 namespace {
 
 constexpr double maxTaps = 1 << 22;
+constexpr int shortestBlock = 1 << 12; // outputs
 
 } // namespace
 
@@ -45,14 +46,25 @@ int FIRFilter::design(double cutoff, double transition, double attenuation) {
 int FIRFilter::apply(float* data, int count) {
     if (!data || m_nTaps == 0 || count < m_nTaps)
         return 0;
-    int outputs = 0;
-    const std::unique_ptr<float[]> filtered(
-        convolve(data, count, m_weights.data(), m_nTaps, 1, +1, 1, &outputs));
-    if (!filtered)
+    // Outputs go where inputs of later ones lie, so these are copied away before, block by block.
+    const int outputs = count - m_nTaps + 1;
+    const int block = std::min(outputs, std::max(shortestBlock, m_nTaps));
+    const int overlap = m_nTaps - 1;
+    const std::unique_ptr<float[]> inputs(new (
+        std::nothrow) float[static_cast<std::size_t>(block) + static_cast<std::size_t>(overlap)]);
+    if (!inputs)
         return 0;
     const int margin = m_nTaps / 2;
+    std::copy_n(data, overlap, inputs.get());
     std::fill_n(data, margin, 0.0F);
-    std::copy_n(filtered.get(), outputs, data + margin);
+    for (int k = 0; k < outputs;) {
+        const int length = std::min(block, outputs - k);
+        std::copy_n(data + k + overlap, length, inputs.get() + overlap);
+        slidingSums(inputs.get(), 1, m_weights.data(), m_nTaps, Fold::sum, data + k + margin,
+                    length);
+        std::copy_n(inputs.get() + length, overlap, inputs.get());
+        k += length;
+    }
     std::fill_n(data + margin + outputs, margin, 0.0F);
     return 1;
 }

@@ -1,5 +1,7 @@
 #include "kvsig/filters/FilterList.h"
 
+#include "kvsig/filters/IIRCascade.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -31,6 +33,11 @@ int FilterList::design(double /*cutoff*/, double /*transition*/, double /*attenu
 }
 
 int FilterList::apply(float* data, int count) {
+    if (data && count >= IIRCascade::shortestBlock)
+        if (const auto cascade = IIRCascade::of(*this)) {
+            IIRCascade::remember(*this, cascade->apply(data, count));
+            return 1;
+        }
     for (Filter* filter : m_filters)
         filter->apply(data, count);
     return 1;

@@ -52,6 +52,8 @@ class KVSIG_API IIRFilter : public Filter {
     int _apply(float* data, int count, bool continuing);
 
   private:
+    friend class IIRCascade;
+
     int order() const;
     void runFirstOrder(float* data, int count);
     void runSecondOrder(float* data, int count);

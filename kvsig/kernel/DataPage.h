@@ -36,12 +36,22 @@ class KVSIG_API PageBuffer {
     std::int64_t m_used = 0; ///< from here on the bytes are as the system gave them: zero
 };
 
-/// A page of raw samples, frame by frame: sample index major, channel minor.
+/// A page of raw samples: frame by frame (sample index major, channel minor) in the machine's byte
+/// order, or record by record as they stand in the file.
 struct DataPage {
     std::int32_t start = 0; ///< first sample index, a multiple of the page length
     std::int32_t end = -1;  ///< last sample index, inclusive
-    PageBuffer buffer;      ///< 2 or 4 bytes per value, in the machine's byte order
+    PageBuffer buffer;      ///< frames: 2 or 4 bytes per value
     bool complete = false;  ///< the whole page was read and ends before the recording does
+
+    // Of a page of records only. It holds one channel alone until a second one is asked for, and
+    // may lose its samples while it keeps its place in the cache.
+    bool inRecords = false;
+    std::int64_t records = 0;  ///< that the file holds for the page; behind them are zeros
+    int firstChannel = -1;     ///< the channel that was asked for first; -1: no samples are there
+    bool everyChannel = false; ///< whole records; otherwise that channel's samples alone
+    bool lostSamples = false;  ///< it had samples; they went to make room
+    std::uint64_t lastUse = 0; ///< larger is later
 };
 
 } // namespace kvsig

@@ -14,6 +14,7 @@ namespace kvsig {
 
 struct ChannelRecord;
 struct DataPage;
+struct RecordLayout;
 class SourceMontage;
 
 /// The base of every format reader: one instance stands for one open recording. A format supplies
@@ -194,6 +195,13 @@ class KVSIG_API DataReader : public IDataReader {
   protected:
     /// The code of the sample encoding, as attribute files of raw recordings give it.
     virtual int dataTypeCode();
+
+    /// Where the raw samples of the open recording stand in its file, when they stand in records
+    /// of one shape and chunk reads give exactly these samples as frames. getData() then takes them
+    /// from the file by the shortest way, without any chunk read. Null: chunk reads it is. A class
+    /// that derives from a reader and makes chunks of its own overrides this to return null. The
+    /// layout stays the reader's and valid until the recording is closed.
+    virtual const RecordLayout* recordLayout();
 
   public:
     /// The last failure in one sentence that names the file, the field and the value; empty after

@@ -143,10 +143,10 @@ void DataReader::setZeroChannel(int channel, bool zero) {
 bool DataReader::gridNamesAsNumbers() { return m_state->gridNamesAsNumbers; }
 void DataReader::setGridNamesAsNumbers(bool numbers) { m_state->gridNamesAsNumbers = numbers; }
 
-// Electrodes off the scalp have references of their own, so they do not count.
+// Electrodes off the scalp have references of their own, so they do not count; without one on the
+// scalp the reference stays what it was.
 int DataReader::_isMapReferential() {
     bool found = false;
-    copyText(m_state->refGrid, "Ref");
     for (int i = 0; i < channelCount(); ++i) {
         const ChannelRecord* record = channelRecord(i);
         if (!record || IndexOf1020(record->grid1) < 0)

@@ -1,5 +1,6 @@
-#include "kvsig/kernel/FrameValues.h"
+#include "kvsig/kernel/RawRun.h"
 #include "kvsig/kernel/ReaderState.h"
+#include "kvsig/kernel/RecordPage.h"
 #include "kvsig/util/SampleRange.h"
 #include "kvsig/util/Saturate.h"
 
@@ -38,8 +39,10 @@ int DataReader::getChunk(long bytePos, short* buffer, int) {
     return saturate<int>(samples * frameBytes);
 }
 
+const RecordLayout* DataReader::recordLayout() { return nullptr; }
+
 // Walks `first`..`last` in runs: consume(offset, count, run) with the offset of the run's first
-// sample from `first`, and a null run where the recording has no samples.
+// sample from `first`, and a null run where there are no pages.
 template <typename Consume>
 int DataReader::forEachRun(int channel, long first, long last, Consume consume) {
     const std::int64_t count = rangeLength(first, last);
@@ -47,19 +50,23 @@ int DataReader::forEachRun(int channel, long first, long last, Consume consume) 
         return 0;
     const std::int64_t beforeStart = first >= 0 ? 0 : last < 0 ? count : -std::int64_t{first};
     if (beforeStart > 0)
-        consume(std::int64_t{0}, beforeStart, static_cast<const PageRun*>(nullptr));
+        consume(std::int64_t{0}, beforeStart, static_cast<const RawRun*>(nullptr));
     std::int64_t done = beforeStart;
     while (done < count) {
         const long index = static_cast<long>(first + done);
-        const DataPage* page = channelRecord(channel) ? pageAtIndex(index) : nullptr;
+        const auto [page, records] = channelRecord(channel)
+                                         ? m_state->pages.pageAt(index, channel, *m_state)
+                                         : PageCache::Found{};
         if (!page) {
-            consume(done, count - done, static_cast<const PageRun*>(nullptr));
+            consume(done, count - done, static_cast<const RawRun*>(nullptr));
             break;
         }
         const std::int64_t length = std::min(count - done, std::int64_t{page->end} - index + 1);
-        const PageRun run{*page, m_state->frameLayout(), channel, index, length};
-        consume(done, length, &run);
-        done += length;
+        const RawRun run = records
+                               ? recordRun(*page, *records, channel, index, length)
+                               : frameRun(*page, m_state->frameLayout(), channel, index, length);
+        consume(done, run.count, &run);
+        done += run.count;
     }
     return static_cast<int>(count);
 }
@@ -76,7 +83,7 @@ int DataReader::getData(int channel, long first, long last, float* out, double g
         map.physioSpan = physioHigh(channel) - map.physioLow;
     }
     return forEachRun(channel, first, last,
-                      [&](std::int64_t offset, std::int64_t count, const PageRun* run) {
+                      [&](std::int64_t offset, std::int64_t count, const RawRun* run) {
                           if (run)
                               mapValues(*run, map, accumulate != 0, out + offset);
                           else if (accumulate == 0)
@@ -86,7 +93,7 @@ int DataReader::getData(int channel, long first, long last, float* out, double g
 
 int DataReader::getRawData(int channel, long first, long last, std::int32_t* out) {
     return forEachRun(channel, first, last,
-                      [&](std::int64_t offset, std::int64_t count, const PageRun* run) {
+                      [&](std::int64_t offset, std::int64_t count, const RawRun* run) {
                           if (run)
                               copyRaw(*run, out + offset);
                           else
@@ -94,10 +101,10 @@ int DataReader::getRawData(int channel, long first, long last, std::int32_t* out
                       });
 }
 
-DataPage* DataReader::pageAtIndex(long index) { return m_state->pages.pageAt(index, *m_state); }
+DataPage* DataReader::pageAtIndex(long index) { return m_state->pages.framesAt(index, *m_state); }
 
 bool DataReader::readPageAtIndex(DataPage* page, long index) {
-    return page && index >= 0 && m_state->pages.readPage(*page, index, *m_state);
+    return page && index >= 0 && m_state->pages.readFrames(*page, index, *m_state);
 }
 
 short DataReader::getMaxPages() { return m_state->pages.maxPages; }

@@ -1,5 +1,7 @@
 #include "kvsig/kernel/PageCache.h"
 
+#include "kvsig/kernel/PageSource.h"
+#include "kvsig/kernel/RecordPage.h"
 #include "kvsig/util/LogSink.h"
 #include "kvsig/util/Saturate.h"
 
@@ -10,43 +12,40 @@
 namespace kvsig {
 namespace {
 
-struct ChunkRead {
-    std::int64_t samples = 0; ///< frames that arrived
-    std::int64_t stopped = 0; ///< frames up to where the reading stopped, the short ones included
-};
+bool holds(const DataPage& page, long index) { return page.start <= index && index <= page.end; }
 
-// Chunks are asked for until one brings nothing. What a short chunk leaves open reads as zeros.
-ChunkRead readChunks(DataPage& page, std::int64_t chunks, std::int64_t chunkFrames,
-                     PageSource& source, const FrameLayout& layout) {
-    ChunkRead read;
-    const std::int64_t frameBytes = layout.frameBytes();
-    for (std::int64_t i = 0; i < chunks; ++i) {
-        const std::int64_t begin = read.stopped * frameBytes;
-        page.buffer.use(begin + chunkFrames * frameBytes);
-        std::byte* part = page.buffer.data() + begin;
-        const int count = source.readChunk(saturate<long>(page.start + read.stopped),
-                                           static_cast<short*>(static_cast<void*>(part)));
-        if (count <= 0)
-            break;
-        // A reader may hand out more than a chunk; only the chunk's own part is counted.
-        const std::int64_t taken = std::min(count, layout.chunkPoints);
-        read.samples += taken;
-        read.stopped += layout.chunkPoints;
-        page.buffer.zero(begin + taken * frameBytes, read.stopped * frameBytes);
-    }
-    return read;
+bool hasSamples(const DataPage& page) { return page.inRecords && page.firstChannel >= 0; }
+
+void logRead(const DataPage& page, std::int64_t samples) {
+    logMessage(logInfo, "DataReader: Read " + std::to_string(samples) + " samples at " +
+                            std::to_string(page.start) + ", " +
+                            (page.complete ? "complete" : "incomplete") + " page");
 }
 
 } // namespace
 
-DataPage* PageCache::pageAt(long index, PageSource& source) {
+PageCache::Found PageCache::pageAt(long index, int channel, PageSource& source) {
+    DataPage* page = pageOf(index, source);
+    if (!page || !page->inRecords)
+        return {page};
+    const RecordLayout* layout = source.recordLayout();
+    if (!layout)
+        return {framesAt(index, source)};
+    return provide(*page, channel, *layout) ? Found{page, layout} : Found{};
+}
+
+DataPage* PageCache::framesAt(long index, PageSource& source) {
+    DataPage* page = pageOf(index, source);
+    return !page || !page->inRecords || readFrames(*page, index, source) ? page : nullptr;
+}
+
+DataPage* PageCache::pageOf(long index, PageSource& source) {
     if (const FrameLayout layout = source.frameLayout(); !(layout == m_layout)) {
-        m_pages.clear();
+        removeAll();
         m_layout = layout;
     }
-    for (const Page& page : m_pages)
-        if (page->start <= index && index <= page->end)
-            return page.get();
+    if (DataPage* page = heldPage(index))
+        return page;
     if (index < 0 || index > saturate<std::int32_t>(source.maxDataIndex()))
         return nullptr;
 
@@ -54,27 +53,124 @@ DataPage* PageCache::pageAt(long index, PageSource& source) {
     if (held > std::max<std::int64_t>(maxPages, 0) &&
         (index < m_pages.front()->start || held > std::int64_t{10} * maxPages)) {
         logMessage(logInfo, "DataReader: Removing all pages");
-        m_pages.clear();
+        removeAll();
     }
 
     const bool roomLeft = std::cmp_less(m_pages.size(), maxPages);
     if (!m_pages.empty() && !roomLeft) {
         if (index > m_pages.back()->end)
-            return readInto(takeFront(), index, source);
+            return begin(takeFront(), index, source);
         if (index < m_pages.front()->start)
-            return readInto(takeBack(), index, source);
+            return begin(takeBack(), index, source);
     }
     // A gap between cached pages is filled regardless of the limit.
-    return readInto(std::make_unique<DataPage>(), index, source);
+    return begin(std::make_unique<DataPage>(), index, source);
 }
 
-DataPage* PageCache::readInto(Page page, long index, PageSource& source) {
-    if (!readPage(*page, index, source))
+DataPage* PageCache::heldPage(long index) {
+    if (m_lengthsDiffer) {
+        const auto page = std::find_if(m_pages.begin(), m_pages.end(),
+                                       [index](const Page& p) { return holds(*p, index); });
+        return page == m_pages.end() ? nullptr : page->get();
+    }
+    const auto next =
+        std::upper_bound(m_pages.begin(), m_pages.end(), index,
+                         [](long wanted, const Page& page) { return wanted < page->start; });
+    const auto page = next == m_pages.begin() ? next : next - 1;
+    return page != next && holds(**page, index) ? page->get() : nullptr;
+}
+
+DataPage* PageCache::begin(Page page, long index, PageSource& source) {
+    if (!beginPage(*page, index, source))
         return nullptr;
+    const auto lengthOf = [](const DataPage& p) { return std::int64_t{p.end} - p.start; };
+    if (!m_pages.empty() && lengthOf(*m_pages.front()) != lengthOf(*page))
+        m_lengthsDiffer = true;
     const auto place =
         std::upper_bound(m_pages.begin(), m_pages.end(), page->start,
                          [](long start, const Page& other) { return start < other->start; });
     return m_pages.insert(place, std::move(page))->get();
+}
+
+bool PageCache::beginPage(DataPage& page, long index, PageSource& source) {
+    if (!offersRecords(source))
+        return readFrames(page, index, source);
+    setRange(page, index);
+    const std::int64_t samples = beginRecordPage(page, *source.recordLayout());
+    page.complete = samples >= pageLength() && page.end < source.sampleCount();
+    m_pagesAlone = std::min(m_pagesAlone + 1, pagesOfAWindow);
+    logRead(page, samples);
+    return true;
+}
+
+bool PageCache::readFrames(DataPage& page, long index, PageSource& source) {
+    setRange(page, index);
+    const std::int64_t samples = loadFramePage(page, pageLength(), source);
+    if (samples < 0) {
+        // The frame size stands in the second field in spite of its label; kept on purpose.
+        logMessage(logInfo, "Error allocating memory at DataReader::readPageAtIndex. PagePts=" +
+                                std::to_string(pageLength()) + ", BytesPerSample=" +
+                                std::to_string(source.frameLayout().frameBytes()));
+        return false;
+    }
+    page.complete = samples >= pageLength() && page.end < source.sampleCount();
+    logRead(page, samples);
+    return true;
+}
+
+std::int64_t PageCache::pageLength() const { return std::max(pagePoints, 1); }
+
+void PageCache::setRange(DataPage& page, long index) const {
+    const std::int64_t start = index / pageLength() * pageLength();
+    page.start = saturate<std::int32_t>(start);
+    page.end = saturate<std::int32_t>(start + pageLength() - 1);
+}
+
+// Frames that are too large for a page read as zeros, so their records must not be shown either.
+bool PageCache::offersRecords(PageSource& source) const {
+    const RecordLayout* layout = source.recordLayout();
+    return layout && layout->points > 0 && pageLength() % layout->points == 0 &&
+           std::cmp_less_equal(m_layout.channels, layout->channels.size()) &&
+           framesFitAPage(pageLength(), source);
+}
+
+// A channel that is read through the whole file is read alone. Once several are wanted, the next
+// pages are read whole: who looks at a window asks for all its channels in turn.
+bool PageCache::provide(DataPage& page, int channel, const RecordLayout& layout) {
+    page.lastUse = ++m_clock;
+    if (page.firstChannel == channel)
+        return true;
+    if (page.firstChannel >= 0)
+        m_pagesAlone = 0;
+    if (page.everyChannel && page.firstChannel >= 0)
+        return true;
+    const bool alone =
+        page.firstChannel < 0 && m_pagesAlone >= pagesOfAWindow && isSparse(layout, channel);
+    if (page.firstChannel < 0)
+        makeRoomFor(page, page.records * layout.recordBytes());
+    return alone ? loadOneChannel(page, layout, channel) : loadWholeRecords(page, layout, channel);
+}
+
+// Few pages keep their samples, so that reading on stays in the processor's caches: fetching a page
+// again costs little. Who comes back to pages that lost theirs gets more of them kept.
+void PageCache::makeRoomFor(DataPage& page, std::int64_t bytes) {
+    constexpr std::int64_t nearBytes = 512 << 10;
+    if (page.lostSamples)
+        m_pagesToKeep = saturate<int>(2 * std::int64_t{m_pagesToKeep});
+    const std::int64_t keep = std::min(
+        std::max(nearBytes / std::max<std::int64_t>(bytes, 1), std::int64_t{m_pagesToKeep}),
+        std::max<std::int64_t>(maxPages, 1));
+    if (std::count_if(m_pages.begin(), m_pages.end(),
+                      [](const Page& held) { return hasSamples(*held); }) < keep)
+        return;
+    DataPage* oldest = nullptr;
+    for (const Page& held : m_pages)
+        if (hasSamples(*held) && (!oldest || held->lastUse < oldest->lastUse))
+            oldest = held.get();
+    std::swap(page.buffer, oldest->buffer);
+    oldest->buffer = PageBuffer();
+    oldest->firstChannel = -1;
+    oldest->lostSamples = true;
 }
 
 PageCache::Page PageCache::takeFront() {
@@ -89,42 +185,14 @@ PageCache::Page PageCache::takeBack() {
     return page;
 }
 
-bool PageCache::readPage(DataPage& page, long index, PageSource& source) {
-    const FrameLayout layout = source.frameLayout();
-    const std::int64_t points = std::max(pagePoints, 1);
-    const std::int64_t start = index / points * points;
-    const std::int64_t chunks = std::max<std::int64_t>(points / layout.chunkPoints, 1);
-    const std::int64_t frameBytes = layout.frameBytes();
-
-    // The last chunk may overhang: a reader's chunk can be larger than its part of the page.
-    const std::int64_t chunkFrames = std::max(source.largestChunk(), layout.chunkPoints);
-    const std::int64_t frames = std::max(points, (chunks - 1) * layout.chunkPoints + chunkFrames);
-    const bool affordable = frames <= maxPageBytes / std::max<std::int64_t>(frameBytes, 1);
-    if (!affordable || !page.buffer.reserve(frames * frameBytes)) {
-        // The frame size stands in the second field in spite of its label; kept on purpose.
-        logMessage(logInfo, "Error allocating memory at DataReader::readPageAtIndex. PagePts=" +
-                                std::to_string(points) +
-                                ", BytesPerSample=" + std::to_string(frameBytes));
-        return false;
-    }
-
-    page.start = saturate<std::int32_t>(start);
-    page.end = saturate<std::int32_t>(start + points - 1);
-    ChunkRead read;
-    if (frameBytes > 0) {
-        read = readChunks(page, chunks, chunkFrames, source, layout);
-        page.buffer.zero(read.stopped * frameBytes, points * frameBytes);
-    }
-    page.complete = read.samples >= points && page.end < source.sampleCount();
-    logMessage(logInfo, "DataReader: Read " + std::to_string(read.samples) + " samples at " +
-                            std::to_string(page.start) + ", " +
-                            (page.complete ? "complete" : "incomplete") + " page");
-    return true;
+void PageCache::removeAll() {
+    m_pages.clear();
+    m_lengthsDiffer = false;
 }
 
 void PageCache::flushAll() {
     logMessage(logInfo, "DataReader: Removing all " + std::to_string(m_pages.size()) + " pages");
-    m_pages.clear();
+    removeAll();
 }
 
 void PageCache::flushIncomplete() {

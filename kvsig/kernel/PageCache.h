@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kvsig/kernel/DataPage.h"
+#include "kvsig/kernel/FramePage.h"
 #include "kvsig/util/Export.h"
 
 #include <cstdint>
@@ -9,41 +10,30 @@
 
 namespace kvsig {
 
-/// How a reader's raw samples are laid out.
-struct FrameLayout {
-    int channels = 0;
-    int bytesPerSample = 2;
-    int chunkPoints = 1; ///< samples from one chunk to the next, at least 1
-
-    [[nodiscard]] std::int64_t frameBytes() const {
-        return std::int64_t{channels} * bytesPerSample;
-    }
-    friend bool operator==(const FrameLayout&, const FrameLayout&) = default;
-};
-
-/// What the page cache asks of its reader.
-class PageSource {
-  public:
-    virtual FrameLayout frameLayout() = 0;
-    /// Samples that one chunk read may write, at least FrameLayout::chunkPoints.
-    virtual int largestChunk() = 0;
-    virtual long maxDataIndex() = 0;
-    virtual long sampleCount() = 0;
-    virtual int readChunk(long firstSample, short* buffer) = 0;
-
-  protected:
-    ~PageSource() = default;
-};
+class PageSource;
+struct RecordLayout;
 
 /// The pages of a recording, sorted by start. A page is read when a sample of it is asked for; once
 /// `maxPages` are held, reading forward recycles the lowest page and reading backward the highest.
+///
+/// Pages hold frames. Where the reader knows the place of every sample in its file, they hold the
+/// records as they are instead, of one channel alone as long as no second one is asked for; at most
+/// `maxPages` of them keep their samples, the others are fetched again when they are asked for.
 class KVSIG_API PageCache {
   public:
-    /// The page that holds `index`, read if need be; null before sample 0, past the last sample and
-    /// when memory for it cannot be had. Valid until the next call.
-    DataPage* pageAt(long index, PageSource& source);
-    /// Fills `page` with the page of samples that holds `index`; false when memory runs out.
-    bool readPage(DataPage& page, long index, PageSource& source);
+    struct Found {
+        const DataPage* page = nullptr;
+        const RecordLayout* records = nullptr; ///< of a page of records; null of one of frames
+    };
+
+    /// The page that holds `index`, with the samples of `channel` in it, read if need be; null
+    /// before sample 0, past the last sample and when memory for it cannot be had. Valid until the
+    /// next call.
+    Found pageAt(long index, int channel, PageSource& source);
+    /// The same with all channels, in frames.
+    DataPage* framesAt(long index, PageSource& source);
+    /// Fills `page` with the frames that hold `index`; false when memory runs out.
+    bool readFrames(DataPage& page, long index, PageSource& source);
 
     void flushAll();
     /// Drops the last page if it is incomplete, so that the next read sees what has been appended.
@@ -55,13 +45,27 @@ class KVSIG_API PageCache {
 
   private:
     using Page = std::unique_ptr<DataPage>;
+    static constexpr int pagesOfAWindow = 16; ///< that a user looks at, channel after channel
 
-    DataPage* readInto(Page page, long index, PageSource& source);
+    DataPage* pageOf(long index, PageSource& source);
+    DataPage* heldPage(long index);
+    DataPage* begin(Page page, long index, PageSource& source);
+    bool beginPage(DataPage& page, long index, PageSource& source);
+    [[nodiscard]] std::int64_t pageLength() const;
+    void setRange(DataPage& page, long index) const;
+    [[nodiscard]] bool offersRecords(PageSource& source) const;
+    bool provide(DataPage& page, int channel, const RecordLayout& layout);
+    void makeRoomFor(DataPage& page, std::int64_t bytes);
     Page takeFront();
     Page takeBack();
+    void removeAll();
 
     std::deque<Page> m_pages;
     FrameLayout m_layout;
+    bool m_lengthsDiffer = false; ///< of the pages held, which may then overlap
+    std::uint64_t m_clock = 0;
+    int m_pagesToKeep = 1;             ///< that keep their samples, at least
+    int m_pagesAlone = pagesOfAWindow; ///< begun since a second channel was last asked for
 };
 
 } // namespace kvsig

@@ -50,7 +50,7 @@ void writePatientInfo(std::ostream& stream, const PatientRec& patient) {
         writeText(stream, "\n");
     };
     const bool parts = patient.fullName == 0;
-    line("Name: ", displayName(patient));
+    line("Name: ", parts ? displayName(patient) : patient.name());
     line("First: ", parts ? fieldView(patient.first) : "");
     line("MI: ", parts ? fieldView(patient.mi) : "");
     line("Last: ", parts ? fieldView(patient.last) : "");

@@ -4,6 +4,7 @@
 #include "kvsig/kernel/DataReader.h"
 #include "kvsig/kernel/GridIndex.h"
 #include "kvsig/kernel/PageCache.h"
+#include "kvsig/kernel/PageSource.h"
 #include "kvsig/kernel/TimeBase.h"
 #include "kvsig/montage/names/Derivation.h"
 
@@ -29,6 +30,7 @@ struct DataReader::State final : PageSource {
     int readChunk(long firstSample, short* buffer) override {
         return reader.getSampleChunk(firstSample, buffer);
     }
+    const RecordLayout* recordLayout() override { return reader.recordLayout(); }
 
     DataReader& reader;
     std::int32_t lastError = 0;

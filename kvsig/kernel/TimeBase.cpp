@@ -1,5 +1,6 @@
 #include "kvsig/kernel/TimeBase.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace kvsig {
@@ -12,6 +13,8 @@ constexpr std::size_t usualAnchors = 10;
 // a hostile pair of anchors costs no more than an honest one; where a day is below the resolution
 // of the time, there is nothing left to add.
 double movedPast(double time, double last) {
+    if (time >= last)
+        return time;
     constexpr double manyDays = 30.0;
     const double days = std::floor((last - time) / secondsPerDay);
     if (!std::isfinite(days))
@@ -25,6 +28,13 @@ double movedPast(double time, double last) {
         time = next;
     }
     return time;
+}
+
+// The first anchor but for anchor 0 that is not `reached`: samples and times ascend.
+template <typename Reached>
+std::size_t firstBehind(const std::vector<SampleTime>& anchors, Reached reached) {
+    return static_cast<std::size_t>(
+        std::partition_point(anchors.begin() + 1, anchors.end(), reached) - anchors.begin());
 }
 
 } // namespace
@@ -47,9 +57,8 @@ double TimeBase::clockTime(double elapsed, double samplingRate) const {
     if (m_anchors.empty() || !(samplingRate > 0))
         return elapsed;
     const double sample = elapsed * samplingRate;
-    std::size_t next = 1;
-    while (next < m_anchors.size() && m_anchors[next].sample <= sample)
-        ++next;
+    const std::size_t next =
+        firstBehind(m_anchors, [&](const SampleTime& a) { return a.sample <= sample; });
     const SampleTime& anchor = m_anchors[next - 1];
     return (sample - anchor.sample) / samplingRate + anchor.time;
 }
@@ -57,9 +66,8 @@ double TimeBase::clockTime(double elapsed, double samplingRate) const {
 double TimeBase::elapsedTime(double clock, double samplingRate) const {
     if (m_anchors.empty() || !(samplingRate > 0))
         return clock;
-    std::size_t next = 1;
-    while (next < m_anchors.size() && m_anchors[next].time <= clock)
-        ++next;
+    const std::size_t next =
+        firstBehind(m_anchors, [&](const SampleTime& a) { return a.time <= clock; });
     const SampleTime& anchor = m_anchors[next - 1];
     const double elapsed = (clock - anchor.time) + anchor.sample / samplingRate;
     if (next < m_anchors.size()) {

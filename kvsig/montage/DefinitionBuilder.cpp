@@ -10,7 +10,6 @@
 #include "kvsig/util/Text.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,6 +35,14 @@ struct Terms {
     std::vector<int> channels;
     std::vector<double> weights;
 };
+
+// The channel of that label, or -1. A pair of recordings answers for electrodes of the second one
+// with their numbers there, on purpose; the channel that has such a number in the pair is another
+// one, and no row may show it under this label.
+int channelOf(IDataReader& reader, const char* label) {
+    const int channel = reader.indexOfG1(label);
+    return channel >= 0 && equalNoCase(viewOf(reader.grid1(channel)), label) ? channel : -1;
+}
 
 DataSource* buildGap(SourceMontage& montage) {
     G1G2Source* gap = montage.createSource(0, 0);
@@ -80,27 +87,9 @@ bool addFactorTerm(IDataReader& reader, const std::string& term, Terms& terms) {
         label = term.substr(star + 1);
     else
         factor = 1.0;
-    terms.channels.push_back(reader.indexOfG1(label.c_str()));
+    terms.channels.push_back(channelOf(reader, label.c_str()));
     terms.weights.push_back(factor);
     return terms.channels.back() >= 0;
-}
-
-// Named by the count of averages; after deletions, or where a montage gives such names itself, by
-// the first number behind it that is free.
-std::string freeAverageName(SourceMontage& montage) {
-    constexpr std::string_view prefix = "_av";
-    const int count = montage.avgRefCount();
-    std::vector<bool> taken(static_cast<std::size_t>(count) + 1); // one number more than averages
-    for (int i = 0; i < count; ++i) {
-        const std::string_view name = montage.avgRef(i)->name();
-        if (!startsWithNoCase(name, prefix))
-            continue;
-        const std::int64_t number = leadingInteger(name.substr(prefix.size()));
-        if (number >= count && number - count <= count)
-            taken[static_cast<std::size_t>(number - count)] = true;
-    }
-    const auto free = std::find(taken.begin(), taken.end(), false);
-    return std::string(prefix) + std::to_string(count + (free - taken.begin()));
 }
 
 // The terms after grid 1. ParseG1G2() cuts them to the size of a name, and a sum with terms missing
@@ -114,7 +103,7 @@ std::string_view uncutTerms(const char* defn) {
 // The row is built from the average itself: by its text it could name "*" once more.
 DataSource* buildNumeric(SourceMontage& montage, const char* defn, const Derivation& derivation) {
     IDataReader& reader = *montage.reader();
-    const int channel1 = reader.indexOfG1(derivation.grid1.c_str());
+    const int channel1 = channelOf(reader, derivation.grid1.c_str());
     if (channel1 < 0 || derivation.names < 2)
         return nullptr;
     Terms terms;
@@ -124,9 +113,9 @@ DataSource* buildNumeric(SourceMontage& montage, const char* defn, const Derivat
     AvgSource* average = buildWeighted(montage, terms);
     if (!average)
         return nullptr;
-    average->setName(freeAverageName(montage).c_str());
-    const int id = (montage.avgRefCount() - 1) | G1G2Source::averageBit;
-    return buildRow(montage, channel1, id, derivation.rest);
+    const int count = montage.avgRefCount();
+    average->setName(("_av" + std::to_string(count)).c_str());
+    return buildRow(montage, channel1, (count - 1) | G1G2Source::averageBit, derivation.rest);
 }
 
 DataSource* buildAverage(SourceMontage& montage, const char* defn) {
@@ -135,7 +124,7 @@ DataSource* buildAverage(SourceMontage& montage, const char* defn) {
         double weight = 0.0;
         if (YankAvgWgt(term.data(), weight))
             terms.weights.push_back(weight);
-        terms.channels.push_back(montage.reader()->indexOfG1(term.c_str()));
+        terms.channels.push_back(channelOf(*montage.reader(), term.c_str()));
         if (terms.channels.back() < 0)
             return nullptr;
     }
@@ -163,14 +152,20 @@ bool isRecordingReference(IDataReader& reader, int channel, const std::string& g
     return !(reader.gridNamesAsNumbers() && isNumber) && equalNoCase(grid2, reader.grid2(channel));
 }
 
+// What stands behind the hyphen: an average or a channel, or -1.
+int referenceOf(SourceMontage& montage, const std::string& grid2) {
+    return montage.indexOfAvgRef(grid2.c_str()) >= 0 ? montage.idOfChannel2(grid2.c_str())
+                                                     : channelOf(*montage.reader(), grid2.c_str());
+}
+
 DataSource* buildDerivation(SourceMontage& montage, const Derivation& derivation) {
     IDataReader& reader = *montage.reader();
-    const int channel1 = reader.indexOfG1(derivation.grid1.c_str());
+    const int channel1 = channelOf(reader, derivation.grid1.c_str());
     if (channel1 < 0)
         return nullptr;
     int channel2 = -1;
     if (derivation.names == 2 && !isRecordingReference(reader, channel1, derivation.grid2)) {
-        channel2 = montage.idOfChannel2(derivation.grid2.c_str());
+        channel2 = referenceOf(montage, derivation.grid2);
         if (channel2 < 0) // else the row would show grid 1 alone under the name of a pair
             return nullptr;
     }
@@ -201,9 +196,9 @@ DataSource* buildSource(SourceMontage& montage, const char* defn) {
         return nullptr;
     if (!referential)
         return buildRecordedPair(montage, derivation);
-    // A "*" may belong to a label: what reads as plain names is no arithmetic.
-    DataSource* row = buildDerivation(montage, derivation);
-    return row || !numeric ? row : buildNumeric(montage, defn, derivation);
+    // A "*" may belong to a label: what is no arithmetic may still be plain names.
+    DataSource* row = numeric ? buildNumeric(montage, defn, derivation) : nullptr;
+    return row ? row : buildDerivation(montage, derivation);
 }
 
 } // namespace kvsig

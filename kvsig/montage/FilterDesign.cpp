@@ -9,8 +9,6 @@ namespace kvsig {
 
 namespace {
 
-constexpr double notchHalfWidth = 1.0; // hertz
-
 bool isPositive(double value) { return std::isfinite(value) && value > 0; }
 
 } // namespace
@@ -28,16 +26,10 @@ int designFilter(Filter& filter, FilterAttr attr, double samplingRate) {
 // pi / rate * (1 + t^2).
 double notchWidthFrequency(double cutoff, double halfWidth, double samplingRate) {
     if (!(samplingRate > 0))
-        return 0.0;
+        return halfWidth;
     constexpr double pi = std::numbers::pi;
     const double t = std::tan(pi * cutoff / samplingRate);
     return samplingRate / pi * std::atan(pi * halfWidth / samplingRate * (1.0 + t * t));
-}
-
-FilterAttr notchWithWidth(FilterAttr attr, double samplingRate) {
-    if (!isPositive(attr.second))
-        attr.second = notchWidthFrequency(attr.cutoff, notchHalfWidth, samplingRate);
-    return attr;
 }
 
 } // namespace kvsig

@@ -16,14 +16,13 @@ class Filter;
 /// was, for a rate or a cutoff not above 0 and an infinite cutoff.
 KVSIG_API int designFilter(Filter& filter, FilterAttr attr, double samplingRate);
 
+/// Hertz to either side, at -3 dB, of a notch that is known by its frequency alone.
+inline constexpr double usualNotchHalfWidth = 1.0;
+
 /// The second value of a notch at `cutoff` that makes it `halfWidth` wide to either side at -3 dB,
-/// all in hertz; 0 for a rate not above 0. Holds for notches that are narrow against their distance
-/// from 0 and from half the rate.
+/// all in hertz; for a rate not above 0 that of high rates, which is `halfWidth` itself. Holds for
+/// notches that are narrow against their distance from 0 and from half the rate.
 [[nodiscard]] KVSIG_API double notchWidthFrequency(double cutoff, double halfWidth,
                                                    double samplingRate);
-
-/// A notch setting without a width (`second` not above 0 or not finite) would filter nothing, or
-/// run away: it becomes 1 Hz wide to either side at that rate. Others are returned as they are.
-[[nodiscard]] KVSIG_API FilterAttr notchWithWidth(FilterAttr attr, double samplingRate);
 
 } // namespace kvsig

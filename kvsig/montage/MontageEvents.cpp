@@ -1,7 +1,9 @@
 #include "kvsig/montage/MontageEvents.h"
 
 #include "kvsig/kernel/ClientEvent.h"
+#include "kvsig/kernel/IDataReader.h"
 #include "kvsig/montage/DataSource.h"
+#include "kvsig/montage/FilterDesign.h"
 #include "kvsig/montage/SourceMontage.h"
 #include "kvsig/util/Saturate.h"
 #include "kvsig/util/Text.h"
@@ -33,11 +35,10 @@ bool change(DataSource& source, const SourceSettings& settings) {
     return differs;
 }
 
-bool setSensitivity(DataSource& source, const ClientEvent& event) {
-    SourceSettings settings = source.settings();
+SourceSettings withSensitivity(SourceSettings settings, const ClientEvent& event) {
     // 0 means off: what lies between 0 and 1 must not be taken for it.
     settings.displayValue = hasUse(event) ? std::max(saturate<std::int32_t>(event.value), 1) : 0;
-    return change(source, settings);
+    return settings;
 }
 
 bool resetSource(DataSource& source) {
@@ -49,14 +50,20 @@ bool resetSource(DataSource& source) {
     return change(source, settings);
 }
 
-// What the row followed until now becomes its own, so that only the filter named changes.
-bool setOwnFilter(SourceMontage& montage, DataSource& source, const ClientEvent& event) {
+// The settings of a row that follows the montage no more: what it followed until now is its own, so
+// that its signal stays the same.
+SourceSettings ownSettings(const SourceMontage& montage, const DataSource& source) {
     SourceSettings settings = source.settings();
     if (settings.followMontage) {
         settings.followMontage = false;
         settings.lowPass = montage.lowPass();
         settings.highPass = montage.highPass();
     }
+    return settings;
+}
+
+bool setOwnFilter(const SourceMontage& montage, DataSource& source, const ClientEvent& event) {
+    SourceSettings settings = ownSettings(montage, source);
     FilterAttr& attr = event.kind == lowFilter ? settings.highPass : settings.lowPass;
     attr = changed(attr, event);
     return change(source, settings);
@@ -65,7 +72,7 @@ bool setOwnFilter(SourceMontage& montage, DataSource& source, const ClientEvent&
 bool applyToRow(SourceMontage& montage, DataSource& source, const ClientEvent& event) {
     switch (event.kind) {
     case sensitivity:
-        return setSensitivity(source, event);
+        return change(source, withSensitivity(ownSettings(montage, source), event));
     case lowFilter:
     case highFilter:
         return setOwnFilter(montage, source, event);
@@ -94,11 +101,12 @@ bool setFilters(SourceMontage& montage, FilterAttr low, FilterAttr high, FilterA
     return differs;
 }
 
-// An event knows no width: the notch takes that of the montage at the rate of the moment.
-FilterAttr changedNotch(FilterAttr attr, const ClientEvent& event) {
+// An event knows no width; without one the notch would filter nothing.
+FilterAttr changedNotch(FilterAttr attr, const ClientEvent& event, IDataReader* reader) {
     attr = changed(attr, event);
     if (attr.use)
-        attr.second = 0.0;
+        attr.second = notchWidthFrequency(attr.cutoff, usualNotchHalfWidth,
+                                          reader ? reader->samplingRate() : 0.0);
     return attr;
 }
 
@@ -106,13 +114,15 @@ bool applyToMontage(SourceMontage& montage, const ClientEvent& event) {
     const FilterAttr low = montage.lowPass(), high = montage.highPass(), notch = montage.notch();
     switch (event.kind) {
     case sensitivity:
-        return applyToRows(montage, [&](DataSource& row) { return setSensitivity(row, event); });
+        return applyToRows(montage, [&](DataSource& row) {
+            return change(row, withSensitivity(row.settings(), event));
+        });
     case lowFilter:
         return setFilters(montage, low, changed(high, event), notch);
     case highFilter:
         return setFilters(montage, changed(low, event), high, notch);
     case notchFilter:
-        return setFilters(montage, low, high, changedNotch(notch, event));
+        return setFilters(montage, low, high, changedNotch(notch, event, montage.reader()));
     default: {
         const bool rows = applyToRows(montage, resetSource);
         return setFilters(montage, {}, {}, {}) || rows;

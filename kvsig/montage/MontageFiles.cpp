@@ -51,21 +51,21 @@ std::vector<std::string> folders() {
     return all;
 }
 
+// The templates of all places, then the INI files of all places.
 std::vector<Candidate> candidates() {
+    const std::vector<std::string> places = folders();
     std::vector<Candidate> all;
+    const auto add = [&](Form form, const char* name) {
+        for (const std::string& folder : places)
+            all.push_back({form, (fs::path(folder) / name).string()});
+    };
     if (!hostFile.empty())
         all.push_back({Form::byContent, hostFile});
-    std::istream* stream = hostStream;
-    for (const std::string& folder : folders()) {
-        const auto inFolder = [&folder](const char* name) {
-            return (fs::path(folder) / name).string();
-        };
-        all.push_back({Form::templates, inFolder(szINIMontageFileXML)});
-        if (stream)
-            all.push_back({Form::sections, {}, std::exchange(stream, nullptr)});
-        else if (!hostStream)
-            all.push_back({Form::sections, inFolder(szINIMontageFile)});
-    }
+    add(Form::templates, szINIMontageFileXML);
+    if (hostStream)
+        all.push_back({Form::sections, {}, hostStream});
+    else
+        add(Form::sections, szINIMontageFile);
     return all;
 }
 

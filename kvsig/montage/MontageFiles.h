@@ -6,15 +6,16 @@
 #include <string>
 #include <vector>
 
-/// Where montages come from. Place by place the XML templates (szINIMontageFileXML) are looked at,
-/// then the INI file (szINIMontageFile), and the first that has a montage of the name asked for is
-/// taken: the INI file of one place comes before the templates of the next.
+/// Where montages come from. The XML templates (szINIMontageFileXML) of all places are looked at,
+/// in this order, then the INI files (szINIMontageFile) of all places, and the first that has a
+/// montage of the name asked for is taken: a template anywhere comes before any INI file.
 ///
-///   the file of SetMontageFile()
 ///   the directory of SetMontageDirectory()
 ///   the current directory
 ///   the user's configuration directory (~/.config/kvsig)
 ///   the directory of what is installed with the library
+///
+/// The file of SetMontageFile(), whichever form it has, comes before all of them.
 ///
 /// Template names are compared as they stand, section names without regard to letter case. Files
 /// of more than 1 MiB are not read. What is set here holds for the whole process and is to be set
@@ -28,8 +29,7 @@ KVSIG_API void SetMontageDirectory(const char* path);
 /// Puts one file before all places, of either form; an empty path removes it.
 KVSIG_API void SetMontageFile(const char* path);
 
-/// Installs the text of the INI file: it takes the place of the first place's, after that place's
-/// templates and before those of the others, and no other INI file is read but one of
+/// Installs the text of the INI file: after all templates, and no other INI file is read but one of
 /// SetMontageFile(). The stream is not owned and is rewound; null removes it.
 KVSIG_API void SetMontageStream(std::istream* stream);
 

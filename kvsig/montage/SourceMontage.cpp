@@ -9,6 +9,7 @@
 #include "kvsig/montage/MontageLoader.h"
 #include "kvsig/montage/MontageSearch.h"
 #include "kvsig/montage/ReferenceAnalysis.h"
+#include "kvsig/montage/RowsAtOnce.h"
 #include "kvsig/montage/names/Derivation.h"
 #include "kvsig/montage/names/References.h"
 #include "kvsig/montage/names/ReservedNames.h"
@@ -60,7 +61,8 @@ void SourceMontage::flushCache() {
     for (const auto& source : m_sources)
         source->flushCache();
     for (const auto& average : m_averages)
-        average->flushCache();
+        if (average)
+            average->flushCache();
 }
 
 void SourceMontage::setUseCache(bool use) {
@@ -87,24 +89,21 @@ void SourceMontage::deleteSources() {
 }
 
 void SourceMontage::deleteSource(DataSource* source) {
+    if (!source) // it would be found where an average was deleted
+        return;
     if (const auto row = find(m_sources, source); row != m_sources.end())
         m_sources.erase(row);
     else if (const int average = indexOf(m_averages, source); average >= 0)
         forgetAverage(average);
 }
 
-// The averages behind it move up; the rows that name them must not take another one for theirs.
+// Its place stays empty: ids that were given for other averages hold.
 void SourceMontage::forgetAverage(int index) {
-    m_averages.erase(m_averages.begin() + index);
-    for (const auto& source : m_sources) {
-        auto* row = dynamic_cast<G1G2Source*>(source.get());
-        if (!row || row->channel2() < 0 || (row->channel2() & G1G2Source::averageBit) == 0 ||
-            row->channel2() < row->reader()->channelCount())
-            continue;
-        const int named = row->channel2() & ~G1G2Source::averageBit;
-        if (named >= index)
-            row->setChannel12(row->channel1(), named == index ? -1 : row->channel2() - 1);
-    }
+    m_averages[static_cast<std::size_t>(index)].reset();
+    for (const auto& source : m_sources)
+        if (const auto* row = dynamic_cast<G1G2Source*>(source.get());
+            row && row->channel2() == (index | G1G2Source::averageBit))
+            source->flushCache();
 }
 
 DataSource* SourceMontage::createSource(const char* defn) {
@@ -218,7 +217,7 @@ int SourceMontage::indexOfFullName(const char* name) {
 
 int SourceMontage::indexOfAvgRef(const char* name) {
     for (int i = 0; i < avgRefCount(); ++i)
-        if (equalNoCase(avgRef(i)->name(), viewOf(name)))
+        if (avgRef(i) && equalNoCase(avgRef(i)->name(), viewOf(name)))
             return i;
     return -1;
 }
@@ -315,11 +314,23 @@ bool SourceMontage::updateState(const ClientEvent& event) {
     return true;
 }
 
+int SourceMontage::getData(long first, long last, float* const* rows, double scale) {
+    RowsAtOnce together(first, last, scale, m_rowWork);
+    for (std::size_t i = 0; rows && i < m_sources.size(); ++i)
+        if (rows[i])
+            together.add(*m_sources[i], rows[i]);
+    return together.finish();
+}
+
 void SourceMontage::updateFilters() {
     const double rate = m_reader ? m_reader->samplingRate() : 0.0;
     designFilter(m_lowPass, m_lowPassAttr, rate);
     designFilter(m_highPass, m_highPassAttr, rate);
-    designFilter(m_notch, notchWithWidth(m_notchAttr, rate), rate);
+    // A notch without a width cancels itself out: the samples come out as they went in. Kept on
+    // purpose. Below 0 it would run away.
+    designFilter(m_notch, m_notchAttr, rate);
+    FilterAttr notch = m_notchAttr;
+    notch.use = notch.use && notch.second >= 0;
     for (const auto& source : m_sources) {
         FilterList& chain = *source->filters();
         chain.removeAll();
@@ -338,7 +349,7 @@ void SourceMontage::updateFilters() {
         } else {
             source->appendOwnFilters(rate);
         }
-        append(m_notch, m_notchAttr);
+        append(m_notch, notch);
     }
 }
 

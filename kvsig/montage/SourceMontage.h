@@ -58,15 +58,17 @@ class KVSIG_API SourceMontage : public MontageBase, public MontageContext {
     virtual void setName(const char* name);
     /// Deletes every row and every average.
     virtual void deleteSources();
-    /// Deletes a row or an average of this montage; anything else is ignored. Rows that had the
-    /// average as their reference have no grid 2 any more; their names stay. The averages behind it
-    /// move up: rows follow, but ids that idOfChannel2() gave before do not.
+    /// Deletes a row or an average of this montage; anything else is ignored. The place of an
+    /// average stays empty (avgRef() is null there), so that ids that idOfChannel2() gave for
+    /// others hold. Rows that had it as their reference keep its id, which means no grid 2 any
+    /// more: they are channel 1 against its recording reference. Names that they were given stay.
     virtual void deleteSource(DataSource* source);
     /// Builds what a derivation definition (names/Derivation.h) describes: an average is appended
     /// to the averages, all else to the rows. Null when a name in it is unknown or there is no
     /// reader. Settings after "|" become the row's; updateFilters() puts them to work. Kinds are
-    /// tried in the order gap, numeric, average, row; but what holds a "*" and reads as names of
-    /// electrodes with a "*" in them is a row of those.
+    /// tried in the order gap, numeric, average, row; but what holds a "*" and is no arithmetic
+    /// over known electrodes may still be a row of electrodes with a "*" in their names. The
+    /// average of a numeric row is called "_av" and avgRefCount(), whatever others are called.
     virtual DataSource* createSource(const char* defn);
     /// Appends a plain average; null without a reader, beyond maxAverages, and over a recording of
     /// more than G1G2Source::averageBit channels (logged once), where a row's channel 2 could not
@@ -107,19 +109,30 @@ class KVSIG_API SourceMontage : public MontageBase, public MontageContext {
     virtual void addGlobalAvgRefs();
     /// Takes over a display setting (kinds 3 to 7 of ClientEvent). With an empty label it is the
     /// montage's own, and the sensitivity that of every row there is: an empty montage keeps none
-    /// for rows to come. With a label it is the row's of that name: a filter makes the row follow
-    /// the montage no more, and what it followed until then becomes its own; the sensitivity does
-    /// not. A row has no notch of its own. Sensitivities are whole numbers here; those below 1
-    /// become 1. A notch gets the width that updateFilters() gives. No value, or none above 0,
-    /// switches off. Filters are rebuilt and caches emptied. True when something changed.
+    /// for rows to come. With a label it is the row's of that name, which then follows the montage
+    /// no more; the filters that it followed until then become its own. A row has no notch of its
+    /// own. Sensitivities are whole numbers here; those below 1 become 1. A notch becomes 1 Hz wide
+    /// to either side at -3 dB, at the rate of the reader. No value, or none above 0, switches off.
+    /// Filters are rebuilt and caches emptied. True when something changed.
     virtual bool updateState(const ClientEvent& event);
 
+    /// Samples `first`..`last` (both inclusive, at the reader's common rate) of all rows: what
+    /// source(i)->getData(first, last, rows[i], scale) gives one after the other, bit by bit, gap
+    /// rows, caches and the filters' states included, but several times as fast where rows have
+    /// equal filters, as the montage-wide ones are. `rows` holds sourceCount() pointers to buffers
+    /// of last - first + 1 floats, none of which overlap; a null pointer leaves its row out.
+    /// Returns the smallest count that a row delivered; 0 when there is no row to deliver and for
+    /// null `rows`. Up to 8 MiB of working memory are kept. Like all of a montage, it is used from
+    /// one thread at a time.
+    int getData(long first, long last, float* const* rows, double scale);
+
     /// Rebuilds the filter chain of every row from the settings of the montage and of the row:
-    /// low-pass, high-pass, notch. A setting whose cutoff is not finite or not above 0 is off. A
-    /// notch whose `second` is not above 0 is 1 Hz wide to either side at -3 dB, at the rate of the
-    /// reader. Switches the rows' caches on, whatever SetDataSourceDefaults() said, and their
-    /// filtering where there is a filter and off where there is none. createMontage() does it too,
-    /// so call setUseCache() after it; to be called after a change of settings.
+    /// low-pass, high-pass, notch. A setting whose cutoff is not finite or not above 0 is off, and
+    /// so is a notch whose `second` is below 0. A notch whose `second` is 0 has no width and
+    /// filters nothing: notchWidthFrequency() (FilterDesign.h) gives one. Switches the rows' caches
+    /// on, whatever SetDataSourceDefaults() said, and their filtering where there is a filter and
+    /// off where there is none. createMontage() does it too, so call setUseCache() after it; to be
+    /// called after a change of settings.
     void updateFilters();
 
     /// Settings in hertz. What is called the low filter in the field is the high-pass.
@@ -130,7 +143,8 @@ class KVSIG_API SourceMontage : public MontageBase, public MontageContext {
     void setHighPass(FilterAttr attr) { m_highPassAttr = attr; }
     void setNotch(FilterAttr attr) { m_notchAttr = attr; }
 
-    /// Rows in display order, and averages; null out of range. Rows keep samples of an average in
+    /// Rows in display order, and averages, the places of deleted ones counted; null out of range
+    /// and where an average was deleted. Rows keep samples of an average in
     /// their caches: after its setWeights() or setAvgChannels(), call flushCache().
     [[nodiscard]] int sourceCount() const;
     [[nodiscard]] DataSource* source(int index) const;
@@ -173,6 +187,7 @@ class KVSIG_API SourceMontage : public MontageBase, public MontageContext {
     std::vector<std::unique_ptr<AvgSource>> m_averages;
     std::vector<std::string> m_unresolved;
     bool m_toldNoAverages = false;
+    std::vector<float> m_rowWork; ///< kept from one getData() to the next
 };
 
 } // namespace kvsig

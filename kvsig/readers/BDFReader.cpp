@@ -26,6 +26,16 @@ bool BDFReader::openFile() {
 int BDFReader::bytesPerSample() { return 4; }
 int BDFReader::storedSampleBytes() const { return 3; }
 
+// Chunks take the channels one after another from the record's first byte on, whatever other
+// signals stand between them.
+const RecordLayout* BDFReader::recordLayout() {
+    const RecordLayout* layout = EDF90Reader::recordLayout();
+    if (!layout || mixedRates())
+        return nullptr;
+    const auto before = static_cast<std::int64_t>(layout->channels.size()) - 1;
+    return layout->channels.back().offset == before * layout->points ? layout : nullptr;
+}
+
 void BDFReader::demuxRecord(const std::byte* record, std::size_t bytes, short* frames) {
     auto* out = static_cast<std::int32_t*>(static_cast<void*>(frames));
     const std::int64_t points = _minReadPts();

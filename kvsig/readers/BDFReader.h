@@ -17,6 +17,7 @@ class KVSIG_API BDFReader : public EDF90Reader {
     int bytesPerSample() override;
 
   protected:
+    const RecordLayout* recordLayout() override;
     [[nodiscard]] int storedSampleBytes() const override;
     void demuxRecord(const std::byte* record, std::size_t bytes, short* frames) override;
 };

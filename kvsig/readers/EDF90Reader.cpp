@@ -2,10 +2,13 @@
 
 #include "kvsig/kernel/DataPage.h"
 #include "kvsig/montage/names/Derivation.h"
+#include "kvsig/readers/BDFReader.h"
 #include "kvsig/readers/EdfHeader.h"
 #include "kvsig/readers/EdfInspection.h"
 #include "kvsig/readers/EdfOnset.h"
+#include "kvsig/readers/LifelinesReader.h"
 #include "kvsig/readers/RecordDemux.h"
+#include "kvsig/readers/TelefactorEDFReader.h"
 #include "kvsig/util/File.h"
 #include "kvsig/util/LogSink.h"
 #include "kvsig/util/NumberText.h"
@@ -18,6 +21,7 @@
 #include <cstring>
 #include <span>
 #include <string>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -104,9 +108,9 @@ std::string headerLengthFault(const edf::Header& header) {
 struct EDF90Reader::State {
     File file;
     edf::Header header;
-    std::vector<RecordChannel> channels; ///< by visible channel
-    std::int64_t maxRecordSamples = 0;   ///< the longest of the channels
+    RecordLayout layout; ///< its points are the samples of the record's longest channel
     bool mixedRates = false;
+    bool servesRecords = false; ///< chunk reads give what the layout says and nothing else
     bool ownStartAnchor = false;
     PageBuffer record; ///< reused by every chunk read
 };
@@ -141,6 +145,7 @@ bool EDF90Reader::openFile() {
 
     m_edf->header = edf::Header(HeaderBlock::readFrom(m_edf->file, edf::fullLength(signals)));
     layOutChannels();
+    m_edf->servesRecords = isOneOfOurs() && layOutRecords();
     reportOddFields();
     return true;
 }
@@ -175,13 +180,48 @@ void EDF90Reader::layOutChannels() {
         const double rate = static_cast<double>(count) / header.duration();
         if (rate > fastest)
             fastest = rate;
-        if (!m_edf->channels.empty() && m_edf->maxRecordSamples != count)
+        if (!m_edf->layout.channels.empty() && m_edf->layout.points != count)
             m_edf->mixedRates = true;
-        m_edf->maxRecordSamples = std::max(m_edf->maxRecordSamples, count);
-        m_edf->channels.push_back({offset, count});
+        m_edf->layout.points = std::max(m_edf->layout.points, count);
+        m_edf->layout.channels.push_back({offset, count});
     }
     setChannelCount(saturate<int>(header.channels().size()));
     setSamplingRate(fastest);
+}
+
+bool EDF90Reader::isOneOfOurs() const {
+    const std::type_info& type = typeid(*this);
+    return type == typeid(EDF90Reader) || type == typeid(BDFReader) ||
+           type == typeid(LifelinesReader) || type == typeid(TelefactorEDFReader);
+}
+
+// Chunk reads know what to make of any header; straight reading is for those that mean something.
+bool EDF90Reader::layOutRecords() {
+    const edf::Header& header = m_edf->header;
+    RecordLayout& layout = m_edf->layout;
+    layout.file = &m_edf->file;
+    layout.dataOffset = header.dataOffset();
+    layout.recordSamples = header.recordSamples();
+    layout.sampleBytes = storedSampleBytes();
+    const auto& samples = header.signalSamples();
+    return layout.dataOffset >= 0 && layout.recordBytes() <= maxPageBytes &&
+           std::all_of(samples.begin(), samples.end(),
+                       [](std::int64_t count) { return count > 0; }) &&
+           std::all_of(layout.channels.begin(), layout.channels.end(),
+                       [&layout](const RecordChannel& channel) {
+                           return channel.offset + channel.samples <= layout.recordSamples;
+                       });
+}
+
+const RecordLayout* EDF90Reader::recordLayout() {
+    // What a chunk read would refuse must not be shown another way.
+    return m_edf->servesRecords && isChannel(channelCount() - 1) && std::in_range<int>(chunkBytes())
+               ? &m_edf->layout
+               : nullptr;
+}
+
+std::int64_t EDF90Reader::chunkBytes() {
+    return m_edf->layout.points * channelCount() * bytesPerSample();
 }
 
 void EDF90Reader::reportOddFields() {
@@ -248,7 +288,7 @@ void EDF90Reader::reportOddSizes() {
     constexpr std::int64_t harmless = std::int64_t{64} << 20;
     constexpr std::int64_t usualGrowth = 8;
     const std::int64_t recordBytes = header.recordSamples() * storedSampleBytes();
-    const std::int64_t frameBytes = m_edf->maxRecordSamples * channelCount() * bytesPerSample();
+    const std::int64_t frameBytes = chunkBytes();
     if (std::max(recordBytes, frameBytes) > maxPageBytes ||
         frameBytes > std::max(harmless, usualGrowth * recordBytes))
         report(Severity::unusable,
@@ -315,7 +355,7 @@ bool EDF90Reader::readSampleInfo() {
     // samples half again as long as it is, and what lies past its real end reads as zeros.
     const std::int64_t records = wholeRecords(2);
     setMaxDataIndex(saturate<long>(
-        static_cast<double>(records) * static_cast<double>(m_edf->maxRecordSamples) - 1.0));
+        static_cast<double>(records) * static_cast<double>(m_edf->layout.points) - 1.0));
     if (nPoints() < fewestSamples)
         return refuseWithoutSamples();
 
@@ -336,7 +376,7 @@ bool EDF90Reader::refuseWithoutSamples() {
     const edf::Header& header = m_edf->header;
     const std::int64_t size = m_edf->file.size();
     const std::int64_t data = size - header.dataOffset();
-    if (m_edf->channels.empty())
+    if (m_edf->layout.channels.empty())
         return refuse(2, "none of its " + std::to_string(header.fileSignals()) +
                              " signals is a channel: all hold annotations");
     if (data == 0)
@@ -395,14 +435,14 @@ bool EDF90Reader::patientInfo(std::ostream& stream, bool flag) {
 
 long EDF90Reader::storedSampleCount() {
     const double stored = static_cast<double>(wholeRecords(storedSampleBytes())) *
-                          static_cast<double>(m_edf->maxRecordSamples);
+                          static_cast<double>(m_edf->layout.points);
     return std::min(saturate<long>(stored), sampleCount());
 }
 
 double EDF90Reader::storedSamplingRate(int channel) {
     if (!isChannel(channel))
         return 0.0;
-    const RecordChannel& place = m_edf->channels[static_cast<std::size_t>(channel)];
+    const RecordChannel& place = m_edf->layout.channels[static_cast<std::size_t>(channel)];
     return static_cast<double>(place.samples) / m_edf->header.duration();
 }
 
@@ -411,7 +451,7 @@ std::vector<OpenFinding> EDF90Reader::inspectFile() {
 }
 
 bool EDF90Reader::isChannel(int channel) {
-    return channel >= 0 && std::cmp_less(channel, m_edf->channels.size());
+    return channel >= 0 && std::cmp_less(channel, m_edf->layout.channels.size());
 }
 
 std::string EDF90Reader::channelText(edf::SignalField field, int channel) {
@@ -501,7 +541,7 @@ std::int32_t EDF90Reader::_digitalLow(int channel) {
                : 0;
 }
 
-int EDF90Reader::_minReadPts() { return saturate<int>(m_edf->maxRecordSamples); }
+int EDF90Reader::_minReadPts() { return saturate<int>(m_edf->layout.points); }
 int EDF90Reader::storedSampleBytes() const { return 2; }
 bool EDF90Reader::mixedRates() const { return m_edf->mixedRates; }
 
@@ -510,12 +550,12 @@ std::string EDF90Reader::signalLabel(std::int64_t fileSignal) const {
 }
 
 int EDF90Reader::getChunk(long bytePos, short* buffer, int bytes) {
-    const std::int64_t chunkBytes = m_edf->maxRecordSamples * channelCount() * bytesPerSample();
+    const std::int64_t wanted = chunkBytes();
     // The host may have set another channel count; of more channels than the file's there is
     // nothing to frame.
-    if (chunkBytes <= 0 || bytes < chunkBytes || !isChannel(channelCount() - 1))
+    if (wanted <= 0 || bytes < wanted || !isChannel(channelCount() - 1))
         return 0;
-    const std::int64_t record = bytePos / chunkBytes;
+    const std::int64_t record = bytePos / wanted;
     const std::int64_t recordBytes = m_edf->header.recordSamples() * storedSampleBytes();
     if (record < 0 || record >= wholeRecords(storedSampleBytes()) ||
         !m_edf->record.reserve(recordBytes))
@@ -524,15 +564,15 @@ int EDF90Reader::getChunk(long bytePos, short* buffer, int bytes) {
     if (m_edf->file.readAt(position, m_edf->record.data(), recordBytes) < recordBytes)
         return 0;
     demuxRecord(m_edf->record.data(), static_cast<std::size_t>(recordBytes), buffer);
-    std::memset(static_cast<std::byte*>(static_cast<void*>(buffer)) + chunkBytes, 0,
-                static_cast<std::size_t>(bytes - chunkBytes));
+    std::memset(static_cast<std::byte*>(static_cast<void*>(buffer)) + wanted, 0,
+                static_cast<std::size_t>(bytes - wanted));
     return bytes;
 }
 
 void EDF90Reader::demuxRecord(const std::byte* record, std::size_t bytes, short* frames) {
     const auto channels =
-        std::span(m_edf->channels).first(static_cast<std::size_t>(channelCount()));
-    demuxRecord16({record, bytes}, channels, m_edf->maxRecordSamples, frames);
+        std::span(m_edf->layout.channels).first(static_cast<std::size_t>(channelCount()));
+    demuxRecord16({record, bytes}, channels, m_edf->layout.points, frames);
 }
 
 } // namespace kvsig

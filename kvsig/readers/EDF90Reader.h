@@ -56,6 +56,7 @@ class KVSIG_API EDF90Reader : public DataReader {
     std::int32_t _digitalHigh(int channel) override;
     std::int32_t _digitalLow(int channel) override;
     int _minReadPts() override;
+    const RecordLayout* recordLayout() override;
 
     /// Bytes of a sample in the file.
     [[nodiscard]] virtual int storedSampleBytes() const;
@@ -72,6 +73,9 @@ class KVSIG_API EDF90Reader : public DataReader {
     [[nodiscard]] bool isChannel(int channel);
     [[nodiscard]] std::string channelText(edf::SignalField field, int channel);
     void layOutChannels();
+    bool layOutRecords();
+    [[nodiscard]] bool isOneOfOurs() const;
+    [[nodiscard]] std::int64_t chunkBytes();
     void reportOddFields();
     void reportOddNumbers();
     void reportOddStart();

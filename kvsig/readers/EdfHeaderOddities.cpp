@@ -63,17 +63,25 @@ class HeaderCheck {
     void checkIdentification() {
         const std::string patient = m_header.text(patientId);
         const std::string recording = m_header.text(recordingId);
-        if (declaresPlus(m_header)) {
-            if (const auto words = splitWords(patient, ' ').size(); words < 4)
-                note("patient identification (offset 8) has " + std::to_string(words) +
-                     " of the four parts that EDF+ asks for");
-            if (recording.empty())
-                note("recording identification (offset 88) is empty");
-        }
+        const std::string kind = m_header.text(reserved);
+        if (kind.starts_with("EDF") || kind.starts_with("BDF"))
+            checkPatientWords(splitWords(patient, ' ').size());
+        if (declaresPlus(m_header) && recording.empty())
+            note("recording identification (offset 88) is empty");
         if (patient.find("30-DEC-1899") != std::string::npos)
             note("patient identification (offset 8) holds the placeholder date 30-DEC-1899");
         if (recording.find('\\') != std::string::npos)
             note("recording identification (offset 88) holds a file path");
+    }
+
+    // EDF+ names four and allows more, which few readers expect.
+    void checkPatientWords(std::size_t words) {
+        const std::string has =
+            "patient identification (offset 8) has " + std::to_string(words) + " ";
+        if (words < 4)
+            note(has + "of the four parts that EDF+ asks for");
+        else if (words > 4)
+            note(has + "parts, more than the four that EDF+ names");
     }
 
     // A writer that loses one byte of the patient identification moves every later field.
@@ -113,6 +121,7 @@ class HeaderCheck {
         if (annotations == m_signals)
             note("all signals (" + std::to_string(annotations) + ") hold annotations");
         checkVisibleAnnotations();
+        checkFirstSignal();
         checkRanges("digital range", digitalMin, digitalMax);
         checkRanges("physical range", physicalMin, physicalMax);
         checkTransducers();
@@ -133,6 +142,14 @@ class HeaderCheck {
                       ? ""
                       : ": the reserved field (offset 192) declares no EDF+ or BDF+") +
                  (signals > 1 ? "; so in " + std::to_string(signals - 1) + " more signals" : ""));
+    }
+
+    void checkFirstSignal() {
+        const auto& channels = m_header.channels();
+        if (isAnnotation(m_header, 0) && !channels.empty() && channels.front() > 0)
+            note("signal 1 (" + quoted(m_header.text(label, 0)) +
+                 ") holds texts and is no channel: channel #0 is signal " +
+                 std::to_string(channels.front() + 1));
     }
 
     // One line for all signals that have the same thing odd. Of annotations no range matters.

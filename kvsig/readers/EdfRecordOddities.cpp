@@ -6,6 +6,7 @@
 #include "kvsig/util/NumberText.h"
 
 #include <algorithm>
+#include <cmath>
 #include <string_view>
 
 namespace kvsig::edf {
@@ -80,6 +81,11 @@ class RecordCheck {
             warn(stated + ", but " + held);
         else if (rest > 0)
             note(std::to_string(rest) + " bytes follow the last data record");
+        // The whole recording in one record is common, with the seconds that a recorder counts.
+        if (whole == 1 && std::trunc(m_header.duration()) != m_header.duration())
+            note("duration of the only data record (offset " +
+                 std::to_string(recordDuration.offset) + ") is \"" + m_header.text(recordDuration) +
+                 "\", no whole number of seconds");
     }
 
     void checkRecords() {

@@ -11,7 +11,8 @@
 
 namespace kvsig {
 
-/// The start of a file, held in memory. What the file does not hold reads as zeros.
+/// A stretch of a file, most often its start, held in memory. What the file does not hold reads as
+/// zeros.
 class KVSIG_API HeaderBlock {
   public:
     HeaderBlock() = default;
@@ -19,6 +20,8 @@ class KVSIG_API HeaderBlock {
 
     /// Reads the first `length` bytes of the file, or as many as there are.
     static HeaderBlock readFrom(const File& file, std::int64_t length);
+    /// The same from `offset` on; empty when that is outside the file.
+    static HeaderBlock readFrom(const File& file, std::int64_t offset, std::int64_t length);
 
     [[nodiscard]] const std::vector<std::byte>& bytes() const { return m_bytes; }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kvsig/kernel/RecordLayout.h"
 #include "kvsig/util/Export.h"
 
 #include <cstddef>
@@ -9,12 +10,6 @@
 /// Data records, signal after signal, turned into frames: sample index major, channel minor.
 /// Pure functions. A source that does not lie in the record reads as zeros.
 namespace kvsig {
-
-/// Where a channel stands in a record, counted in samples.
-struct RecordChannel {
-    std::int64_t offset = 0;  ///< of its first sample
-    std::int64_t samples = 0; ///< how many; not more than the frames' points, below 0 none
-};
 
 /// Little-endian 16-bit samples. Writes `points` frames of channels.size() values. A channel with
 /// fewer samples than `points` is stretched by repetition, without interpolation.

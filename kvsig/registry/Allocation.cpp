@@ -56,9 +56,10 @@ UnheldReader DataReaderManager::allocatePair(int type, CString& name, std::strin
         return nullptr;
     }
     const auto member = [&](ReaderType memberType, CString path) {
-        UnheldReader reader = allocate(memberType, path, reason);
-        if (reader)
-            stamp(*reader, memberType, path);
+        m_refusal = "the registry refuses the type " + typeNameOf(memberType);
+        UnheldReader reader(allocReader(memberType, path));
+        if (!reader)
+            reason = m_refusal;
         return reader;
     };
     const CString left = name.substr(0, star);
@@ -106,8 +107,7 @@ UnheldReader DataReaderManager::allocate(int type, CString& name, std::string& r
 }
 
 IDataReader* DataReaderManager::allocate(int type, CString& name) {
-    std::string reason;
-    return allocate(type, name, reason).release();
+    return allocate(type, name, m_refusal).release();
 }
 
 IDataReader* DataReaderManager::allocReader(int type, CString& name) {
@@ -119,10 +119,11 @@ IDataReader* DataReaderManager::allocReader(int type, CString& name) {
 
 UnheldReader allocReader(ReaderType type, CString& fileName, std::string& reason) {
     UnheldReader reader = dataReaderManager().allocate(type, fileName, reason);
-    if (!reader)
-        return nullptr;
-    stamp(*reader, type, fileName);
-    if (!licenceCheck() || licenceCheck()())
+    if (reader)
+        stamp(*reader, type, fileName);
+    // The check runs in every case, whether there is a reader to guard or not.
+    const bool granted = !licenceCheck() || licenceCheck()();
+    if (granted || !reader)
         return reader;
     reason = "the licence check refuses to read recordings";
     logMessage(logWarning, fileName + ": " + reason);

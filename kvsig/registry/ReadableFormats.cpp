@@ -1,9 +1,12 @@
 #include "kvsig/registry/ReadableFormats.h"
 
 #include "kvsig/readers/BDFReader.h"
+#include "kvsig/readers/CyberkineticsReader.h"
 #include "kvsig/readers/EDF90Reader.h"
 #include "kvsig/readers/InterleavedReader.h"
 #include "kvsig/readers/LifelinesReader.h"
+#include "kvsig/readers/MicromedReader.h"
+#include "kvsig/readers/NeuroscanReader.h"
 #include "kvsig/readers/PushableReader.h"
 #include "kvsig/readers/SnapshotReader.h"
 #include "kvsig/readers/TelefactorEDFReader.h"
@@ -26,11 +29,14 @@ std::unique_ptr<DataReader> make() {
 constexpr ReadableFormat formats[] = {
     {interleavedType, make<InterleavedReader>, nullptr},
     {6, make<EDF90Reader>, EDF90Reader::isFileType},
+    {28, make<MicromedReader>, MicromedReader::isFileType},
     {snapshotType, make<SnapshotReader>, nullptr},
-    {41, make<LifelinesReader>, nullptr},
+    {41, make<LifelinesReader>, EDF90Reader::isFileType},
     {pushableType, make<PushableReader>, nullptr},
-    {47, make<TelefactorEDFReader>, nullptr},
+    {46, make<NeuroscanReader>, NeuroscanReader::isFileType},
+    {47, make<TelefactorEDFReader>, EDF90Reader::isFileType},
     {48, make<BDFReader>, BDFReader::isFileType},
+    {54, make<CyberkineticsReader>, CyberkineticsReader::isFileType},
 };
 
 const ReadableFormat* readableFormat(ReaderType type) {

@@ -3,6 +3,7 @@
 #include "kvsig/util/File.h"
 #include "kvsig/util/Text.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
@@ -36,6 +37,17 @@ std::string neighbourFile(const std::string& path, std::string_view name) {
             found = candidate;
     }
     return found;
+}
+
+std::string_view nameEnding(std::string_view path) {
+    const std::string_view name = baseName(path);
+    return name.substr(std::min(name.rfind('.'), name.size()));
+}
+
+std::string companionFile(const std::string& path, std::string_view ending) {
+    const std::string_view name = baseName(path);
+    const std::string_view stem = name.substr(0, name.size() - nameEnding(path).size());
+    return stem.empty() ? std::string() : neighbourFile(path, std::string(stem).append(ending));
 }
 
 } // namespace kvsig

@@ -15,4 +15,11 @@ namespace kvsig {
 /// else differs from it in ASCII letter case alone; empty when there is none.
 [[nodiscard]] KVSIG_API std::string neighbourFile(const std::string& path, std::string_view name);
 
+/// The file beside `path` of the same name but for its ending, given with its dot (".nev"); found
+/// like a neighbour.
+[[nodiscard]] KVSIG_API std::string companionFile(const std::string& path, std::string_view ending);
+
+/// The ending of a file's name with its dot, empty without one.
+[[nodiscard]] KVSIG_API std::string_view nameEnding(std::string_view path);
+
 } // namespace kvsig

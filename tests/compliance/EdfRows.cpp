@@ -4,6 +4,7 @@
 #include "kvsig/readers/LifelinesReader.h"
 #include "kvsig/readers/TelefactorEDFReader.h"
 #include "support/EdfFile.h"
+#include "support/SameSamples.h"
 
 #include <algorithm>
 
@@ -59,8 +60,12 @@ SampleRecording sampleOf(EdfFile file, const std::vector<Signal>& signals, bool 
 template <typename Reader>
 ReaderRow row(const char* name, int type, const EdfFile& kind, const std::vector<Signal>& signals) {
     const bool bdf = type == 48;
-    return {name, type, 8, [=] { return sampleOf(kind, signals, bdf); },
-            [] { return std::make_unique<Reader>(); }};
+    return {name,
+            type,
+            8,
+            [=] { return sampleOf(kind, signals, bdf); },
+            [] { return std::make_unique<Reader>(); },
+            [] { return std::make_unique<FramesOnly<Reader>>(); }};
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "kvsig/readers/SnapshotReader.h"
 #include "kvsig/util/File.h"
 #include "support/RawFile.h"
+#include "support/SameSamples.h"
 
 #include <algorithm>
 #include <sstream>
@@ -57,8 +58,12 @@ SampleRecording sampleOf(RawFile file, int dataType) {
 
 template <typename Reader>
 ReaderRow row(const char* name, int type, int dataType) {
-    return {name, type, 8, [=] { return sampleOf(RawFile(), dataType); },
-            [] { return std::make_unique<Reader>(); }};
+    return {name,
+            type,
+            8,
+            [=] { return sampleOf(RawFile(), dataType); },
+            [] { return std::make_unique<Reader>(); },
+            [] { return std::make_unique<FramesOnly<Reader>>(); }};
 }
 
 } // namespace

@@ -1,10 +1,12 @@
 #include "compliance/ReaderRow.h"
+#include "kvsig/montage/G1G2Source.h"
 #include "kvsig/readers/PushableReader.h"
 #include "kvsig/registry/FrontDoor.h"
 #include "kvsig/registry/ReadableFormats.h"
 #include "kvsig/registry/types/FileTypes.h"
 #include "support/Opened.h"
 #include "support/ReadAround.h"
+#include "support/SameSamples.h"
 
 #include <algorithm>
 #include <climits>
@@ -42,7 +44,10 @@ class ReaderCompliance : public testing::TestWithParam<ReaderRow> {
 
     // A reader that is ready to open recordings of this kind.
     [[nodiscard]] std::unique_ptr<DataReader> newReader() const {
-        std::unique_ptr<DataReader> made = GetParam().reader();
+        return prepared(GetParam().reader());
+    }
+
+    [[nodiscard]] std::unique_ptr<DataReader> prepared(std::unique_ptr<DataReader> made) const {
         std::istringstream attributes(file.attributes);
         EXPECT_EQ(made->readAttributeFile(attributes), !file.attributes.empty());
         if (auto* pushed = dynamic_cast<PushableReader*>(made.get()))
@@ -153,6 +158,21 @@ TEST_P(ReaderCompliance, EveryWayOfReadingGivesTheMakersSamples) {
             for (const long i : {last, 0L, last / 2, last - 1, 1L}) // far jumps
                 ASSERT_EQ(rawOf(*reader, channel, i, i), expected(channel, i, i)) << i;
         }
+    }
+}
+
+TEST_P(ReaderCompliance, EveryPathToASampleGivesTheSameBits) {
+    const std::unique_ptr<DataReader> framed = prepared(GetParam().framedReader());
+    ASSERT_TRUE(framed->open(path.c_str()));
+    test::expectSameSamples(*reader, *framed, 1000);
+
+    G1G2Source cached(*reader, 0, -1), plain(*framed, 0, -1);
+    plain.setUseCache(false);
+    for (long first = -20; first < file.sampleCount; first += 33) {
+        std::vector<float> block(60), samePlain(60);
+        cached.getData(first, first + 59, block.data(), 1.0);
+        plain.getData(first, first + 59, samePlain.data(), 1.0);
+        ASSERT_EQ(block, samePlain) << first;
     }
 }
 
@@ -301,10 +321,13 @@ INSTANTIATE_TEST_SUITE_P(Edf, ReaderCompliance, testing::ValuesIn(test::edfRows(
 INSTANTIATE_TEST_SUITE_P(Raw, ReaderCompliance, testing::ValuesIn(test::rawRows()),
                          [](const auto& row) { return std::string(row.param.name); });
 
+INSTANTIATE_TEST_SUITE_P(Flat, ReaderCompliance, testing::ValuesIn(test::flatRows()),
+                         [](const auto& row) { return std::string(row.param.name); });
+
 // A format is readable when its reader has passed the kit, and when users are told.
 TEST(ReaderComplianceRows, CoverEveryReadableFormat) {
     std::set<int> types;
-    for (const auto& rows : {test::edfRows(), test::rawRows()})
+    for (const auto& rows : {test::edfRows(), test::rawRows(), test::flatRows()})
         for (const ReaderRow& row : rows)
             types.insert(row.type);
     for (const ReadableFormat& format : readableFormats())

@@ -35,6 +35,7 @@ struct ReaderRow {
     std::uint32_t miscFlags;
     std::function<SampleRecording()> sample;
     std::function<std::unique_ptr<DataReader>()> reader;
+    std::function<std::unique_ptr<DataReader>()> framedReader; ///< takes all samples from chunks
 };
 
 inline void PrintTo(const ReaderRow& row, std::ostream* stream) { *stream << row.name; }
@@ -43,5 +44,7 @@ inline void PrintTo(const ReaderRow& row, std::ostream* stream) { *stream << row
 std::vector<ReaderRow> edfRows();
 /// The rows of recordings that an attribute file describes.
 std::vector<ReaderRow> rawRows();
+/// The rows of formats that stand on FlatReader.
+std::vector<ReaderRow> flatRows();
 
 } // namespace kvsig::test

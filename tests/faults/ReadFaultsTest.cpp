@@ -19,7 +19,7 @@ using test::ReadFaults;
 
 std::vector<test::ReaderRow> fileRows() {
     std::vector<test::ReaderRow> all;
-    for (const auto& rows : {test::edfRows(), test::rawRows()})
+    for (const auto& rows : {test::edfRows(), test::rawRows(), test::flatRows()})
         std::copy_if(rows.begin(), rows.end(), std::back_inserter(all), [](const auto& row) {
             return !dynamic_cast<PushableReader*>(row.reader().get());
         });

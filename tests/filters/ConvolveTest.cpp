@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <random>
+#include <utility>
 #include <vector>
 
 namespace kvsig {
@@ -48,22 +49,43 @@ TEST(Convolve, SumsInSinglePrecisionInTheGivenOrder) {
     EXPECT_EQ(run({0.25, big, 0.25, 0, 0.25}, {1, 1, 1}, 5, 1, +1, 1).list(), (Values{big}));
 }
 
-TEST(Convolve, IsTheSameForLongAndShortRuns) {
+// The definition, word for word.
+Values textbook(const Values& x, const Values& h, int nh, int step, int sign, int symmetric) {
+    Values out;
+    for (int at = 0; at + nh <= static_cast<int>(x.size()); at += step) {
+        const auto sample = [&](int j) { return x[static_cast<std::size_t>(at + j)]; };
+        const auto weight = [&](int j) { return h[static_cast<std::size_t>(j)]; };
+        float sum = 0.0F;
+        for (int j = 0; j < (symmetric ? nh / 2 : nh); ++j) {
+            const float folded = !symmetric   ? sample(j)
+                                 : (sign < 0) ? sample(j) - sample(nh - 1 - j)
+                                              : sample(j) + sample(nh - 1 - j);
+            sum += folded * weight(j);
+        }
+        if (symmetric && sign >= 0 && nh % 2 != 0)
+            sum += weight(nh / 2) * sample(nh / 2);
+        out.push_back(sum);
+    }
+    return out;
+}
+
+TEST(Convolve, GivesTheTextbookLoopsSumsBitByBit) {
     std::mt19937 random(7);
     std::uniform_real_distribution<float> value(-100.0F, 100.0F);
-    Values x(301);
-    Values h(9);
-    for (float& sample : x)
-        sample = value(random);
+    Values h(46);
     for (float& weight : h)
         weight = value(random);
-    for (const int step : {1, 2, 7}) {
-        const Values whole = run(x, h, 9, step, +1, 0).list();
-        ASSERT_EQ(whole.size(), static_cast<std::size_t>((301 - 9) / step + 1));
-        for (std::size_t k = 0; k < whole.size(); ++k) {
-            const auto from = x.begin() + static_cast<std::ptrdiff_t>(k) * step;
-            ASSERT_EQ(whole[k], run(Values(from, from + 9), h, 9, 1, +1, 0).list().at(0));
-        }
+    for (const int size : {9, 44, 45, 71, 72, 73, 108, 109, 136, 200, 301, 700}) {
+        Values x(static_cast<std::size_t>(size));
+        for (float& sample : x)
+            sample = value(random);
+        for (const int taps : {1, 2, 8, 9, 44, 45})
+            for (const int step : {1, 2, 3, 7})
+                for (const auto& [symmetric, sign] : {std::pair(0, 1), {1, 1}, {1, -1}})
+                    ASSERT_EQ(run(x, h, taps, step, sign, symmetric).list(),
+                              textbook(x, h, taps, step, sign, symmetric))
+                        << size << " samples, " << taps << " taps, step " << step << ", "
+                        << symmetric << ' ' << sign;
     }
 }
 

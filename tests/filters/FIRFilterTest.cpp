@@ -94,6 +94,33 @@ TEST(FIRFilter, IsCentredAndClearsItsMargins) {
                   filter.getNumerWeight(22 + i));
 }
 
+TEST(FIRFilter, GivesTheTextbookLoopsSumsBitByBitHoweverLongTheBlock) {
+    FIRLowPass filter;
+    for (const double width : {0.5, 0.05, 0.0005}) { // 5, 45, 4457 taps
+        ASSERT_EQ(filter.design(0.1, width, 40.0), 1);
+        const int taps = filter.nNumerWeights();
+        const int half = taps / 2;
+        for (const int outputs : {1, 63, 64, 65, 4096, 4097, 4500}) {
+            const int count = outputs + taps - 1;
+            const std::vector<float> x = sine(0.0917, static_cast<std::size_t>(count));
+            std::vector<float> filtered = x;
+            ASSERT_EQ(filter.apply(filtered.data(), count), 1);
+            const auto weight = [&](int j) { return static_cast<float>(filter.getNumerWeight(j)); };
+            // The first outputs, some here and there, and the last.
+            for (int k = 0; k < outputs; k += k < outputs - 400 && k > 400 ? 397 : 1) {
+                const float* const at = x.data() + k;
+                float sum = 0.0F;
+                for (int j = 0; j < half; ++j)
+                    sum += (at[j] + at[taps - 1 - j]) * weight(j);
+                sum += weight(half) * at[half];
+                ASSERT_EQ(filtered[static_cast<std::size_t>(k + half)], sum)
+                    << taps << " taps, output " << k << " of " << outputs;
+            }
+            EXPECT_EQ(filtered.back() == 0.0F, taps > 1);
+        }
+    }
+}
+
 TEST(FIRFilter, LeavesBlocksAloneThatItCannotFilter) {
     FIRLowPass filter;
     std::vector<float> samples = sine(0.3, 45);

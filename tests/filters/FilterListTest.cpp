@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <random>
+#include <string>
 #include <vector>
 
 namespace kvsig {
@@ -65,6 +66,58 @@ TEST(FilterList, AnEmptyListIsANeutralFilter) {
     EXPECT_EQ(samples, (Values{1, 2}));
     EXPECT_EQ(list.design(0.1, 0.2, 0.3), 0);
     EXPECT_EQ(list.freqCutoff(), 0.0);
+}
+
+// A host's own kind of filter.
+class Doubler : public IIRLowPass {
+  public:
+    int apply(float* data, int count) override {
+        for (int i = 0; i < count; ++i)
+            data[i] *= 2.0F;
+        return 1;
+    }
+    int iterApply(float* data, int count) override { return apply(data, count); }
+};
+
+TEST(FilterList, GivesWhatItsFiltersGiveOneAfterTheOther) {
+    // Recursive filters in all orders, more of them than run as one, and with others among them.
+    const std::vector<std::string> chains{"l",   "n",   "lh",  "hn",       "nl",
+                                          "lhn", "lln", "nnh", "lhlhnlhn", "lhnlhnlhn",
+                                          "i",   "lin", "lfn", "dn",       ""};
+    for (const std::string& letters : chains) {
+        std::vector<std::unique_ptr<Filter>> filters;
+        FilterList list;
+        for (const char letter : letters) {
+            if (letter == 'l')
+                filters.push_back(std::make_unique<IIRLowPass>());
+            else if (letter == 'h')
+                filters.push_back(std::make_unique<IIRHighPass>());
+            else if (letter == 'n' || letter == 'i')
+                filters.push_back(std::make_unique<IIRNotch>());
+            else if (letter == 'f')
+                filters.push_back(std::make_unique<FIRLowPass>());
+            else
+                filters.push_back(std::make_unique<Doubler>());
+            const double cutoff = 0.03 + 0.04 * static_cast<double>(filters.size());
+            filters.back()->design(letter == 'i' ? 0.5 : cutoff, 0.01, 40.0);
+            list.addNext(filters.back().get());
+        }
+        for (const std::size_t count : {0U, 1U, 2U, 3U, 130U}) {
+            Values expected = noise(count, 5);
+            Values samples = expected;
+            Values expectedNext = noise(7, 6);
+            Values next = expectedNext;
+            const auto size = static_cast<int>(count);
+            for (const auto& filter : filters)
+                filter->apply(expected.data(), size);
+            for (const auto& filter : filters)
+                filter->iterApply(expectedNext.data(), 7);
+            EXPECT_EQ(list.apply(samples.data(), size), 1);
+            list.iterApply(next.data(), 7);
+            EXPECT_EQ(samples, expected) << letters << ' ' << count;
+            EXPECT_EQ(next, expectedNext) << letters << ' ' << count << ": what is left behind";
+        }
+    }
 }
 
 TEST(FilterList, AsksItsFilters) {

@@ -242,7 +242,7 @@ TEST_F(AttributesOfAReader, BelongToOneRecording) {
     ASSERT_TRUE(kept.open("c"));
     kept.file.channels = {{"EKG", "X"}};
     ASSERT_TRUE(kept.open("d"));
-    EXPECT_STREQ(kept.refGrid(), "Ref") << "no scalp channel tells of one";
+    EXPECT_STREQ(kept.refGrid(), "A1") << "no scalp channel tells of another";
 }
 
 } // namespace

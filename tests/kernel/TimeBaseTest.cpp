@@ -54,6 +54,9 @@ TEST(TimeBase, AGapOfManyDaysIsTakenInOneStep) {
     constexpr double most = std::numeric_limits<double>::max();
     addTo(base, 4, most);
     EXPECT_EQ(addTo(base, 5, -most), most) << "a gap of more than a double holds";
+    TimeBase forward;
+    addTo(forward, 0, -most);
+    EXPECT_EQ(addTo(forward, 1, most), most) << "later by more than a double holds";
 }
 
 // 100 Hz; 0-10 s from 8:00:00, a pause of a minute, then 10-20 s from 8:01:10.

@@ -147,24 +147,31 @@ TEST_F(MontageFilters, EventsWithoutALabelChangeTheMontage) {
     EXPECT_FALSE(montage.updateState(event(7, {})));
 }
 
-TEST_F(MontageFilters, ANotchWithoutAWidthTakesItsFrequencyOutAndLittleElse) {
+TEST_F(MontageFilters, AnEventsNotchIsTwoHertzWideAndOneWithoutAWidthFiltersNothing) {
     const auto gainAt = [this](double hertz) {
         std::vector<float> samples = sine(hertz / 200.0, 8000);
         row(0).filters()->apply(samples.data(), 8000);
         return amplitudeAt(hertz / 200.0, samples, 6000, 2000);
     };
-    const auto expectNotch = [&gainAt](const char* what) {
-        EXPECT_LT(gainAt(50), 0.01) << what;
-        EXPECT_NEAR(gainAt(51) / gainAt(80), std::sqrt(0.5), 0.05) << what << ": 1 Hz beside it";
-    };
-    montage.updateState(event(6, 50.0));
-    expectNotch("an event");
-    EXPECT_EQ(montage.notch(), on(50)) << "no width that would be another's at another rate";
-    for (const double width : {0.0, -1.0, std::nan("")}) {
+    EXPECT_TRUE(montage.updateState(event(6, 50.0)));
+    EXPECT_LT(gainAt(50), 0.01);
+    EXPECT_NEAR(gainAt(51) / gainAt(80), std::sqrt(0.5), 0.05) << "1 Hz beside it";
+    EXPECT_GT(double{montage.notch().second}, 0.0);
+    EXPECT_FALSE(montage.updateState(event(6, 50.0))) << "nothing new";
+
+    montage.setNotch(on(50));
+    montage.updateFilters();
+    EXPECT_EQ(chainOf(row(0)), std::vector{Filter::notch});
+    EXPECT_EQ(double{montage.notch().second}, 0.0);
+    EXPECT_NEAR(gainAt(50), 1.0, 0.01);
+    for (const double width : {-1.0, std::nan("")}) { // poles outside the unit circle
         montage.setNotch(on(50, width));
         montage.updateFilters();
-        expectNotch("a host");
+        EXPECT_TRUE(chainOf(row(0)).empty()) << width;
     }
+    SourceMontage unread;
+    EXPECT_TRUE(unread.updateState(event(6, 50.0)));
+    EXPECT_EQ(double{unread.notch().second}, 1.0) << "as at a high rate";
 }
 
 TEST_F(MontageFilters, EventsWithALabelChangeThatRow) {
@@ -174,9 +181,15 @@ TEST_F(MontageFilters, EventsWithALabelChangeThatRow) {
     EXPECT_EQ(row(2).settings().highPass, on(5));
     EXPECT_EQ(row(2).settings().lowPass, on(70)) << "what it had until now";
     EXPECT_TRUE(row(0).settings().followMontage);
+    const std::vector<float> before = read(row(0), 400, 499);
     EXPECT_TRUE(montage.updateState(event(3, 20.0, "Fp1"))) << "found by its electrode";
     EXPECT_EQ(row(0).settings().displayValue, 20);
-    EXPECT_TRUE(row(0).settings().followMontage) << "sensitivity is no filter";
+    EXPECT_FALSE(row(0).settings().followMontage);
+    EXPECT_EQ(row(0).settings().lowPass, on(70));
+    EXPECT_EQ(read(row(0), 400, 499), before) << "the filters that it followed are its own now";
+    montage.updateState(event(5, 30.0));
+    EXPECT_EQ(read(row(0), 400, 499), before);
+    montage.updateState(event(5, 70.0));
     EXPECT_FALSE(montage.updateState(event(6, 50.0, "Fp1"))) << "no notch of its own";
     EXPECT_FALSE(montage.updateState(event(4, 5.0, "nobody")));
     EXPECT_FALSE(montage.updateState(event(4, 5.0, "        "))) << "the gap";

@@ -60,7 +60,7 @@ class TestMontage : public SourceMontage {
     std::vector<std::string> averageNames() {
         std::vector<std::string> all;
         for (int i = 0; i < avgRefCount(); ++i)
-            all.emplace_back(avgRef(i)->name());
+            all.emplace_back(avgRef(i) ? avgRef(i)->name() : "deleted");
         return all;
     }
     /// A row's first sample.

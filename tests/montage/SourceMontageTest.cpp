@@ -1,6 +1,7 @@
 #include "kvsig/montage/SourceMontage.h"
 
 #include "kvsig/montage/ReferenceAnalysis.h"
+#include "kvsig/readers/SyncReader.h"
 #include "montage/MontageFixture.h"
 #include "support/LogCapture.h"
 
@@ -109,12 +110,32 @@ TEST(SourceMontage, DefinitionsAreWhatTheySay) {
     EXPECT_THAT(montage.unresolved(), SizeIs(17));
 }
 
-TEST(SourceMontage, ALabelThatHoldsAStarIsALabel) {
-    TestMontage montage({"C*3", "F7", "X*1"});
-    montage.add({"C*3", "C*3-F7", "C*3-X*1", "C*3-2*F7"});
-    EXPECT_THAT(montage.names(), ElementsAre("C*3-Ref", "C*3-F7", "C*3-X*1", "C*3-_av1"));
-    EXPECT_FLOAT_EQ(montage.valueOf(2), 10 - 30);
-    EXPECT_FLOAT_EQ(montage.valueOf(3), 10 - 2 * 20);
+TEST(SourceMontage, WhatIsNoArithmeticMayBeALabelWithAStar) {
+    TestMontage montage({"C*3", "F7", "X*1", "3*F7"});
+    montage.add({"C*3", "C*3-Ref", "C*3-F7", "C*3-X*1", "F7-3*F7", "F7-C*3-3*F7"});
+    EXPECT_THAT(montage.names(),
+                ElementsAre("C*3-Ref", "C*3-Ref", "C*3-_av1", "C*3-_av2", "F7-_av3", "F7-_av4"));
+    EXPECT_FLOAT_EQ(montage.valueOf(1), 10);
+    EXPECT_FLOAT_EQ(montage.valueOf(3), 10 - 30) << "a term without a factor";
+    EXPECT_FLOAT_EQ(montage.valueOf(4), 20 - 3 * 20) << "arithmetic comes first";
+}
+
+// The pair numbers an electrode of its second recording as that recording does.
+TEST(SourceMontage, OfAPairOnlyElectrodesOfTheFirstRecordingMakeRows) {
+    test::FakeReader first(test::recordingOf({"Fp1", "F7", "Cz"}));
+    test::FakeReader second(test::recordingOf({"ECG", "EMG", "F7"}));
+    SyncReader pair(&first, &second);
+    ASSERT_TRUE(pair.open("scripted"));
+    ASSERT_EQ(pair.indexOfG1("EMG"), 1);
+    SourceMontage montage;
+    montage.setReader(&pair);
+    for (const char* defn : {"EMG", "Fp1-EMG", "EMG+Cz", "Fp1-2*EMG", "EMG-2*Fp1"})
+        EXPECT_EQ(montage.createSource(defn), nullptr) << defn;
+    EXPECT_EQ(montage.sourceCount() + montage.avgRefCount(), 0);
+    for (const char* defn : {"Fp1-f7", "F7+Cz", "Fp1-F7Cz", "Fp1-2*Cz"})
+        EXPECT_NE(montage.createSource(defn), nullptr) << defn;
+    EXPECT_EQ(montage.createRecordedMontage(), 1);
+    EXPECT_EQ(montage.sourceCount(), 6);
 }
 
 TEST(SourceMontage, RecordedPairsAreFoundAsPairsOnly) {
@@ -242,31 +263,33 @@ TEST(SourceMontage, TheRecordedMontageTellsItsReferenceAfterAChange) {
     EXPECT_STREQ(montage.ref(), "Ref");
 }
 
-TEST(SourceMontage, ADeletedAverageIsNoReferenceAndOthersStay) {
+TEST(SourceMontage, ADeletedAverageIsNoReferenceAndItsPlaceStaysEmpty) {
     TestMontage montage(oldNames);
     montage.addGlobalAvgRefs();
     montage.add({"Fp1-A1A2", "Fp1-Av17", "Fp1-Av12", "Fp1-F7"});
+    const int id = montage.idOfChannel2("Av12");
+    ASSERT_FLOAT_EQ(montage.valueOf(1), 10 - 110);
     montage.deleteSource(montage.avgRef(1));
-    EXPECT_THAT(montage.averageNames(), ElementsAre("A1A2", "Av12"));
+    EXPECT_EQ(montage.avgRefCount(), 3);
+    EXPECT_THAT(montage.averageNames(), ElementsAre("A1A2", "deleted", "Av12"));
+    EXPECT_EQ(montage.idOfChannel2("Av12"), id);
+    EXPECT_EQ(montage.indexOfAvgRef("Av17"), -1);
+    EXPECT_EQ(montage.indexOfAvgRef(""), -1);
     EXPECT_THAT(montage.names(), ElementsAre("Fp1-A1A2", "Fp1-Ref", "Fp1-Av12", "Fp1-F7"));
-    EXPECT_FLOAT_EQ(montage.valueOf(1), 10);
-    montage.add({"F7+F8"});
+    EXPECT_EQ(definition(*montage.source(1)), "Fp1-Ref");
+    EXPECT_FLOAT_EQ(montage.valueOf(1), 10) << "not from the cache";
+    montage.add({"F7+F8", "Fp1-2*F7"});
     EXPECT_STREQ(montage.source(1)->name(), "Fp1-Ref") << "a new average is not the old one";
+    EXPECT_THAT(montage.averageNames(), ElementsAre("A1A2", "deleted", "Av12", "F7F8", "_av5"));
+    montage.deleteSource(nullptr);
+    montage.flushCache();
     montage.deleteSource(montage.source(0));
-    EXPECT_THAT(montage.names(), ElementsAre("Fp1-Ref", "Fp1-Av12", "Fp1-F7"));
+    EXPECT_THAT(montage.names(), ElementsAre("Fp1-Ref", "Fp1-Av12", "Fp1-F7", "Fp1-_av5"));
     G1G2Source foreign(montage.recording, 0, 1);
     montage.deleteSource(&foreign);
-    EXPECT_EQ(montage.sourceCount(), 3);
-}
-
-TEST(SourceMontage, NumericAveragesKeepNamesOfTheirOwn) {
-    TestMontage montage({"Fp1", "F7"});
-    montage.add({"Fp1-1*F7", "Fp1-2*F7"});
-    montage.deleteSource(montage.avgRef(0));
-    montage.add({"Fp1-3*F7"});
-    EXPECT_THAT(montage.averageNames(), ElementsAre("_av2", "_av3"));
-    EXPECT_FLOAT_EQ(montage.valueOf(1), 10 - 40);
-    EXPECT_FLOAT_EQ(montage.valueOf(2), 10 - 60);
+    EXPECT_EQ(montage.sourceCount(), 4);
+    EXPECT_TRUE(montage.changeReference("Av12"));
+    EXPECT_STREQ(montage.source(0)->name(), "Fp1-Av12");
 }
 
 TEST(SourceMontage, WrittenOutAndReadBackIsTheSame) {

@@ -4,9 +4,11 @@
 #include "support/EdfFile.h"
 #include "support/TempDir.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <utility>
 
 namespace kvsig {
 namespace {
@@ -136,6 +138,37 @@ TEST_F(EdfInspection, WarnsOfAnnotationsThatAreShownAsChannels) {
     EXPECT_EQ(severityOf(file, shown), "warning");
     EXPECT_EQ(severityOf(EdfFile(file).reserved("EDF+C"), shown), "");
     EXPECT_EQ(severityOf(EdfFile(file).reserved("BDF+C"), shown), "warning");
+}
+
+TEST_F(EdfInspection, NotesAnAnnotationSignalInFrontOfTheChannels) {
+    EdfFile file = EdfFile().reserved("EDF+C").patient("X X X X").signal("EDF Annotations", 8);
+    file.signal("A", 4).onsets({"+0", "+1"});
+    EXPECT_THAT(oddities(file), ElementsAre("signal 1 (\"EDF Annotations\") holds texts and is no "
+                                            "channel: channel #0 is signal 2"));
+}
+
+TEST_F(EdfInspection, NotesPatientsOfMoreOrFewerThanFourWords) {
+    for (const auto& [patient, count] :
+         {std::pair("X X X X", 0), {"X X X", 1}, {"X F X  X 3C 54", 1}})
+        for (const char* kind : {"EDF+C", "EDF", ""}) {
+            const auto found = oddities(EdfFile(clean).patient(patient).reserved(kind));
+            EXPECT_EQ(std::count_if(found.begin(), found.end(),
+                                    [](const std::string& text) {
+                                        return text.starts_with("patient identification");
+                                    }),
+                      *kind ? count : 0)
+                << patient << " in " << kind;
+            EXPECT_THAT(found, testing::Each(testing::Not(HasSubstr("3C")))) << "never shown";
+        }
+}
+
+TEST_F(EdfInspection, NotesASingleRecordOfOddLength) {
+    EXPECT_THAT(
+        oddities(EdfFile(clean).records(1).duration("9.59375")),
+        ElementsAre("duration of the only data record (offset 244) is \"9.59375\", no whole "
+                    "number of seconds"));
+    EXPECT_THAT(oddities(EdfFile(clean).records(2).duration("9.59375")), IsEmpty());
+    EXPECT_THAT(oddities(EdfFile(clean).records(1).duration("2184")), IsEmpty());
 }
 
 TEST_F(EdfInspection, NotesAHeaderThatIsLongerThanItsSignals) {

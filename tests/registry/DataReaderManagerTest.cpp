@@ -1,7 +1,9 @@
 #include "kvsig/registry/types/DataReaderManager.h"
 
 #include "kvsig/kernel/IDataReader.h"
+#include "kvsig/readers/SyncReader.h"
 #include "kvsig/registry/types/FileTypes.h"
+#include "kvsig/registry/types/FormatFactories.h"
 #include "kvsig/registry/types/TypeTable.h"
 #include "support/FakeReader.h"
 
@@ -64,8 +66,27 @@ TEST_F(Registry, TheTableHoldsEveryRowOnceAndInOrder) {
                                    51, 52, 52, 53, 54, 55, 56, 57, 58, 59, 61, 62, 63, 64, 65, 66};
     // Without the XML layout, which mode 1 switches off, and the row of 54 that is not listed.
     EXPECT_EQ(typesOf(manager), inOrder);
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        EXPECT_STREQ(manager.factories()[i]->name, rows[i].name);
     EXPECT_EQ(manager.listedFactories().back()->sortKey, 66);
     EXPECT_EQ(manager.listedFactories().front()->sortKey, 1000);
+}
+
+TEST_F(Registry, FormatsThatAreNotBuiltInHaveAFactoryClassEach) {
+    EXPECT_NE(dynamic_cast<BDFFactory*>(manager.findFactoryByType(48)), nullptr);
+    EXPECT_NE(dynamic_cast<BlackrockFactory*>(manager.findFactoryByType(54)), nullptr);
+    NervusFactory2 second;
+    EXPECT_STREQ(second.name, "NicoletOne nEEG/LTM/Monitor (*.e)");
+    CyberkineticsFactory unlisted;
+    EXPECT_TRUE(unlisted.isEnabled() && !unlisted.isListed());
+    const UnheldReader made(second.create("a.e"));
+    EXPECT_NE(made, nullptr);
+}
+
+TEST(RegistryEnd, RecordsOfItsOwnGoOnceWhateverTheirFlag) {
+    DataReaderManager manager;
+    manager.findFactoryByType(6)->owned = 1;
+    manager.findFactoryByType(48)->owned = 1;
 }
 
 TEST_F(Registry, ModesSwitchFormatsOnAndOff) {
@@ -212,15 +233,36 @@ TEST(RegistryAllocation, HoldsToTheGatesOfTheMode) {
         EXPECT_EQ(allocates(4, row.type), !isLayoutType(row.type)) << row.name;
 }
 
+TEST(RegistryAllocation, AsksTheHostsRegistryForTheMembersOfAPair) {
+    struct HostRegistry : DataReaderManager {
+        IDataReader* allocReader(int type, CString& name) override {
+            asked.push_back(name);
+            return type == 48 ? nullptr : DataReaderManager::allocReader(type, name);
+        }
+        std::vector<std::string> asked;
+    } registry;
+    std::string reason;
+    CString name = "a.edf*b.trc";
+    const UnheldReader pair = registry.allocate(pairType(6, 28), name, reason);
+    ASSERT_NE(pair, nullptr);
+    EXPECT_THAT(registry.asked, ElementsAre("a.edf", "b.trc"));
+    EXPECT_EQ(dynamic_cast<SyncReader&>(*pair).second()->fileType(), 28);
+    EXPECT_EQ(name, "a.edf");
+    EXPECT_EQ(registry.allocate(pairType(48, 6), name = "a*b", reason), nullptr);
+    EXPECT_EQ(reason, "the registry refuses the type BDF");
+    EXPECT_EQ(registry.allocate(pairType(6, 67), name = "a*b", reason), nullptr);
+    EXPECT_EQ(reason, "67 is the number of no recording type");
+}
+
 TEST(RegistryAllocation, StampsTypeAndName) {
     DataReaderManager manager;
-    CString name = "rec.trc";
-    IDataReader* reader = manager.allocReader(28, name);
+    CString name = "rec.msr";
+    IDataReader* reader = manager.allocReader(57, name);
     const UnheldReader held(reader);
     ASSERT_NE(reader, nullptr);
-    EXPECT_EQ(reader->fileType(), 28);
-    EXPECT_STREQ(reader->fileName(), "rec.trc");
-    EXPECT_FALSE(reader->open("rec.trc"));
+    EXPECT_EQ(reader->fileType(), 57);
+    EXPECT_STREQ(reader->fileName(), "rec.msr");
+    EXPECT_FALSE(reader->open("rec.msr"));
     EXPECT_EQ(reader->getLastError(), 3);
 }
 

@@ -64,6 +64,19 @@ TEST_F(FrontDoor, TellsFormatsByContentNotByName) {
     }
 }
 
+TEST_F(FrontDoor, TheHostsOrderChoosesAmongReadersOfOneContent) {
+    const std::string path = write("a.edf", edf);
+    const std::vector<const char*> before = GetDataReaderSortOrder();
+    for (const auto& [name, type] : {std::pair("Lifelines (*.edf)", 41),
+                                     {"TelefactorEDF (*.edf)", 47},
+                                     {"EDF90 (*.edf)", 6}}) {
+        SetDataReaderSortOrder({name});
+        EXPECT_EQ(DetectFileType(path.c_str()), type);
+    }
+    SetDataReaderSortOrder(before);
+    EXPECT_EQ(DetectFileType(path.c_str()), 6);
+}
+
 TEST_F(FrontDoor, AGivenTypeChoosesTheReader) {
     const std::string path = write("a.edf", edf);
     const struct {
@@ -101,7 +114,7 @@ TEST_F(FrontDoor, AGivenTypeChoosesTheReader) {
 }
 
 TEST_F(FrontDoor, NamesTellFormatsThatAreNotBuilt) {
-    EXPECT_EQ(DetectFileType(dir.write("a.trc", "x").c_str()), 28);
+    EXPECT_EQ(DetectFileType(dir.write("a.msr", "x").c_str()), 57);
     EXPECT_EQ(DetectFileType(dir.write("a.e", "x").c_str()), 0);
     EXPECT_FALSE(openReader(dir.file("a.e").c_str(), 0, &error));
     EXPECT_THAT(error, HasSubstr("by its name it may be Nervus, CardinalNicOne"));
@@ -129,6 +142,10 @@ TEST_F(FrontDoor, TheLicenceCheckGuardsEveryAllocation) {
     EXPECT_EQ(_KrnlAllocReaderEx(6, name), nullptr);
     EXPECT_EQ(_KrnlAllocReaderEx(pairType(6, 6), (path + "*" + path).c_str()), nullptr);
     EXPECT_FALSE(openReader(path.c_str(), 0, &error));
+    int asked = 0;
+    KrnlSetLicenceCheck([&asked] { return ++asked > 0; });
+    EXPECT_EQ(_KrnlAllocReaderEx(-1, name), nullptr);
+    EXPECT_EQ(asked, 1) << "without a reader too";
     KrnlSetLicenceCheck({});
     EXPECT_THAT(error, HasSubstr("licence"));
     EXPECT_THAT(log.take(), testing::Contains(HasSubstr("licence check refuses")));

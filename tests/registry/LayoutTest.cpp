@@ -128,7 +128,7 @@ TEST_F(Layout, SaysWhatIsWrongWithIt) {
         {"[FileInfo]\nFile=rec.raw\nFileType=Interleaved\nSamplingRate=1\n",
          "not complete: the attribute file has no HeaderLength in its section FileInfo"},
         {"[FileInfo]\nFile=gone.edf\nFileType=EDF90\n", "gone.edf: no such file"},
-        {"[FileInfo]\nFile=rec.raw\nFileType=Micromed\n", "Micromed (*.trc)"},
+        {"[FileInfo]\nFile=rec.raw\nFileType=Rembrandt\n", "Rembrandt (*.msr)"},
     };
     for (const auto& c : cases) {
         EXPECT_FALSE(open(c.text)) << c.text;

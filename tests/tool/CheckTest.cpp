@@ -31,7 +31,26 @@ TEST(Types, ListEveryFormatAndWhetherItIsRead) {
                                   {"readable", true}}));
         }
     EXPECT_THAT(runCommand(dir, "types").out, HasSubstr("28  Micromed"));
-    EXPECT_THAT(runCommand(dir, "types --readable").out, Not(HasSubstr("Micromed")));
+    EXPECT_THAT(runCommand(dir, "types --readable").out, Not(HasSubstr("Rembrandt")));
+}
+
+// The reason speaks of the first signal; that there is no other one is the fault.
+TEST(Check, WhatWasReadOfARefusedHeaderIsToldToo) {
+    const TempDir dir;
+    const EdfFile file = EdfFile().signal("Fp1", 4).signal("F7", 4).poke(252, "1e3 ");
+    EdfFile(file).writeTo(dir.file("a.edf"));
+    const std::string taken = "number of signals (offset 252) is \"1e3\", read as 1\n";
+    const CommandResult info = runCommand(dir, "info a.edf");
+    EXPECT_EQ(info.exitCode, 1);
+    EXPECT_THAT(info.err, AllOf(HasSubstr("at least 1 is needed\n"), HasSubstr("a.edf: " + taken)));
+    EXPECT_THAT(runCommand(dir, "check a.edf").out, HasSubstr("a.edf: warning: " + taken));
+    EdfFile(file).poke(252, "31 E").append(std::string(10000, ' ')).writeTo(dir.file("b.edf"));
+    EXPECT_THAT(runCommand(dir, "info b.edf").err,
+                AllOf(HasSubstr("read as 31\n"), HasSubstr(" more warnings\n"),
+                      Not(HasSubstr("of signal 9"))));
+    const CommandResult pair = runCommand(dir, "export 'a.edf*a.edf'");
+    EXPECT_EQ(pair.exitCode, 1);
+    EXPECT_THAT(pair.err, HasSubstr("a.edf: " + taken));
 }
 
 TEST(Check, IsQuietOnCleanFilesAndTellsOddOnes) {

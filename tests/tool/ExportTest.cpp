@@ -135,6 +135,10 @@ TEST(Export, RangesAreClippedAndTold) {
     const CommandResult outside = runCommand(dir, "export a.edf --from 5");
     EXPECT_EQ(outside.exitCode, 1);
     EXPECT_THAT(outside.err, HasSubstr("no samples from 5 s on; the recording lasts 2 s"));
+    EXPECT_EQ(runCommand(dir, "export a.edf --from 5 --to 9").err,
+              "kvsig: a.edf: no samples from 5 s on; the recording lasts 2 s\n");
+    EXPECT_THAT(runCommand(dir, "export a.edf --from 1 --to 0.5").err,
+                HasSubstr("no samples from 1 s on and before 0.5 s;"));
     EXPECT_EQ(runCommand(dir, "export a.edf --from 1:x").exitCode, 2);
 }
 

@@ -1,5 +1,6 @@
 #include "support/Command.h"
 #include "support/EdfFile.h"
+#include "tool/Rows.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -40,7 +41,8 @@ TEST_F(MontageCommand, ListsMontagesAndTheirSources) {
     EXPECT_THAT(run("montage a.edf").out, AllOf(HasSubstr("Double banana"), Not(HasSubstr("Own"))));
     const CommandResult own = run("montage a.edf --montage own --montage-file own.ini --json");
     ASSERT_EQ(own.exitCode, 0) << own.err;
-    EXPECT_THAT(own.err, AllOf(HasSubstr("1 rows left out"), HasSubstr("C3-C4")));
+    EXPECT_THAT(own.err,
+                HasSubstr("1 row left out, the recording lacks electrodes of it: C3-C4\n"));
     const Json montage = Json::parse(own.out)["montage"];
     EXPECT_EQ(montage["missing"], Json({"C3-C4"}));
     EXPECT_EQ(montage["sources"][0]["name"], "second");
@@ -111,6 +113,18 @@ TEST_F(MontageCommand, SaysWhenNothingOfAMontageIsThere) {
     EXPECT_EQ(run("montage a.edf --montage-file gone").exitCode, 1);
 }
 
+TEST_F(MontageCommand, SaysWhatIsLeftOutByItsKind) {
+    dir.write("own.ini", "[Own]\nFp1=\nC3-C4=\nF3=\nP3+P4=\n|=\n-|1,2=\n");
+    EXPECT_THAT(
+        run("montage a.edf --montage Own --montage-file own.ini").err,
+        AllOf(HasSubstr("2 rows left out, the recording lacks electrodes of them: C3-C4, F3\n"),
+              HasSubstr("1 average left out, the recording lacks electrodes of it: P3+P4\n"),
+              HasSubstr("2 definitions left out, which do not parse: \"|\", \"-|1,2\"\n")));
+    dir.write("own.ini", "[Own]\nP3+P4=\n");
+    EXPECT_THAT(run("montage a.edf --montage Own --montage-file own.ini").err,
+                AllOf(HasSubstr("has no rows\n"), HasSubstr("1 average left out")));
+}
+
 // Rows that bring filters of their own keep them; the others take the options'.
 TEST_F(MontageCommand, OwnFiltersOfARowStay) {
     dir.write("own.ini", "[Own]\nFp1-F7|0,0,0,0,0.1 sec,(off),0,0,0,0=own\nFp1-F7=plain\n");
@@ -121,6 +135,31 @@ TEST_F(MontageCommand, OwnFiltersOfARowStay) {
     ASSERT_EQ(table.exitCode, 0) << table.err;
     const std::string lastOwn = table.out.substr(table.out.rfind("0.75,"));
     EXPECT_EQ(plain.out.substr(plain.out.rfind("0.75,")).substr(0, 12), lastOwn.substr(0, 12));
+}
+
+// "." is a gap: as the montage has them, but for those of groups that are left out as a whole.
+TEST_F(MontageCommand, GapsAreDrawnAsTheyStand) {
+    const struct {
+        const char* keys;
+        const char* drawn;
+    } montages[] = {{"Gap1=\nGap2=\nFp1=a\nGap3=\nGap4=\nF7=b\nGap5=\n", "..a..b."},
+                    {"C3=\nGap1=\nFp1=a\nGap2=\nC3=\nTemp-Cz=\nGap3=\nF7=b\nGap4=\nC4=\n", "a.b"},
+                    {"Fp1=a\nC3=\nGap1=\nGap2=\nC3=\nF7=b\nP3+P4=\n", "a..b"},
+                    {"Gap1=\nC3=\nGap2=\nF7=b\n", ".b"}};
+    const auto recording = tool::openUsableRecording(dir.file("a.edf"), 0);
+    ASSERT_TRUE(recording);
+    for (const auto& montage : montages) {
+        dir.write("own.ini", std::string("[Own]\n") + montage.keys);
+        tool::SignalOptions options;
+        options.montage = {"Own", dir.file("own.ini"), ""};
+        tool::Rows rows(*recording);
+        ASSERT_TRUE(rows.select(options, true));
+        std::string drawn;
+        for (const tool::Row& row : rows.rows())
+            drawn += row.gap ? "." : row.name;
+        EXPECT_EQ(drawn, montage.drawn);
+        EXPECT_EQ(run("plot a.edf --montage Own --montage-file own.ini -o x.svg").exitCode, 0);
+    }
 }
 
 } // namespace

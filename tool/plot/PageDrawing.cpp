@@ -16,6 +16,7 @@ constexpr Colour words{0.15, 0.15, 0.15};
 constexpr Colour faint{0.45, 0.45, 0.45};
 constexpr Colour majorLine{0.68, 0.72, 0.82};
 constexpr Colour minorLine{0.87, 0.90, 0.95};
+constexpr Colour eventInk{0.72, 0.22, 0.10};
 constexpr double ownScaleRoom = 0.8; // of the row spacing
 
 // Value to millimetres below the row's centre.
@@ -61,6 +62,7 @@ class PagePainter {
 
     void paint() {
         drawGrid();
+        drawEvents();
         const auto& rows = m_content.rows->rows();
         for (std::size_t i = 0; i < rows.size(); ++i)
             if (!rows[i].gap)
@@ -102,6 +104,27 @@ class PagePainter {
         });
     }
 
+    // Under the traces, so that nothing of them is covered.
+    void drawEvents() {
+        cairo_t* context = m_canvas.context();
+        for (const EventMark& mark : m_content.events->marks) {
+            const double x = xOf(mark.from);
+            const double height = m_layout.top - 1.4 - mark.lane * eventLaneHeight;
+            if (mark.to > mark.from) {
+                cairo_set_source_rgba(context, eventInk.red, eventInk.green, eventInk.blue, 0.07);
+                cairo_rectangle(context, x, m_layout.top, xOf(mark.to) - x,
+                                m_layout.bottom - m_layout.top);
+                cairo_fill(context);
+            }
+            if (mark.begins)
+                m_canvas.line(x, mark.text.empty() ? m_layout.top : height, x, m_layout.bottom,
+                              0.15, eventInk);
+            if (!mark.text.empty())
+                m_canvas.text(m_layout.left + mark.textX, height, mark.text, eventTextSize,
+                              Align::left, eventInk, mark.textWidth);
+        }
+    }
+
     void drawRow(std::size_t index, const Row& row, const TraceReducer& trace) {
         const double centre = m_layout.rowCentre(index);
         const RowScale scale = scaleOf(row, trace, m_content, m_layout.rowSpacing);
@@ -128,8 +151,9 @@ class PagePainter {
     void drawTrace(const TraceReducer& trace, double centre, const RowScale& scale) {
         cairo_t* context = m_canvas.context();
         cairo_save(context);
-        cairo_rectangle(context, m_layout.left, m_layout.top - 4.0, m_layout.traceWidth(),
-                        m_layout.bottom - m_layout.top + 4.0);
+        const double above = m_content.events->lanes > 0 ? 0.5 : 4.0; // not over events' texts
+        cairo_rectangle(context, m_layout.left, m_layout.top - above, m_layout.traceWidth(),
+                        m_layout.bottom - m_layout.top + above);
         cairo_clip(context);
         const auto lineTo = [&](float position, double value) {
             // Far off the page a coordinate means nothing more, and the picture's formats overflow.
@@ -220,6 +244,9 @@ class PagePainter {
         remark(std::any_of(traces.begin(), traces.end(),
                            [this](const TraceReducer& trace) { return isEnvelope(trace); }),
                "light: all values, dark: mean and standard deviation");
+        if (m_content.events->left > 0)
+            remarks += std::string(remarks.empty() ? "" : "; ") +
+                       "event texts without room: " + std::to_string(m_content.events->left);
         m_canvas.text(2.0, m_layout.height - 2.5, remarks, 2.5, Align::left, faint);
     }
 

@@ -3,6 +3,7 @@
 #include "tool/Rows.h"
 #include "tool/SignalOptions.h"
 #include "tool/plot/Canvas.h"
+#include "tool/plot/EventMarks.h"
 #include "tool/plot/PageLayout.h"
 #include "tool/plot/TraceReducer.h"
 
@@ -15,6 +16,7 @@ struct PageContent {
     const Recording* recording;
     const Rows* rows;
     const std::vector<TraceReducer>* traces; ///< one for each row
+    const EventMarks* events;
     SampleRange range;
     const SignalOptions* signals;
     double sensitivity; ///< microvolts per millimetre of the rows in microvolts
@@ -22,8 +24,8 @@ struct PageContent {
 
 /// Draws the page as an EEG reader expects it: negative up, rows evenly spaced, labels left, second
 /// and 200 ms lines, clock times below, a scale bar in microvolts, and a caption with sensitivity
-/// and filters. Rows in other units, and the ECG, have a scale of their own and
-/// stand positive up.
+/// and filters. Events are thin lines through all rows, their texts above the traces. Rows in other
+/// units, and the ECG, have a scale of their own and stand positive up.
 void drawPage(Canvas& canvas, const PageLayout& layout, const PageContent& content);
 
 /// Whether a row is drawn at the page's sensitivity, or at a scale of its own; gaps at neither.

@@ -32,7 +32,8 @@ double niceStep(double atLeast) {
 
 } // namespace
 
-PageLayout::PageLayout(std::size_t rows) {
+PageLayout::PageLayout(std::size_t rows, double aboveTraces) {
+    top += aboveTraces;
     const auto count = static_cast<double>(std::max<std::size_t>(rows, 1));
     rowSpacing = std::min(spacingFor(rows), (tallestPage - top - bottomMargin) / count);
     bottom = top + rowSpacing * count;

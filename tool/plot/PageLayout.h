@@ -7,7 +7,8 @@ namespace kvsig::tool {
 
 /// Where things stand on the page, in millimetres from its top left corner.
 struct PageLayout {
-    explicit PageLayout(std::size_t rows);
+    /// `aboveTraces` is room for what stands between caption and traces.
+    explicit PageLayout(std::size_t rows, double aboveTraces = 0.0);
 
     double width = 297.0;
     double height = 0.0;

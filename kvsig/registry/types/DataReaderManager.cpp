@@ -1,6 +1,6 @@
 #include "kvsig/registry/types/DataReaderManager.h"
 
-#include "kvsig/registry/types/FormatFactory.h"
+#include "kvsig/registry/types/FormatFactories.h"
 #include "kvsig/registry/types/TypeTable.h"
 #include "kvsig/util/Text.h"
 
@@ -53,15 +53,15 @@ DataReaderManager::DataReaderManager() {
         if (row.builtIn)
             m_factories.push_back(m_rows.emplace_back(builtInRecord(row)).get());
     DataReaderManager::setFileTypeFlag(1);
-    for (const TypeRow& row : typeTable())
-        if (!row.builtIn) {
-            auto factory = std::make_unique<FormatFactory>(row);
-            DataReaderManager::registerFactory(factory.get());
-            m_rows.push_back(std::move(factory));
-        }
+    for (auto& factory : formatFactories()) {
+        DataReaderManager::registerFactory(factory.get());
+        m_rows.push_back(std::move(factory));
+    }
 }
 
 DataReaderManager::~DataReaderManager() {
+    for (const auto& row : m_rows) // they go by themselves, whatever flag a host has set
+        row->owned = 0;
     for (DRFactory* factory : m_factories)
         if (factory->owned != 0)
             delete factory;

@@ -55,7 +55,7 @@ class KVSIG_API DataReaderManager {
     /// Appends a record. It stays the caller's and must outlive the registry, unless its owned flag
     /// is set. Null is ignored.
     virtual void registerFactory(DRFactory* factory);
-    /// As allocate(), with type and name stamped on the reader.
+    /// As allocate(), with type and name stamped on the reader. Pairs ask it for their members.
     virtual IDataReader* allocReader(int type, CString& name);
 
     /// A new, unopened reader with reference count 0 that belongs to the caller, or null. Of a pair
@@ -80,6 +80,7 @@ class KVSIG_API DataReaderManager {
     std::vector<int> m_types;
     std::vector<const char*> m_typeStrings;
     std::vector<std::unique_ptr<DRFactory>> m_rows; ///< the records of the type table
+    std::string m_refusal; ///< why the last allocation that was not asked for a reason gave none
 };
 
 /// The process's registry, built on first use.

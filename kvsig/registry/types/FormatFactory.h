@@ -10,6 +10,8 @@ namespace kvsig {
 class KVSIG_API FormatFactory : public DRFactory {
   public:
     explicit FormatFactory(const TypeRow& row);
+    /// The record of the row of that name, which must stand in the type table.
+    explicit FormatFactory(const char* rowName);
     /// A new reader of the format's class; the file name is not looked at.
     IDataReader* create(const char* fileName) override;
 };

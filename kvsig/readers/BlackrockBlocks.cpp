@@ -1,0 +1,134 @@
+#include "kvsig/readers/BlackrockBlocks.h"
+
+#include "kvsig/readers/FlatRecording.h"
+#include "kvsig/readers/HeaderFields.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace kvsig::blackrock {
+namespace {
+
+constexpr NumberField<std::uint8_t> blockFlag{"flag of a data block", 0};
+constexpr NumberField<std::uint32_t> narrowStamp{"time stamp", 1};
+constexpr NumberField<std::uint32_t> narrowCount{"number of samples of a data block", 5};
+constexpr NumberField<std::uint64_t> wideStamp{"time stamp", 1};
+constexpr NumberField<std::uint32_t> wideCount{"number of samples of a data block", 9};
+
+// Heads of blocks, read in pieces as wide as the blocks are short.
+class Heads {
+  public:
+    explicit Heads(const File& file) : m_file(file) {}
+
+    // Where the head at `offset` begins in block().
+    std::int64_t find(std::int64_t offset, std::int64_t bytes) {
+        constexpr std::int64_t near = 64 << 10, wide = 1 << 20;
+        const auto held = static_cast<std::int64_t>(m_block.bytes().size());
+        if (offset < m_start || offset + bytes > m_start + held) {
+            const bool close = offset - m_last < near;
+            m_block = HeaderBlock::readFrom(m_file, offset, close ? wide : bytes);
+            m_start = offset;
+        }
+        m_last = offset;
+        return offset - m_start;
+    }
+    [[nodiscard]] const HeaderBlock& block() const { return m_block; }
+
+  private:
+    const File& m_file;
+    HeaderBlock m_block;
+    std::int64_t m_start = 0;
+    std::int64_t m_last = 0;
+};
+
+struct Block {
+    std::int64_t offset;
+    std::uint64_t stamp;
+    std::int64_t frames;
+};
+
+void append(std::vector<Run>& runs, const Block& block, const BlockLayout& layout) {
+    if (block.frames < 1)
+        return;
+    Run* last = runs.empty() ? nullptr : &runs.back();
+    const bool joins =
+        last && layout.longestStep > 0 && block.frames == 1 && last->frames == last->blocks &&
+        block.stamp > last->lastStamp && block.stamp - last->lastStamp <= layout.longestStep &&
+        block.offset == last->offset + last->blocks * (layout.headBytes() + layout.frameBytes());
+    if (!joins) {
+        runs.push_back({block.offset, block.frames, 1, block.stamp, block.stamp});
+        return;
+    }
+    ++last->frames;
+    ++last->blocks;
+    last->lastStamp = block.stamp;
+}
+
+std::string atOffset(std::int64_t offset) { return " at offset " + std::to_string(offset); }
+
+} // namespace
+
+BlockScan scanBlocks(const File& file, const BlockLayout& layout) {
+    BlockScan scan;
+    Heads heads(file);
+    const std::int64_t size = file.size();
+    std::optional<Block> open; // the first block of no frames: empty, or never closed
+    std::size_t runsBeforeOpen = 0;
+    bool broken = false;
+    for (std::int64_t offset = layout.offset; offset < size && scan.runs.size() <= mostRuns;) {
+        const std::int64_t data = offset + layout.headBytes();
+        if (data > size) {
+            scan.oddities.push_back("its last " + std::to_string(size - offset) +
+                                    " bytes are no whole data block");
+            broken = true;
+            break;
+        }
+        const std::int64_t base = heads.find(offset, layout.headBytes());
+        const HeaderBlock& head = heads.block();
+        if (valueOf(head, blockFlag, base) != 1) {
+            scan.oddities.push_back(sentenceOf(head, blockFlag, base, offset - base) +
+                                    ", not 1: what follows is left out");
+            broken = true;
+            break;
+        }
+        Block block{
+            offset,
+            layout.wideStamps ? valueOf(head, wideStamp, base) : valueOf(head, narrowStamp, base),
+            layout.wideStamps ? valueOf(head, wideCount, base) : valueOf(head, narrowCount, base)};
+        const std::int64_t whole = wholeFrames(data, size, layout.frameBytes());
+        if (block.frames > whole) {
+            scan.oddities.push_back("the data block" + atOffset(offset) + " says " +
+                                    std::to_string(block.frames) + " samples, " +
+                                    std::to_string(whole) + " are left in the file");
+            block.frames = whole;
+            append(scan.runs, block, layout);
+            broken = true;
+            break;
+        }
+        if (block.frames == 0 && !open) {
+            open = block;
+            runsBeforeOpen = scan.runs.size();
+        }
+        append(scan.runs, block, layout);
+        offset = data + block.frames * layout.frameBytes();
+    }
+    if (!open)
+        return scan;
+    // A recording that was never closed has no count in its last block. When blocks can be walked
+    // from there to the very end of the file, it was an empty one.
+    const std::int64_t data = open->offset + layout.headBytes();
+    if (scan.runs.size() > mostRuns)
+        return scan;
+    const bool empty = !broken && scan.runs.size() > runsBeforeOpen;
+    if (empty || data == size)
+        return scan;
+    scan.runs.resize(runsBeforeOpen);
+    scan.oddities = {"the data block" + atOffset(open->offset) +
+                     " says 0 samples, as in a recording that was not closed: the rest of the file "
+                     "is taken for its samples"};
+    open->frames = wholeFrames(data, size, layout.frameBytes());
+    append(scan.runs, *open, layout);
+    return scan;
+}
+
+} // namespace kvsig::blackrock

@@ -1,0 +1,350 @@
+#include "kvsig/readers/CyberkineticsReader.h"
+
+#include "kvsig/readers/BlackrockBlocks.h"
+#include "kvsig/readers/BlackrockEvents.h"
+#include "kvsig/readers/FlatRecording.h"
+#include "kvsig/readers/HeaderFields.h"
+#include "kvsig/util/NeighbourFile.h"
+#include "kvsig/util/NumberText.h"
+#include "kvsig/util/Text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <utility>
+#include <vector>
+
+namespace kvsig {
+namespace {
+
+using Severity = OpenFinding::Severity;
+
+// The three kinds of file by their first 8 bytes.
+constexpr const char* bareId = "NEURALSG";  // 2.1
+constexpr const char* blockId = "NEURALCD"; // 2.2, 2.3
+constexpr const char* wideId = "BRSMPGRP";  // 3.0
+constexpr TextField fileId{"file id", 0, 8};
+
+// NEURALSG: no time, no scale, no blocks.
+namespace bare {
+constexpr NumberField<std::uint32_t> period{"sampling period", 24};
+constexpr NumberField<std::uint32_t> channelCount{"number of channels", 28};
+constexpr NumberField<std::uint32_t> electrode{"electrode id", 32}; // one each
+constexpr std::int64_t fixedBytes = 32;
+constexpr std::int64_t channelBytes = 4;
+} // namespace bare
+
+// NEURALCD and BRSMPGRP.
+namespace full {
+constexpr NumberField<std::uint8_t> major{"major version", 8};
+constexpr NumberField<std::uint8_t> minor{"minor version", 9};
+constexpr NumberField<std::uint32_t> headerBytes{"number of header bytes", 10};
+constexpr TextField comment{"comment", 30, 256};
+constexpr NumberField<std::uint32_t> period{"sampling period", 286};
+constexpr NumberField<std::uint32_t> ticks{"clock ticks per second", 290};
+constexpr std::int64_t startOffset = 294;
+constexpr NumberField<std::uint32_t> channelCount{"number of channels", 310};
+constexpr std::int64_t fixedBytes = 314;
+constexpr std::int64_t channelBytes = 66;
+// Inside a channel's record.
+constexpr TextField mark{"mark of a channel", 0, 2};
+constexpr NumberField<std::uint16_t> electrode{"electrode id", 2};
+constexpr TextField name{"name", 4, 16};
+constexpr NumberField<std::int16_t> digitalLow{"least digital value", 22};
+constexpr NumberField<std::int16_t> digitalHigh{"greatest digital value", 24};
+constexpr NumberField<std::int16_t> analogueLow{"least analogue value", 26};
+constexpr NumberField<std::int16_t> analogueHigh{"greatest analogue value", 28};
+constexpr TextField units{"unit", 30, 16};
+} // namespace full
+
+constexpr double samplesPerSecond = 30000.0;          // of which the period takes every so many
+constexpr std::uint32_t networkTicks = 1'000'000'000; // of a clock that stamps every sample
+constexpr std::int64_t mostChannels = 32767;
+constexpr std::int64_t sampleBytes = 2;
+constexpr double bareMicrovoltsPerBit = 0.25;
+constexpr double secondsPerYear = 31557600.0;
+
+std::string idOf(const char* path) {
+    File file;
+    return file.open(path) ? valueOf(HeaderBlock::readFrom(file, fileId.width), fileId)
+                           : std::string();
+}
+
+bool isTocName(const char* path) { return equalNoCase(nameEnding(viewOf(path)), ".toc"); }
+
+// (raw - low) * span of analogue / span of digital + least analogue; without a digital span a bit
+// is a unit.
+void calibrateChannel(FlatChannel& channel, const HeaderBlock& header, std::int64_t base) {
+    const double low = valueOf(header, full::digitalLow, base);
+    const double high = valueOf(header, full::digitalHigh, base);
+    const double analogueLow = valueOf(header, full::analogueLow, base);
+    const double analogue = valueOf(header, full::analogueHigh, base) - analogueLow;
+    FlatScale scale;
+    scale.units = valueOf(header, full::units, base);
+    scale.low = valueOf(header, full::digitalLow, base);
+    scale.high = valueOf(header, full::digitalHigh, base);
+    if (high == low) {
+        scale.zero = low - analogueLow;
+    } else {
+        scale.scale = analogue / (high - low);
+        scale.zero = analogue == 0.0 ? low : low - analogueLow * (high - low) / analogue;
+    }
+    calibrate(channel, scale);
+    // No analogue span: the formula gives its one value.
+    if (high != low && analogue == 0.0) {
+        channel.type = 100;
+        channel.calibration = 1.0;
+        channel.physioLow = channel.physioHigh = analogueLow;
+    }
+}
+
+FlatChannel channelAt(std::int64_t index, std::string name, std::uint32_t electrode) {
+    FlatChannel channel;
+    channel.place = sampleBytes * index;
+    channel.name = name.empty() ? "elec" + std::to_string(electrode) : std::move(name);
+    channel.grid1 = channel.name;
+    return channel;
+}
+
+} // namespace
+
+bool CyberkineticsReader::isFileType(const char* path) {
+    const std::string id = idOf(path);
+    // Nothing is known of what a .toc holds; it is taken in order to be refused by its name.
+    return id == bareId || id == blockId || id == wideId || isTocName(path);
+}
+
+bool CyberkineticsReader::describe(FlatRecording& recording) {
+    m_events.clear();
+    m_clockOrigin = 0.0;
+    std::string reason;
+    if (!recording.samples.open(filePath().c_str(), &reason))
+        return refuse(1, reason);
+    const std::string id = valueOf(HeaderBlock::readFrom(recording.samples, fileId.width), fileId);
+    if (id == bareId)
+        return describeBare(recording);
+    if (id == blockId || id == wideId)
+        return describeBlocks(recording);
+    if (isTocName(filePath().c_str()))
+        return refuse(3, "Cyberkinetics recordings with a .toc are a variant whose layout is not "
+                         "known; .ns1 to .ns9 are read");
+    if (id == "NEURALEV" || id == "BREVENTS")
+        return refuse(3, "this is the event file (.nev) of a Blackrock recording: open the .ns "
+                         "file beside it");
+    if (recording.samples.size() < fileId.width)
+        return refuse(2, "the file ends after " + std::to_string(recording.samples.size()) +
+                             " bytes, inside the file id");
+    return refuse(3, "its first 8 bytes are none of NEURALSG, NEURALCD and BRSMPGRP");
+}
+
+bool CyberkineticsReader::describeBare(FlatRecording& recording) {
+    const HeaderBlock head = HeaderBlock::readFrom(recording.samples, bare::fixedBytes);
+    const std::int64_t size = recording.samples.size();
+    const std::int64_t channels = valueOf(head, bare::channelCount);
+    const std::int64_t dataOffset = bare::fixedBytes + channels * bare::channelBytes;
+    if (size < bare::fixedBytes)
+        return refuse(2, "the file ends after " + std::to_string(size) +
+                             " bytes, inside the header of at least " +
+                             std::to_string(bare::fixedBytes));
+    if (channels < 1 || channels > mostChannels)
+        return refuse(2, sentenceOf(head, bare::channelCount) + ", 1 to " +
+                             std::to_string(mostChannels) + " can be read");
+    if (dataOffset > size)
+        return refuse(2, sentenceOf(head, bare::channelCount) + ", but the file of " +
+                             std::to_string(size) + " bytes ends inside their ids");
+    if (valueOf(head, bare::period) == 0)
+        return refuse(2, sentenceOf(head, bare::period));
+    recording.rate = samplesPerSecond / valueOf(head, bare::period);
+
+    findCompanion(recording);
+    std::string reason;
+    const auto events =
+        m_events.empty() ? std::nullopt : blackrock::readEventHeader(m_events.c_str(), reason);
+    const HeaderBlock ids = HeaderBlock::readFrom(recording.samples, dataOffset);
+    std::int64_t unscaled = 0;
+    for (std::int64_t i = 0; i < channels; ++i) {
+        const std::uint32_t electrode = valueOf(ids, bare::electrode, i * bare::channelBytes);
+        const auto known = [&](const auto& map) {
+            return events && map.contains(electrode)
+                       ? map.at(electrode)
+                       : typename std::decay_t<decltype(map)>::mapped_type();
+        };
+        FlatChannel channel =
+            channelAt(i, events ? known(events->labels) : std::string(), electrode);
+        const double nanovolts = events ? known(events->nanovoltsPerBit) : 0.0;
+        unscaled += nanovolts > 0 ? 0 : 1;
+        calibrate(channel, {"uV", nanovolts > 0 ? nanovolts / 1000.0 : bareMicrovoltsPerBit, 0.0,
+                            channel.integer.least(), channel.integer.greatest()});
+        recording.channels.push_back(std::move(channel));
+    }
+    if (unscaled > 0)
+        report(Severity::warning,
+               "files of version 2.1 hold no scale and the .nev beside it gives none for " +
+                   std::to_string(unscaled) + " of " + std::to_string(channels) +
+                   " channels: 0.25 uV per bit is assumed");
+    if (events)
+        recording.start = events->start;
+    else
+        report(Severity::warning,
+               "files of version 2.1 hold no time and no .nev beside it gives one: the clock "
+               "begins at midnight");
+    const std::int64_t frames = wholeFrames(dataOffset, size, sampleBytes * channels);
+    if (const std::int64_t rest = (size - dataOffset) % (sampleBytes * channels); rest > 0)
+        report(Severity::note, "its last " + std::to_string(rest) +
+                                   " bytes are no whole sample of " + std::to_string(channels) +
+                                   " channels");
+    recording.tracks.push_back({sampleBytes * channels, 1, 0.0, {{dataOffset, frames}}, {}});
+    recording.segments.push_back({frames, recording.start.secondOfDay()});
+    return true;
+}
+
+bool CyberkineticsReader::describeBlocks(FlatRecording& recording) {
+    const HeaderBlock head = HeaderBlock::readFrom(recording.samples, full::fixedBytes);
+    const std::int64_t size = recording.samples.size();
+    const bool wideStamps = valueOf(head, fileId) == wideId;
+    const int major = valueOf(head, full::major), minor = valueOf(head, full::minor);
+    const std::int64_t channels = valueOf(head, full::channelCount);
+    const std::int64_t dataOffset = valueOf(head, full::headerBytes);
+    const std::int64_t fullHeader = full::fixedBytes + channels * full::channelBytes;
+    if (size < full::fixedBytes)
+        return refuse(2, "the file ends after " + std::to_string(size) +
+                             " bytes, inside the header of at least " +
+                             std::to_string(full::fixedBytes));
+    if (wideStamps ? major != 3 || minor != 0 : major != 2 || (minor != 2 && minor != 3))
+        return refuse(3, "version " + std::to_string(major) + "." + std::to_string(minor) + " of " +
+                             valueOf(head, fileId) +
+                             " files is a variant that is not read; 2.2, 2.3 and 3.0 are");
+    if (channels < 1 || channels > mostChannels)
+        return refuse(2, sentenceOf(head, full::channelCount) + ", 1 to " +
+                             std::to_string(mostChannels) + " can be read");
+    if (dataOffset < fullHeader || dataOffset > size)
+        return refuse(2, sentenceOf(head, full::headerBytes) + ", the header of " +
+                             std::to_string(channels) + " channels takes " +
+                             std::to_string(fullHeader) + " and the file has " +
+                             std::to_string(size));
+    if (dataOffset > fullHeader)
+        report(Severity::warning, sentenceOf(head, full::headerBytes) + ", the header of " +
+                                      std::to_string(channels) + " channels takes " +
+                                      std::to_string(fullHeader));
+    for (const auto& field : {full::period, full::ticks})
+        if (valueOf(head, field) == 0)
+            return refuse(2, sentenceOf(head, field));
+    recording.rate = samplesPerSecond / valueOf(head, full::period);
+    recording.start = blackrock::startAt(head, full::startOffset);
+    if (!recording.start.hasDate() || !recording.start.hasTime())
+        report(Severity::warning, "its start (offset 294) is no date and time");
+    copyText(recording.patient.comments1, valueOf(head, full::comment));
+
+    const HeaderBlock header = HeaderBlock::readFrom(recording.samples, fullHeader);
+    for (std::int64_t i = 0; i < channels; ++i) {
+        const std::int64_t base = full::fixedBytes + i * full::channelBytes;
+        if (valueOf(header, full::mark, base) != "CC")
+            return refuse(2, "the record of channel " + std::to_string(i + 1) + " (offset " +
+                                 std::to_string(base) + ") does not begin with CC");
+        FlatChannel channel =
+            channelAt(i, valueOf(header, full::name, base), valueOf(header, full::electrode, base));
+        calibrateChannel(channel, header, base);
+        recording.channels.push_back(std::move(channel));
+    }
+    if (!findBlocks(recording, dataOffset, wideStamps))
+        return false;
+    findCompanion(recording);
+    return true;
+}
+
+bool CyberkineticsReader::findBlocks(FlatRecording& recording, std::int64_t dataOffset,
+                                     bool wideStamps) {
+    const HeaderBlock head = HeaderBlock::readFrom(recording.samples, full::fixedBytes);
+    const double ticks = valueOf(head, full::ticks);
+    blackrock::BlockLayout layout{dataOffset, wideStamps,
+                                  static_cast<std::int64_t>(recording.channels.size()), 0};
+    if (wideStamps && valueOf(head, full::ticks) == networkTicks)
+        layout.longestStep = static_cast<std::uint64_t>(2.0 * ticks / recording.rate);
+    const blackrock::BlockScan scan = blackrock::scanBlocks(recording.samples, layout);
+    if (scan.runs.size() > blackrock::mostRuns)
+        return refuse(3, "more than " + std::to_string(blackrock::mostRuns) +
+                             " data blocks with pauses between them are a variant that is not "
+                             "read");
+    for (const std::string& oddity : scan.oddities)
+        report(Severity::warning, oddity);
+
+    const auto isLong = [](const blackrock::Run& run) { return run.frames > run.blocks; };
+    const auto isStrided = [](const blackrock::Run& run) { return run.blocks > 1; };
+    const bool strided = std::any_of(scan.runs.begin(), scan.runs.end(), isStrided);
+    if (strided && std::any_of(scan.runs.begin(), scan.runs.end(), isLong))
+        return refuse(3, "blocks of one sample each and longer ones in one file are a variant that "
+                         "is not read");
+    // A sample of a block of its own is as far from the next as the whole block is long.
+    FlatTrack track{layout.frameBytes() + (strided ? layout.headBytes() : 0), 1, 0.0, {}, {}};
+    if (strided)
+        for (FlatChannel& channel : recording.channels)
+            channel.place += layout.headBytes();
+    if (!scan.runs.empty())
+        if (const double first = static_cast<double>(scan.runs.front().stamp) / ticks;
+            first > secondsPerYear) {
+            m_clockOrigin = first;
+            report(Severity::warning, "its first time stamp lies " + fixedText(first, 0) +
+                                          " s behind the start in the header: the clock is taken "
+                                          "to begin with the first sample");
+        }
+    for (const blackrock::Run& run : scan.runs) {
+        const std::int64_t offset = run.offset + (strided ? 0 : layout.headBytes());
+        track.pieces.push_back({offset, run.frames});
+        recording.segments.push_back(
+            {run.frames, recording.start.secondOfDay() +
+                             (static_cast<double>(run.stamp) / ticks - m_clockOrigin)});
+    }
+    recording.tracks.push_back(std::move(track));
+
+    // Of two linked amplifiers the clock starts anew when they have found each other; what they
+    // recorded before then is placed directly before it. Nothing is left out or sorted.
+    auto& segments = recording.segments;
+    for (std::size_t i = segments.size(); i-- > 1;)
+        if (segments[i].start < segments[i - 1].start) {
+            report(Severity::warning, "the time stamp of data block " + std::to_string(i + 1) +
+                                          " is lower than the one before: the clock started anew");
+            segments[i - 1].start =
+                segments[i].start - static_cast<double>(segments[i - 1].count) / recording.rate;
+        }
+    return true;
+}
+
+// The .nev of the same name, when it is one and belongs to the recording: their starts differ at
+// most by a time zone, since older event files hold the local time and newer ones UTC.
+void CyberkineticsReader::findCompanion(const FlatRecording& recording) {
+    const std::string path = companionFile(filePath(), ".nev");
+    std::string reason;
+    if (path.empty())
+        return;
+    const auto events = blackrock::readEventHeader(path.c_str(), reason);
+    if (!events) {
+        report(Severity::warning, "the .nev beside it is left out: " + reason);
+        return;
+    }
+    constexpr double quarterHour = 900.0, widestZone = 14 * 3600.0, nearly = 5.0;
+    if (recording.start.hasDate() && events->start.hasDate()) {
+        const double apart =
+            events->start.secondsFromDayOf(recording.start) - recording.start.secondOfDay();
+        if (std::abs(apart) > widestZone + nearly ||
+            std::abs(std::remainder(apart, quarterHour)) > nearly) {
+            report(Severity::warning, "the .nev beside it is left out: it starts " +
+                                          fixedText(apart, 0) +
+                                          " s later, so it is of another recording");
+            return;
+        }
+    }
+    m_events = path;
+}
+
+void CyberkineticsReader::listEvents(std::vector<FlatEvent>& events) {
+    if (m_events.empty())
+        return;
+    const double start = recording().start.secondOfDay() - m_clockOrigin;
+    blackrock::forEachEvent(m_events.c_str(), [&](double seconds, const std::string& text) {
+        if (const auto sample = sampleAt(start + seconds))
+            events.push_back({*sample, text, {}, 0.0});
+        return events.size() < mostFlatEvents;
+    });
+}
+
+} // namespace kvsig

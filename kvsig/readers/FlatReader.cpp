@@ -1,0 +1,289 @@
+#include "kvsig/readers/FlatReader.h"
+
+#include "kvsig/kernel/ClientEvent.h"
+#include "kvsig/kernel/DataPage.h"
+#include "kvsig/kernel/SampleTime.h"
+#include "kvsig/readers/FlatRecording.h"
+#include "kvsig/readers/FlatSamples.h"
+#include "kvsig/util/LogSink.h"
+#include "kvsig/util/NumberText.h"
+#include "kvsig/util/Saturate.h"
+#include "kvsig/util/Text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <deque>
+#include <limits>
+#include <string>
+#include <utility>
+
+namespace kvsig {
+namespace {
+
+using Severity = OpenFinding::Severity;
+
+constexpr double fastestRate = 1e7;    // hertz; no polygraph comes near
+constexpr double usualPageSeconds = 5; // what open() asks for
+constexpr std::int64_t mostSamples = std::numeric_limits<std::int32_t>::max();
+constexpr std::size_t mostChannels = std::numeric_limits<std::int16_t>::max();
+
+// The start of a text; a character of UTF-8 that would be cut in two is left out.
+std::string fittingPart(const std::string& text, std::size_t most) {
+    std::size_t end = std::min(text.size(), most);
+    const auto continues = [&] {
+        return end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U;
+    };
+    for (int back = 0; back < 3 && end > 0 && continues(); ++back)
+        --end;
+    return text.substr(0, end);
+}
+
+} // namespace
+
+struct FlatReader::State {
+    FlatRecording recording;
+    FlatSamples samples;
+    std::vector<double> latestStarts; ///< by segment: its start, or an earlier one that is later
+    bool ownAnchors = false;
+};
+
+FlatReader::FlatReader() : m_flat(std::make_unique<State>()) {}
+FlatReader::~FlatReader() = default;
+
+void FlatReader::listEvents(std::vector<FlatEvent>&) {}
+const FlatRecording& FlatReader::recording() const { return m_flat->recording; }
+
+bool FlatReader::openFile() {
+    if (m_flat->ownAnchors)
+        clearSampleTimes();
+    *m_flat = State();
+    forgetSamples();
+    setChannelCount(0);
+    if (describe(m_flat->recording) && accept())
+        return true;
+    *m_flat = State();
+    return false;
+}
+
+// What a format hands over comes from a file: nothing of it is believed.
+bool FlatReader::accept() {
+    FlatRecording& recording = m_flat->recording;
+    if (!(recording.rate > 0) || !std::isfinite(recording.rate))
+        return refuse(2, "the sampling rate is " + shortestText(recording.rate) + " Hz");
+    if (recording.channels.empty() || recording.channels.size() > mostChannels)
+        return refuse(2, "it has " + std::to_string(recording.channels.size()) +
+                             " channels, 1 to " + std::to_string(mostChannels) + " can be read");
+    if (const std::string fault = m_flat->samples.prepare(recording); !fault.empty())
+        return refuse(2, fault);
+    for (const FlatSegment& segment : recording.segments) {
+        const double before =
+            m_flat->latestStarts.empty() ? segment.start : m_flat->latestStarts.back();
+        m_flat->latestStarts.push_back(std::max(before, segment.start));
+    }
+    // A channel without a name is called by its number.
+    for (std::size_t c = 0; c < recording.channels.size(); ++c)
+        if (recording.channels[c].grid1.empty())
+            recording.channels[c].grid1 = std::to_string(c + 1);
+    const auto& pieces = recording.tracks.front().pieces;
+    setHeaderLength(saturate<long>(pieces.empty() ? 0 : pieces.front().offset));
+    setChannelCount(saturate<int>(recording.channels.size()));
+    setSamplingRate(recording.rate);
+    reportOddFacts();
+    return true;
+}
+
+void FlatReader::reportOddFacts() {
+    const FlatRecording& recording = m_flat->recording;
+    const std::int64_t count = m_flat->samples.count();
+    if (recording.rate > fastestRate)
+        report(Severity::unusable, "the sampling rate is " + shortestText(recording.rate) + " Hz");
+    const double frame = static_cast<double>(recording.channels.size()) * bytesPerSample();
+    if (recording.rate * usualPageSeconds * frame > static_cast<double>(maxPageBytes))
+        report(Severity::unusable, "five seconds of " + std::to_string(recording.channels.size()) +
+                                       " channels at " + shortestText(recording.rate) +
+                                       " Hz do not fit a page: its samples read as zeros");
+    if (count > mostSamples)
+        report(Severity::warning, "of its " + std::to_string(count) + " samples the first " +
+                                      std::to_string(mostSamples) + " are shown");
+    for (std::size_t c = 0; c < recording.channels.size(); ++c) {
+        const FlatChannel& channel = recording.channels[c];
+        const double span = channel.physioHigh - channel.physioLow;
+        if (!std::isfinite(span) || span == 0.0)
+            report(Severity::warning, "channel " + std::to_string(c + 1) +
+                                          (span == 0.0 ? " has no range: all its values are " +
+                                                             shortestText(channel.physioLow)
+                                                       : std::string(" has no finite values")));
+    }
+}
+
+void FlatReader::close() { m_flat->recording.samples.close(); }
+
+bool FlatReader::readSampleInfo() {
+    const std::int64_t count = m_flat->samples.count();
+    if (count < 1)
+        return false;
+    setMaxDataIndex(saturate<long>(std::min(count, mostSamples) - 1));
+    if (sampleTimeCount() == 0)
+        addAnchors();
+    return true;
+}
+
+// The time base takes a clock that runs backwards for a passed midnight; here days are counted, so
+// it is the recorder's clock that was set back.
+void FlatReader::addAnchors() {
+    const auto& segments = m_flat->recording.segments;
+    m_flat->ownAnchors = true;
+    for (std::size_t i = 0; i < segments.size(); ++i) {
+        if (segments[i].start < m_flat->latestStarts[i]) {
+            report(Severity::warning,
+                   "segment " + std::to_string(i + 1) + " of " + std::to_string(segments.size()) +
+                       " begins " + shortestText(m_flat->latestStarts[i] - segments[i].start) +
+                       " s before an earlier one: its samples are shown as if there were no pause");
+            continue;
+        }
+        if (segments[i].count < 1 || m_flat->samples.segmentStarts()[i] > mostSamples)
+            continue;
+        SampleTime anchor;
+        anchor.sample = saturate<std::int32_t>(m_flat->samples.segmentStarts()[i]);
+        anchor.time = segments[i].start;
+        addSampleTime(anchor);
+    }
+}
+
+bool FlatReader::getPatientRec() {
+    const FlatRecording& recording = m_flat->recording;
+    PatientRec& patient = *patientRec();
+    patient = recording.patient;
+    // What is no date stays as the format gave it.
+    if (recording.start.hasDate())
+        copyText(patient.testDate, recording.start.dateText());
+    if (recording.start.hasTime())
+        copyText(patient.testTime, recording.start.timeText());
+    return true;
+}
+
+int FlatReader::readEvents(std::deque<ClientEvent>& events) {
+    std::vector<FlatEvent> listed;
+    listEvents(listed);
+    if (listed.size() >= mostFlatEvents)
+        logMessage(logWarning, filePath() + ": it has more than " + std::to_string(mostFlatEvents) +
+                                   " events, the rest is left out");
+    const std::int64_t end = std::min(m_flat->samples.count(), mostSamples);
+    std::erase_if(listed, [end](const FlatEvent& event) {
+        return event.sample < 0 || event.sample > end || end == 0;
+    });
+    std::stable_sort(listed.begin(), listed.end(),
+                     [](const FlatEvent& a, const FlatEvent& b) { return a.sample < b.sample; });
+    for (const FlatEvent& event : listed) {
+        ClientEvent& added = events.emplace_back();
+        copyText(added.label, event.label);
+        copyText(added.stateText, fittingPart(event.text, sizeof added.stateText - 1));
+        added.sample = event.sample;
+        added.duration = event.duration;
+    }
+    return saturate<int>(listed.size());
+}
+
+std::optional<std::int64_t> FlatReader::sampleAt(double clock) const {
+    const auto& segments = m_flat->recording.segments;
+    const auto& latest = m_flat->latestStarts;
+    const auto next = std::upper_bound(latest.begin(), latest.end(), clock) - latest.begin();
+    if (next == 0)
+        return std::nullopt;
+    const auto index = static_cast<std::size_t>(next - 1);
+    const double place = std::round((clock - segments[index].start) * m_flat->recording.rate);
+    const auto within = saturate<std::int64_t>(place);
+    if (index + 1 == segments.size() && within > segments[index].count)
+        return std::nullopt;
+    const std::int64_t first = m_flat->samples.segmentStarts()[index];
+    return first + std::clamp<std::int64_t>(within, 0, segments[index].count);
+}
+
+int FlatReader::bytesPerSample() { return m_flat->samples.narrow() ? 2 : 4; }
+
+// About a second, and never nothing.
+int FlatReader::_minReadPts() { return std::max(DataReader::_minReadPts(), 1); }
+int FlatReader::chunkPts() { return _minReadPts(); }
+
+int FlatReader::getSampleChunk(long firstSample, short* buffer) {
+    const FlatRecording& recording = m_flat->recording;
+    const std::int64_t count = std::min(m_flat->samples.count(), mostSamples);
+    // The host may have set another channel count; of more channels than the file's there is
+    // nothing to frame.
+    const int channels = channelCount();
+    if (firstSample < 0 || firstSample >= count || channels < 1 ||
+        std::cmp_greater(channels, recording.channels.size()))
+        return 0;
+    const std::int64_t wanted = std::min<std::int64_t>(chunkPts(), count - firstSample);
+    const auto readInto = [&]<typename Out>(Out* out) {
+        return saturate<int>(m_flat->samples.read(recording, firstSample, wanted,
+                                                  FlatFrames<Out>{out, channels, channels}));
+    };
+    return bytesPerSample() == 2 ? readInto(static_cast<std::int16_t*>(buffer))
+                                 : readInto(static_cast<std::int32_t*>(static_cast<void*>(buffer)));
+}
+
+double FlatReader::storedSamplingRate(int channel) {
+    const auto& channels = m_flat->recording.channels;
+    if (channel < 0 || channel >= channelCount() ||
+        std::cmp_greater_equal(channel, channels.size()))
+        return 0.0;
+    const int track = channels[static_cast<std::size_t>(channel)].track;
+    const double rate = m_flat->recording.tracks[static_cast<std::size_t>(track)].rate;
+    return rate > 0 ? rate : samplingRate();
+}
+
+namespace {
+
+// A channel outside the description has the facts of none.
+const FlatChannel& channelOf(const FlatRecording& recording, int channel) {
+    static const FlatChannel none;
+    return channel >= 0 && std::cmp_less(channel, recording.channels.size())
+               ? recording.channels[static_cast<std::size_t>(channel)]
+               : none;
+}
+
+} // namespace
+
+const char* FlatReader::_grid1(int channel) {
+    return channelOf(m_flat->recording, channel).grid1.c_str();
+}
+
+const char* FlatReader::_grid2(int channel) {
+    return channelOf(m_flat->recording, channel).grid2.c_str();
+}
+
+const char* FlatReader::_channelName(int channel) {
+    const std::string& name = channelOf(m_flat->recording, channel).name;
+    return name.empty() ? DataReader::_channelName(channel) : name.c_str();
+}
+
+double FlatReader::_calibration(int channel) {
+    return channelOf(m_flat->recording, channel).calibration;
+}
+
+double FlatReader::_dcOffset(int channel) { return channelOf(m_flat->recording, channel).dcOffset; }
+
+short FlatReader::_channelType(int channel) { return channelOf(m_flat->recording, channel).type; }
+
+const char* FlatReader::_channelUnits(int channel) {
+    return channelOf(m_flat->recording, channel).units.c_str();
+}
+
+double FlatReader::_physioHigh(int channel) {
+    return channelOf(m_flat->recording, channel).physioHigh;
+}
+
+double FlatReader::_physioLow(int channel) {
+    return channelOf(m_flat->recording, channel).physioLow;
+}
+
+std::int32_t FlatReader::_digitalHigh(int channel) {
+    return channelOf(m_flat->recording, channel).digitalHigh;
+}
+
+std::int32_t FlatReader::_digitalLow(int channel) {
+    return channelOf(m_flat->recording, channel).digitalLow;
+}
+
+} // namespace kvsig

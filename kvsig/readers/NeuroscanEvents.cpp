@@ -1,0 +1,111 @@
+#include "kvsig/readers/NeuroscanEvents.h"
+
+#include "kvsig/readers/NeuroscanHeader.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace kvsig::neuroscan {
+namespace {
+
+// The event table: a head, then records of 8 bytes (type 1) or 19 (types 2 and 3).
+constexpr NumberField<std::uint8_t> tableType{"type of the event table", 0};
+constexpr NumberField<std::uint32_t> tableBytes{"bytes of the event table", 1};
+constexpr std::int64_t tableHead = 9, shortRecord = 8, longRecord = 19;
+constexpr NumberField<std::uint16_t> stimulus{"stimulus code", 0};
+constexpr NumberField<std::uint8_t> keyboard{"function key", 2};
+constexpr NumberField<std::uint8_t> keypadAndStatus{"keypad and status", 3};
+constexpr NumberField<std::uint32_t> eventPlace{"place of an event", 4};
+constexpr int startStop = 0xE;
+
+const char* statusText(int status) {
+    switch (status) {
+    case 0xA:
+    case 0xB:
+        return "DC reset";
+    case 0xC:
+        return "reject";
+    case 0xD:
+        return "accept";
+    case startStop:
+        return "start/stop";
+    default:
+        return "";
+    }
+}
+
+std::string eventText(const HeaderBlock& block, std::int64_t base) {
+    const int code = valueOf(block, stimulus, base);
+    const int key = valueOf(block, keyboard, base);
+    const int keypad = valueOf(block, keypadAndStatus, base) & 0xF;
+    std::string text = statusText(valueOf(block, keypadAndStatus, base) >> 4);
+    const auto put = [&text](const std::string& part) {
+        text.insert(0, text.empty() ? part : part + " ");
+    };
+    if (keypad != 0)
+        put("keypad " + std::to_string(keypad));
+    if (key != 0)
+        put("F" + std::to_string(key));
+    if (code != 0)
+        put(std::to_string(code));
+    return text;
+}
+
+} // namespace
+
+EventTable readTable(const File& file, const TablePlace& place) {
+    EventTable table;
+    const std::int64_t size = file.size();
+    if (place.offset >= size)
+        return table;
+    const HeaderBlock head = HeaderBlock::readFrom(file, place.offset, tableHead);
+    const int type = valueOf(head, tableType);
+    if (type < 1 || type > 3) {
+        table.oddities.push_back(sentenceOf(head, tableType, 0, place.offset) +
+                                 ", 1, 2 and 3 are read: its events are left out");
+        return table;
+    }
+    // Offsets of events have 32 bits and nothing has the upper ones.
+    if (type != 3 && size > fourGiB) {
+        table.oddities.emplace_back(
+            "behind 4 GiB the places of its events are ambiguous: all are left out");
+        return table;
+    }
+    const std::int64_t recordBytes = type == 1 ? shortRecord : longRecord;
+    const std::int64_t room = std::max<std::int64_t>(size - place.offset - tableHead, 0);
+    const std::int64_t said = valueOf(head, tableBytes);
+    if (said > room)
+        table.oddities.push_back(sentenceOf(head, tableBytes, 0, place.offset) + ", " +
+                                 std::to_string(room) + " are left in the file");
+    const std::int64_t count = std::min(said, room) / recordBytes;
+    constexpr std::int64_t batch = 1 << 14;
+    std::int64_t pauses = 0, firstPause = 0;
+    for (std::int64_t done = 0; done < count && table.events.size() < mostFlatEvents;
+         done += batch) {
+        const std::int64_t part = std::min(batch, count - done);
+        const HeaderBlock records = HeaderBlock::readFrom(
+            file, place.offset + tableHead + done * recordBytes, part * recordBytes);
+        for (std::int64_t base = 0; base < part * recordBytes; base += recordBytes) {
+            const std::int64_t at = valueOf(records, eventPlace, base);
+            const std::int64_t sample = type == 3         ? at
+                                        : at < place.data ? -1
+                                                          : (at - place.data) / place.frameBytes;
+            std::string text = eventText(records, base);
+            const bool isPause = valueOf(records, keypadAndStatus, base) >> 4 == startStop &&
+                                 sample > 0 && sample < place.frames;
+            if (isPause && pauses++ == 0)
+                firstPause = sample;
+            if (!text.empty() && sample >= 0 && sample <= place.frames)
+                table.events.push_back({sample, std::move(text), {}, 0.0});
+        }
+    }
+    if (pauses > 0)
+        table.oddities.push_back(
+            std::to_string(pauses) +
+            " marks inside the recording say start/stop, the first at sample " +
+            std::to_string(firstPause) +
+            ": pauses of unknown length, behind which the clock is too early");
+    return table;
+}
+
+} // namespace kvsig::neuroscan

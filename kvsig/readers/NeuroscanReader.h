@@ -1,0 +1,41 @@
+#pragma once
+
+#include "kvsig/readers/FlatReader.h"
+#include "kvsig/util/Export.h"
+
+#include <vector>
+
+namespace kvsig {
+
+/// Continuous Neuroscan recordings ("Neuroscan (*.cnt)"), 16-bit or 32-bit, with the events of
+/// their event table. Averages and epochs of the same header, and the RIFF files of the same
+/// ending, are refused.
+class KVSIG_API NeuroscanReader : public FlatReader {
+  public:
+    NeuroscanReader();
+    ~NeuroscanReader() override;
+
+    /// True for the version text of the header; for a RIFF file only when it is named *.cnt, in
+    /// order to be refused.
+    static bool isFileType(const char* path);
+
+  protected:
+    bool describe(FlatRecording& recording) override;
+    void listEvents(std::vector<FlatEvent>& events) override;
+
+  private:
+    struct Places;
+
+    bool isReadVariant(const FlatRecording& recording);
+    bool findPlaces(const FlatRecording& recording, Places& places);
+    int sampleBytes(const FlatRecording& recording, const Places& places);
+    bool standsInBlocks(const FlatRecording& recording, const Places& places);
+    void describeChannels(FlatRecording& recording, const Places& places);
+    void describeTracks(FlatRecording& recording, const Places& places);
+    void describePatient(FlatRecording& recording);
+    void readEventTable(const FlatRecording& recording, const Places& places);
+
+    std::vector<FlatEvent> m_events;
+};
+
+} // namespace kvsig

@@ -1,0 +1,247 @@
+#include "kvsig/readers/CyberkineticsReader.h"
+
+#include "kvsig/registry/FrontDoor.h"
+#include "support/BlackrockFile.h"
+#include "support/Opened.h"
+
+#include <deque>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace kvsig {
+namespace {
+
+using test::BlackrockEventFile;
+using test::BlackrockFile;
+using test::rampCount;
+using test::rawOf;
+using test::valuesOf;
+using testing::HasSubstr;
+
+struct Blackrock : testing::Test {
+    bool opens(const BlackrockFile& file) { return opens(file.bytes()); }
+    bool opens(const std::string& bytes) {
+        return reader.open(dir.write("Rec.ns3", bytes).c_str());
+    }
+    std::vector<std::string> findings() {
+        std::vector<std::string> texts;
+        for (const OpenFinding& finding : reader.openFindings())
+            texts.push_back(finding.text);
+        return texts;
+    }
+    std::vector<std::string> events() {
+        std::deque<ClientEvent> read;
+        reader.readEvents(read);
+        std::vector<std::string> texts;
+        for (const ClientEvent& event : read)
+            texts.push_back(std::to_string(event.sample) + " " + event.stateText);
+        return texts;
+    }
+
+    static constexpr double start = 14 * 3600 + 7 * 60 + 9.25;
+    test::TempDir dir;
+    CyberkineticsReader reader;
+};
+
+TEST_F(Blackrock, BlocksAreSegmentsWithTheClockOfTheirStamps) {
+    ASSERT_TRUE(
+        opens(BlackrockFile("BRSMPGRP", 3, 0).channels(4).block(3000, 100).block(9000, 150)))
+        << reader.lastErrorText();
+    EXPECT_EQ(reader.samplingRate(), 2000.0);
+    EXPECT_EQ(reader.sampleCount(), 250);
+    ASSERT_EQ(reader.sampleTimeCount(), 2);
+    EXPECT_DOUBLE_EQ(reader.getClockTime(0.0), start + 0.1);
+    EXPECT_DOUBLE_EQ(reader.getClockTime(0.05), start + 0.3);
+    for (const long i : {0L, 99L, 100L, 249L})
+        EXPECT_EQ(rawOf(reader, 3, i, i)[0], rampCount(3, i));
+    EXPECT_STREQ(reader.channelName(0), "RAMY1");
+    EXPECT_STREQ(reader.patientRec()->testDate, "2014.03.26");
+    EXPECT_STREQ(reader.patientRec()->comments1, "left arm"); // without the stray bytes
+    EXPECT_TRUE(findings().empty());
+}
+
+TEST_F(Blackrock, LimitsCalibrateWhateverTheyAre) {
+    BlackrockFile file("NEURALCD", 2, 2);
+    file.channel({.name = "a"})
+        .channel({"b", "mV", -1000, 1000, -5000, 5000})
+        .channel({"c", "uV", 0, 0, 0, 0})
+        .channel({"d", "uV", -32768, 32767, 0, 100})
+        .channel({"e", "uV", -100, 100, 7, 7})
+        .block(0, 50);
+    ASSERT_TRUE(opens(file));
+    const auto physical = [&](int channel, double raw) {
+        switch (channel) {
+        case 0:
+            return raw * 0.25;
+        case 1:
+            return raw * 5;
+        case 2:
+            return raw;
+        case 3:
+            return (raw + 32768) * 100 / 65535;
+        default:
+            return 7.0;
+        }
+    };
+    for (int c = 0; c < 5; ++c)
+        for (long i = 0; i < 50; ++i)
+            EXPECT_NEAR(valuesOf(reader, c, i, i)[0], physical(c, rampCount(c, i)), 1e-4) << c;
+    EXPECT_EQ(reader.channelType(0), 1);
+    EXPECT_EQ(reader.channelType(1), 100);
+    EXPECT_STREQ(reader.channelUnits(1), "mV");
+    EXPECT_EQ(findings(), std::vector<std::string>{"channel 5 has no range: all its values are 7"});
+}
+
+TEST_F(Blackrock, BlocksThatLieOrAreDamagedGiveWhatIsThere) {
+    const auto made = [] { return BlackrockFile("NEURALCD", 2, 3).channels(2).block(0, 30); };
+    ASSERT_TRUE(opens(made().block(900, 20, 4'000'000'000)));
+    EXPECT_EQ(reader.sampleCount(), 50);
+    EXPECT_THAT(findings().at(0), HasSubstr("says 4000000000 samples, 20 are left"));
+
+    ASSERT_TRUE(opens(made().append("\2").block(900, 20))) << "a flag that is none";
+    EXPECT_EQ(reader.sampleCount(), 50) << "the stray byte stands behind the blocks";
+    EXPECT_THAT(findings().at(0), HasSubstr("last 1 bytes"));
+    ASSERT_TRUE(opens(made().append(std::string(60, '\2'))));
+    EXPECT_EQ(reader.sampleCount(), 30);
+    EXPECT_THAT(findings().at(0), HasSubstr("flag of a data block (offset 575) is 2, not 1"));
+
+    ASSERT_TRUE(opens(made().block(900, 20, 0))) << "not closed";
+    EXPECT_EQ(reader.sampleCount(), 50);
+    EXPECT_EQ(rawOf(reader, 1, 49, 49)[0], rampCount(1, 49));
+    EXPECT_THAT(findings().at(0), HasSubstr("not closed"));
+    ASSERT_TRUE(opens(made().block(800, 0).block(900, 20))) << "an empty block in the middle";
+    EXPECT_EQ(reader.sampleCount(), 50);
+    EXPECT_EQ(rawOf(reader, 1, 49, 49)[0], rampCount(1, 49));
+    EXPECT_TRUE(findings().empty());
+
+    ASSERT_TRUE(opens(BlackrockFile("NEURALCD", 2, 3).channels(2).block(5000, 3).block(60, 40)));
+    EXPECT_EQ(reader.sampleCount(), 43) << "nothing is dropped or sorted";
+    EXPECT_EQ(rawOf(reader, 0, 3, 3)[0], rampCount(0, 3));
+    EXPECT_DOUBLE_EQ(reader.getClockTime(3 / 2000.0), start + 60 / 30000.0);
+    EXPECT_THAT(findings().at(0), HasSubstr("clock started anew"));
+}
+
+TEST_F(Blackrock, SamplesOfANetworkClockFormRuns) {
+    BlackrockFile file("BRSMPGRP", 3, 0);
+    file.channels(3).ticks(1'000'000'000);
+    for (std::uint64_t i = 0; i < 200; ++i) // 2 kHz with jitter, and a pause of 2 s
+        file.block(7'000'000 + i * 500'000 + i % 3 * 1000 + (i < 120 ? 0 : 2'000'000'000), 1);
+    ASSERT_TRUE(opens(file)) << reader.lastErrorText();
+    EXPECT_EQ(reader.sampleCount(), 200);
+    EXPECT_EQ(reader.sampleTimeCount(), 2);
+    EXPECT_NEAR(reader.getClockTime(0.06), start + 2.067, 1e-5);
+    for (int c = 0; c < 3; ++c)
+        for (const long i : {0L, 119L, 120L, 199L})
+            EXPECT_EQ(rawOf(reader, c, i, i)[0], rampCount(c, i));
+    EXPECT_FALSE(opens(file.block(9'000'000'000, 7)));
+    EXPECT_EQ(reader.getLastError(), 3);
+}
+
+TEST_F(Blackrock, EventsStandAtTheirSamples) {
+    const auto text = std::string("\xB5\0s\0", 4); // in UTF-16
+    const BlackrockEventFile made = BlackrockEventFile()
+                                        .digital(2999, 1)
+                                        .digital(3000 + 15 * 40, 513)
+                                        .spike(3100, 7)
+                                        .comment(3000 + 15 * 50, "seizure ")
+                                        .comment(0xFFFFFFFF, "on the left")
+                                        .comment(6000, text, 1)
+                                        .digital(9000 + 15 * 150 + 300, 4);
+    dir.write("rec.NEV", made.bytes());
+    const BlackrockFile file =
+        BlackrockFile("NEURALCD", 2, 3).channels(1).block(3000, 100).block(9000, 150);
+    ASSERT_TRUE(opens(file));
+    EXPECT_EQ(events(),
+              (std::vector<std::string>{"40 513", "50 seizure on the left", "100 \xC2\xB5s"}));
+    EXPECT_TRUE(findings().empty());
+    for (std::size_t length = 0; length < made.bytes().size(); length += 13) {
+        dir.write("rec.NEV", made.bytes().substr(0, length));
+        ASSERT_TRUE(opens(file)) << length;
+        EXPECT_LE(events().size(), 3U);
+        EXPECT_EQ(findings().size(), length < 336 ? 1U : 0U) << length;
+    }
+    dir.write("rec.NEV", BlackrockEventFile().hour(12).digital(3000, 5).bytes());
+    ASSERT_TRUE(opens(file));
+    EXPECT_EQ(events(), std::vector<std::string>{"0 5"}) << "another time zone";
+    std::string other = made.bytes();
+    other[38] = 17; // the minute of its start
+    dir.write("rec.NEV", other);
+    ASSERT_TRUE(opens(file));
+    EXPECT_TRUE(events().empty());
+    EXPECT_THAT(findings().at(0), HasSubstr("another recording"));
+}
+
+TEST_F(Blackrock, EventsOfANetworkClockHaveWideStamps) {
+    BlackrockFile file("BRSMPGRP", 3, 0);
+    file.channels(2).ticks(1'000'000'000);
+    constexpr std::uint64_t epoch = 1'700'000'000'000'000'000; // nanoseconds since 1970
+    for (std::uint64_t i = 0; i < 100; ++i)
+        file.block(epoch + i * 500'000, 1);
+    dir.write("Rec.nev", BlackrockEventFile(true)
+                             .ticks(1'000'000'000)
+                             .digital(epoch + 20'000'000, 65535)
+                             .comment(epoch + 30'000'000, "half ")
+                             .comment(~std::uint64_t{0}, "and half")
+                             .bytes());
+    ASSERT_TRUE(opens(file));
+    EXPECT_EQ(events(), (std::vector<std::string>{"40 65535", "60 half and half"}));
+    EXPECT_DOUBLE_EQ(reader.getClockTime(0.0), start);
+    EXPECT_THAT(findings().at(0), HasSubstr("first time stamp lies 1700000000 s"));
+}
+
+TEST_F(Blackrock, FilesOfVersion21TakeScaleNamesAndTimeFromTheEventFile) {
+    const BlackrockFile file = BlackrockFile("NEURALSG", 2, 1).channels(3).block(0, 60).append("x");
+    ASSERT_TRUE(opens(file));
+    EXPECT_STREQ(reader.channelName(2), "elec3");
+    EXPECT_EQ(reader.calibration(0), 0.25);
+    EXPECT_THAT(findings().at(0), HasSubstr("for 3 of 3 channels: 0.25 uV per bit is assumed"));
+    dir.write("Rec.nev", BlackrockEventFile()
+                             .scale(1, 500)
+                             .scale(2, 21516)
+                             .label(2, "left")
+                             .comment(600, "go")
+                             .bytes());
+    ASSERT_TRUE(opens(file));
+    EXPECT_EQ(reader.calibration(0), 0.5);
+    EXPECT_DOUBLE_EQ(reader.calibration(1), 152.592547);
+    EXPECT_STREQ(reader.channelName(1), "left");
+    EXPECT_DOUBLE_EQ(reader.getClockTime(0.0), start);
+    EXPECT_EQ(events(), std::vector<std::string>{"40 go"});
+    EXPECT_THAT(findings().at(0), HasSubstr("for 1 of 3 channels"));
+}
+
+TEST_F(Blackrock, OtherVariantsAndLyingHeadersAreRefused) {
+    const std::string good = BlackrockFile("NEURALCD", 2, 3).channels(2).block(0, 30).bytes();
+    const auto poked = [&](std::size_t offset, const std::string& bytes) {
+        return std::string(good).replace(offset, bytes.size(), bytes);
+    };
+    const struct {
+        std::string bytes;
+        int error;
+        const char* sentence;
+    } cases[] = {
+        {BlackrockEventFile().bytes(), 3, "event file"},
+        {poked(9, "\4"), 3, "version 2.4 of NEURALCD"},
+        {BlackrockFile("BRSMPGRP", 2, 3).channels(1).block(0, 9).bytes(), 3, "version 2.3"},
+        {poked(0, "NEURALXX"), 3, "none of NEURALSG"},
+        {poked(310, std::string(4, '\0')), 2, "number of channels (offset 310) is 0"},
+        {poked(310, "\xFF\xFF\xFF\xFF"), 2, "is 4294967295"},
+        {poked(310, "\3"), 2, "header of 3 channels takes 512"},
+        {poked(10, "\xFF\xFF\xFF\x7F"), 2, "number of header bytes (offset 10) is 2147483647"},
+        {poked(286, std::string(4, '\0')), 2, "sampling period (offset 286) is 0"},
+        {poked(290, std::string(4, '\0')), 2, "ticks per second (offset 290) is 0"},
+        {poked(380, "XX"), 2, "channel 2 (offset 380)"},
+        {good.substr(0, 446), 2, "no samples"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_FALSE(opens(c.bytes)) << c.sentence;
+        EXPECT_EQ(reader.getLastError(), c.error) << c.sentence;
+        EXPECT_THAT(reader.lastErrorText(), HasSubstr(c.sentence));
+    }
+    std::string error;
+    EXPECT_FALSE(openReader(dir.write("a.toc", "anything").c_str(), 0, &error));
+    EXPECT_THAT(error, HasSubstr(".toc are a variant"));
+}
+
+} // namespace
+} // namespace kvsig

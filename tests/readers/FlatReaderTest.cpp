@@ -1,0 +1,305 @@
+#include "kvsig/readers/FlatReader.h"
+
+#include "kvsig/readers/FlatRecording.h"
+#include "support/Bytes.h"
+#include "support/Opened.h"
+#include "support/ReadAround.h"
+
+#include <cmath>
+#include <functional>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace kvsig {
+namespace {
+
+using test::Bytes;
+using test::rampCount;
+using test::rawOf;
+using test::valuesOf;
+using testing::HasSubstr;
+using Counts = std::vector<std::int32_t>;
+
+// A format that is described by the test.
+class ScriptedFlatReader : public FlatReader {
+  public:
+    ScriptedFlatReader(const std::string& bytes, std::function<void(FlatRecording&)> script)
+        : m_script(std::move(script)) {
+        path = m_dir.write("flat", bytes);
+        isOpen = open(path.c_str());
+    }
+    using FlatReader::sampleAt;
+
+    std::vector<FlatEvent> events;
+    std::string path;
+    bool isOpen = false;
+
+  protected:
+    bool describe(FlatRecording& recording) override {
+        EXPECT_TRUE(recording.samples.open(filePath().c_str()));
+        recording.rate = 10.0;
+        m_script(recording);
+        return true;
+    }
+    void listEvents(std::vector<FlatEvent>& listed) override { listed = events; }
+
+  private:
+    test::TempDir m_dir;
+    std::function<void(FlatRecording&)> m_script;
+};
+
+FlatChannel channelOf(FlatInteger integer, std::int64_t place, int track = 0) {
+    FlatChannel channel;
+    channel.integer = integer;
+    channel.place = place;
+    channel.track = track;
+    channel.grid1 = "A" + std::to_string(place);
+    return channel;
+}
+
+// One channel of these stored values, as they stand in the file.
+FlatRecording& oneChannel(FlatRecording& recording, FlatInteger integer, std::int64_t count) {
+    recording.channels = {channelOf(integer, 0)};
+    recording.tracks.push_back({integer.bytes, 1, 0.0, {{0, count}}, {}});
+    recording.segments = {{count, 0.0}};
+    return recording;
+}
+
+TEST(FlatReader, EveryIntegerIsReadInBothOrders) {
+    const std::string bytes("\x01\x80\xFF\x7F\x80\x02\xFE\x03", 8);
+    const struct {
+        FlatInteger integer;
+        Counts expected;
+    } cases[] = {
+        {{1, true, false}, {1, -128, -1, 127, -128, 2, -2, 3}},
+        {{1, false, false}, {1, 128, 255, 127, 128, 2, 254, 3}},
+        {{2, true, false}, {-32767, 32767, 640, 1022}},
+        {{2, true, true}, {384, -129, -32766, -509}},
+        {{2, false, false}, {32769, 32767, 640, 1022}},
+        {{2, false, true}, {384, 65407, 32770, 65027}},
+        {{4, true, false}, {2147450881, 66978432}},
+        {{4, true, true}, {25231231, -2147287549}},
+    };
+    for (const auto& c : cases) {
+        const auto count = static_cast<long>(c.expected.size());
+        ScriptedFlatReader reader(
+            bytes, [&](FlatRecording& recording) { oneChannel(recording, c.integer, count); });
+        ASSERT_TRUE(reader.isOpen) << reader.lastErrorText();
+        EXPECT_EQ(rawOf(reader, 0, 0, count - 1), c.expected) << c.integer.bytes;
+    }
+}
+
+// The physical value is (stored - zero) * scale whatever the integers are, whether 16 bits carry
+// the difference or not, and whether the unit is the microvolt.
+TEST(FlatReader, GetDataGivesPhysicalValuesAtGainOne) {
+    const std::string bytes("\x00\x00\x00\x00\xFF\xFF\xFF\xFF\x00\x00\x00\x80\xFF\x7F\xFF\x7F", 16);
+    const struct {
+        FlatInteger integer;
+        FlatScale scale;
+        short type;
+        int bytesPerSample;
+    } cases[] = {
+        {{2, true, false}, {"uV", 0.25, 0, -32768, 32767}, 1, 2},
+        {{2, false, false}, {"uV", 0.5, 32768, 0, 65535}, 1, 2},
+        {{2, false, false}, {"\xB5V", 0.5, 100, 0, 65535}, 1, 4},
+        {{2, true, false}, {"uV", 0.5, -7, -100, 100}, 1, 4},
+        {{2, true, false}, {"uV", 0.5, 0.5, -100, 100}, 100, 2},
+        {{2, false, false}, {"mV", 0.366299, 32768, 0, 65535}, 100, 2},
+        {{2, false, false}, {"%", 0.1, 0, 0, 1000}, 100, 4},
+        {{1, false, false}, {"bpm", 1, 0, 7, 7}, 100, 2},
+        {{4, true, false}, {"uV", 0.01, 0, -1000, 1000}, 1, 4},
+        {{4, true, false}, {"uV", 0.01, 3, -1000, 1000}, 100, 4},
+        {{4, false, false}, {"uV", 0.01, 2147483648.0, 0, 4294967295}, 1, 4},
+        {{4, false, false}, {"uV", 0.01, 5, 0, 1000}, 100, 4},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.scale.units + std::to_string(c.integer.bytes) + " " +
+                     std::to_string(c.scale.zero));
+        const long count = 16 / c.integer.bytes;
+        ScriptedFlatReader reader(bytes, [&](FlatRecording& recording) {
+            calibrate(oneChannel(recording, c.integer, count).channels[0], c.scale);
+        });
+        ASSERT_TRUE(reader.isOpen) << reader.lastErrorText();
+        EXPECT_EQ(reader.channelType(0), c.type);
+        EXPECT_EQ(reader.bytesPerSample(), c.bytesPerSample);
+        const std::vector<float> values = valuesOf(reader, 0, 0, count - 1);
+        for (long i = 0; i < count; ++i) {
+            std::int64_t stored = 0;
+            for (int b = c.integer.bytes - 1; b >= 0; --b)
+                stored =
+                    stored * 256 + static_cast<unsigned char>(
+                                       bytes[static_cast<std::size_t>(i * c.integer.bytes + b)]);
+            if (stored > c.integer.greatest())
+                stored -= std::int64_t{1} << (8 * c.integer.bytes);
+            const double physical = (static_cast<double>(stored) - c.scale.zero) * c.scale.scale;
+            EXPECT_NEAR(values[static_cast<std::size_t>(i)], physical,
+                        1e-9 + std::abs(physical) * 1e-7)
+                << i;
+        }
+    }
+}
+
+// The same 3 channels of 100 samples, stored in every way in two pieces with rubbish in between.
+TEST(FlatReader, FramesGroupsAndRunsOfChannelsGiveTheSameSamples) {
+    constexpr int channels = 3;
+    constexpr std::int64_t firstPiece = 37, count = 100;
+    enum class Way { frames, spacedFrames, groups, runs };
+    for (const Way way : {Way::frames, Way::spacedFrames, Way::groups, Way::runs}) {
+        SCOPED_TRACE(static_cast<int>(way));
+        Bytes bytes;
+        bytes.add("head");
+        const std::int64_t head = way == Way::spacedFrames ? 5 : 0;
+        const std::int64_t together = way == Way::groups ? 8 : 1;
+        const std::int64_t frameBytes = way == Way::runs ? 2 : 2 * channels + head;
+        std::vector<FlatTrack> tracks(way == Way::runs ? channels : 1);
+        for (FlatTrack& track : tracks) {
+            track.frameBytes = frameBytes;
+            track.together = together;
+        }
+        for (const auto& [from, to] :
+             {std::pair(std::int64_t{0}, firstPiece), {firstPiece, count}}) {
+            if (way != Way::runs)
+                tracks[0].pieces.push_back({static_cast<std::int64_t>(bytes.size()), to - from});
+            const std::int64_t step = way == Way::groups ? together : way == Way::runs ? count : 1;
+            for (std::int64_t group = from; group < to; group += step) {
+                bytes.add(std::string(static_cast<std::size_t>(head), '#'));
+                for (int c = 0; c < channels; ++c) {
+                    if (way == Way::runs)
+                        tracks[static_cast<std::size_t>(c)].pieces.push_back(
+                            {static_cast<std::int64_t>(bytes.size()), to - from});
+                    for (std::int64_t i = group; i < std::min(group + step, to); ++i)
+                        bytes.add(static_cast<std::int16_t>(rampCount(c, i)));
+                }
+            }
+            bytes.add("rubbish");
+        }
+        ScriptedFlatReader reader(bytes.str(), [&](FlatRecording& recording) {
+            recording.tracks = tracks;
+            for (int c = 0; c < channels; ++c)
+                recording.channels.push_back(
+                    channelOf({}, way == Way::runs ? 0 : head + 2 * c, way == Way::runs ? c : 0));
+            recording.segments = {{firstPiece, 100.0}, {count - firstPiece, 200.0}};
+        });
+        ASSERT_TRUE(reader.isOpen) << reader.lastErrorText();
+        for (int c = 0; c < channels; ++c)
+            for (const long first : {0L, 5L, 36L, 37L, 95L}) {
+                Counts expected;
+                for (std::int64_t i = first; i < count; ++i)
+                    expected.push_back(rampCount(c, i));
+                reader.flushPages(false);
+                EXPECT_EQ(rawOf(reader, c, first, count - 1), expected) << c << " from " << first;
+            }
+        reader.setChannelCount(2); // a host's own idea
+        reader.flushPages(false);
+        EXPECT_EQ(rawOf(reader, 1, 99, 99), Counts{rampCount(1, 99)});
+    }
+}
+
+// 10 Hz and 3 Hz: in a segment, sample j shows the slow channel's floor(j * 3 / 10).
+TEST(FlatReader, SlowChannelsAreRepeatedSegmentBySegment) {
+    Bytes bytes;
+    for (std::int64_t i = 0; i < 45; ++i)
+        bytes.add(static_cast<std::int16_t>(i));
+    for (std::int64_t i = 0; i < 13; ++i) // 6 of the first 20 samples, 7 of the other 25
+        bytes.add(static_cast<std::int16_t>(100 + i));
+    ScriptedFlatReader reader(bytes.str(), [](FlatRecording& recording) {
+        recording.tracks.push_back({2, 1, 0.0, {{0, 45}}, {}});
+        recording.tracks.push_back({2, 1, 3.0, {{90, 4}, {98, 9}}, {0, 6}});
+        recording.channels = {channelOf({}, 0), channelOf({}, 0, 1)};
+        recording.segments = {{20, 0.0}, {25, 60.0}};
+    });
+    ASSERT_TRUE(reader.isOpen) << reader.lastErrorText();
+    EXPECT_EQ(reader.storedSamplingRate(0), 10.0);
+    EXPECT_EQ(reader.storedSamplingRate(1), 3.0);
+    Counts expected;
+    for (int j = 0; j < 20; ++j)
+        expected.push_back(100 + j * 3 / 10);
+    for (int j = 0; j < 25; ++j) // the 8th sample of 2.5 s would begin at 2.33 s; it was not stored
+        expected.push_back(106 + std::min(j * 3 / 10, 6));
+    EXPECT_EQ(rawOf(reader, 1, 0, 44), expected);
+    for (long i = 0; i < 45; ++i)
+        EXPECT_EQ(rawOf(reader, 0, i, i), Counts{static_cast<std::int32_t>(i)});
+}
+
+TEST(FlatReader, PausesAreAnchorsAndEventsKeepTheirSamples) {
+    ScriptedFlatReader reader(std::string(200, '\1'), [](FlatRecording& recording) {
+        oneChannel(recording, {}, 100);
+        recording.start = {2019, 12, 31, 23, 59, 50.5};
+        recording.segments = {{30, 86390.5}, {30, 86400 + 5.0}, {40, 3 * 86400.0}};
+    });
+    ASSERT_EQ(reader.sampleTimeCount(), 3);
+    EXPECT_EQ(reader.getClockTime(3.0), 86405.0);
+    EXPECT_EQ(reader.getElapsedTime(86400 + 7.0), 5.0);
+    EXPECT_EQ(reader.getElapsedTime(2 * 86400.0), 6.0); // in the pause
+    EXPECT_STREQ(reader.patientRec()->testDate, "2019.12.31");
+    EXPECT_STREQ(reader.patientRec()->testTime, "23:59:50");
+    EXPECT_EQ(reader.sampleAt(86390.0), std::nullopt);
+    EXPECT_EQ(reader.sampleAt(86391.0), 5);
+    EXPECT_EQ(reader.sampleAt(86400.0), 30);
+    EXPECT_EQ(reader.sampleAt(3 * 86400.0 + 4.0), 100);
+    EXPECT_EQ(reader.sampleAt(3 * 86400.0 + 4.2), std::nullopt);
+
+    reader.events = {{101, "behind", "", 0}, {100, "end", "", 0},
+                     {-1, "before", "", 0},  {7, "b", "Fp1", 2.5},
+                     {7, "c", "", 0},        {0, std::string(126, 'x') + "\xC3\xB6", "", 0}};
+    std::deque<ClientEvent> events(1);
+    ASSERT_EQ(reader.readEvents(events), 4);
+    ASSERT_EQ(events.size(), 5U);
+    EXPECT_EQ(std::string(events[1].stateText), std::string(126, 'x')) << "no half character";
+    EXPECT_STREQ(events[2].stateText, "b");
+    EXPECT_STREQ(events[2].label, "Fp1");
+    EXPECT_EQ(events[2].duration, 2.5);
+    EXPECT_EQ(events[2].kind, 0);
+    EXPECT_STREQ(events[3].stateText, "c");
+    EXPECT_EQ(events[4].sample, 100);
+}
+
+// Days are counted in a description, so a clock that runs backwards has not passed midnight.
+TEST(FlatReader, AClockThatWasSetBackAddsNoDay) {
+    ScriptedFlatReader reader(std::string(200, '\1'), [](FlatRecording& recording) {
+        oneChannel(recording, {}, 100);
+        recording.segments = {{50, 1000.0}, {50, 900.0}};
+    });
+    EXPECT_EQ(reader.sampleTimeCount(), 1);
+    EXPECT_EQ(reader.getClockTime(10.0), 1010.0);
+    ASSERT_EQ(reader.openFindings().size(), 1U);
+    EXPECT_THAT(reader.openFindings()[0].text, HasSubstr("begins 100 s before"));
+}
+
+TEST(FlatReader, DescriptionsThatLieAreRefused) {
+    const struct {
+        std::function<void(FlatRecording&)> lie;
+        const char* sentence;
+    } cases[] = {
+        {[](FlatRecording& r) { r.tracks[0].pieces[0].count = 11; }, "11 samples at offset 0"},
+        {[](FlatRecording& r) { r.tracks[0].pieces[0].offset = -2; }, "at offset -2"},
+        {[](FlatRecording& r) { r.tracks[0].pieces[0].offset = INT64_MAX; }, "leave the file"},
+        {[](FlatRecording& r) { r.tracks[0].frameBytes = 0; }, "of 0 bytes"},
+        {[](FlatRecording& r) { r.tracks[0].together = INT64_MAX; }, "stand together"},
+        {[](FlatRecording& r) { r.tracks[0].rate = 11; }, "is 11 Hz, above the 10 Hz"},
+        {[](FlatRecording& r) { r.tracks[0].rate = std::nan(""); }, "sampling rate is nan"},
+        {[](FlatRecording& r) { r.channels[0].place = 1; }, "no place in a sample of 2 bytes"},
+        {[](FlatRecording& r) { r.channels.clear(); }, "0 channels"},
+        {[](FlatRecording& r) { r.rate = HUGE_VAL; }, "sampling rate is inf"},
+        {[](FlatRecording& r) { r.rate = 0; }, "sampling rate is 0"},
+        {[](FlatRecording& r) { r.segments[0].count = 11; }, "of 11 samples it holds 10"},
+        {[](FlatRecording& r) { r.segments[0].count = 0; }, "no samples"},
+        {[](FlatRecording& r) {
+             r.segments.resize(3, {INT64_MAX, 0.0});
+         },
+         "a segment of"},
+    };
+    for (const auto& c : cases) {
+        ScriptedFlatReader reader(std::string(20, 'x'), [&](FlatRecording& recording) {
+            oneChannel(recording, {}, 10);
+            c.lie(recording);
+        });
+        EXPECT_FALSE(reader.isOpen) << c.sentence;
+        EXPECT_EQ(reader.getLastError(), 2);
+        EXPECT_THAT(reader.lastErrorText(), HasSubstr(c.sentence));
+        test::readAround(reader);
+    }
+}
+
+} // namespace
+} // namespace kvsig

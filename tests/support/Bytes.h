@@ -1,0 +1,66 @@
+#pragma once
+
+#include <algorithm>
+#include <bit>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+namespace kvsig::test {
+
+/// The bytes of a file under construction: little-endian numbers and texts, appended or put at an
+/// offset, zeros in between.
+class Bytes {
+  public:
+    template <typename Number>
+    requires std::is_arithmetic_v<Number> Bytes& put(std::size_t offset, Number value) {
+        std::uint64_t bits = 0;
+        if constexpr (std::same_as<Number, float>)
+            bits = std::bit_cast<std::uint32_t>(value);
+        else if constexpr (std::same_as<Number, double>)
+            bits = std::bit_cast<std::uint64_t>(value);
+        else
+            bits = static_cast<std::uint64_t>(value);
+        std::string bytes;
+        for (std::size_t i = 0; i < sizeof(Number); ++i)
+            bytes.push_back(static_cast<char>(bits >> (8 * i) & 0xFFU));
+        return put(offset, bytes, bytes.size());
+    }
+
+    /// Text in a field of `width` bytes.
+    Bytes& put(std::size_t offset, std::string_view text, std::size_t width, char pad = '\0') {
+        std::string field(text.substr(0, width));
+        field.resize(width, pad);
+        m_bytes.resize(std::max(m_bytes.size(), offset + width));
+        m_bytes.replace(offset, width, field);
+        return *this;
+    }
+
+    template <typename Number>
+    requires std::is_arithmetic_v<Number> Bytes& add(Number value) {
+        return put(m_bytes.size(), value);
+    }
+    Bytes& add(std::string_view bytes) { return put(m_bytes.size(), bytes, bytes.size()); }
+    Bytes& padTo(std::size_t length) {
+        m_bytes.resize(std::max(m_bytes.size(), length));
+        return *this;
+    }
+
+    [[nodiscard]] std::size_t size() const { return m_bytes.size(); }
+    [[nodiscard]] const std::string& str() const { return m_bytes; }
+
+  private:
+    std::string m_bytes;
+};
+
+/// A count that differs from channel to channel and from sample to sample and changes its sign, so
+/// that a swap or a shift shows.
+inline std::int32_t rampCount(int channel, std::int64_t index, std::int32_t period = 30011) {
+    const auto value = static_cast<std::int32_t>((index * 7 + channel * 1013) % period);
+    return (index + channel) % 2 == 0 ? value : -value;
+}
+
+} // namespace kvsig::test

@@ -1,0 +1,31 @@
+#include "tool/EventList.h"
+
+#include "kvsig/kernel/ClientEvent.h"
+#include "kvsig/util/Saturate.h"
+#include "kvsig/util/Text.h"
+#include "tool/Words.h"
+
+#include <algorithm>
+#include <deque>
+
+namespace kvsig::tool {
+
+std::vector<ListedEvent> eventsOf(const Recording& recording) {
+    std::deque<ClientEvent> events;
+    recording.reader->readEvents(events);
+    const double rate = recording.reader->samplingRate();
+    std::vector<ListedEvent> listed;
+    listed.reserve(events.size());
+    for (const ClientEvent& event : events) {
+        const long sample = recording.atCommonRate(saturate<long>(event.sample));
+        listed.push_back({event.kind, sample, rate > 0 ? static_cast<double>(sample) / rate : 0.0,
+                          event.duration, toUtf8(fieldView(event.label)),
+                          toUtf8(fieldView(event.stateText))});
+    }
+    std::stable_sort(listed.begin(), listed.end(), [](const ListedEvent& a, const ListedEvent& b) {
+        return a.sample < b.sample;
+    });
+    return listed;
+}
+
+} // namespace kvsig::tool
