@@ -2,6 +2,7 @@
 
 #include "kvsig/kernel/ChannelTable.h"
 #include "kvsig/montage/names/ReservedNames.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/ProfileFile.h"
 #include "kvsig/util/ProfileLines.h"
 #include "kvsig/util/ProfileText.h"
@@ -15,8 +16,6 @@
 namespace kvsig {
 namespace {
 
-constexpr std::size_t longestMapName = 31;
-constexpr std::size_t longestDefnLine = 1024;
 constexpr int nameListSize = 32768;
 
 // Whether a map of that name can be listed. One named as the list of maps would overwrite it.
@@ -39,7 +38,7 @@ std::vector<ProfileEntry> mapEntries(std::istream& defn) {
     std::vector<ProfileEntry> entries;
     std::unordered_map<std::string, std::size_t> places;
     std::string text;
-    while (readProfileLine(defn, text, longestDefnLine)) {
+    while (readProfileLine(defn, text, longestMapLine)) {
         const ProfileLine line = splitProfileLine(text);
         const std::string value(firstWord(line.value));
         if (line.kind != ProfileLine::Kind::entry || !isProfileKey(line.name) || value.empty())

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kvsig/montage/names/Derivation.h"
+#include "kvsig/util/Limits.h"
 
 #include <iosfwd>
 #include <optional>
@@ -20,9 +21,6 @@ struct MappedChannel {
     char grid1[gridNameSize] = "";
     char grid2[gridNameSize] = "";
 };
-
-/// Channel numbers above this are ignored.
-inline constexpr int largestMappedChannel = 32767;
 
 struct ChannelMap {
     std::vector<MappedChannel> channels;

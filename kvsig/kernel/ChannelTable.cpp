@@ -17,9 +17,8 @@ ChannelTable::ChannelTable() { m_records.reserve(usualChannels); }
 
 void ChannelTable::growTo(int count) {
     while (std::cmp_less(m_records.size(), count)) {
-        ChannelRecord record;
-        copyText(record.name, defaultChannelName(m_records.size()));
-        m_records.push_back(record);
+        ChannelRecord& record = m_records.emplace_back();
+        copyText(record.name, defaultChannelName(m_records.size() - 1));
     }
 }
 

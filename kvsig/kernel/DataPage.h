@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kvsig/util/Limits.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -7,9 +9,6 @@
 #include <memory>
 
 namespace kvsig {
-
-/// Bytes that one page may take; a larger one is refused and its samples read as zeros.
-inline constexpr std::int64_t maxPageBytes = std::int64_t{1} << 30;
 
 /// Storage of raw samples. Fresh memory is zero and costs nothing until it is written: a short
 /// recording whose header claims a huge sampling rate has pages of a gigabyte with a few samples in

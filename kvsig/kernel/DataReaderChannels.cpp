@@ -65,7 +65,17 @@ const char* DataReader::grid2(int channel) {
     return m_state->gridNamesAsNumbers ? numberText(channel) : record->grid2;
 }
 
+// Large montages look up thousands of names among thousands of channels.
 int DataReader::indexOfG1(const char* name) {
+    constexpr int fewChannels = 64;
+    const int count = channelCount();
+    if (count > fewChannels && !m_state->gridNamesAsNumbers) {
+        if (!m_state->grids1.covers(count))
+            m_state->grids1.build(m_state->channels, count,
+                                  [this](int channel) { return grid1(channel); });
+        if (m_state->grids1.covers(count))
+            return m_state->grids1.find(viewOf(name));
+    }
     for (int i = 0; i < channelCount(); ++i)
         if (equalNoCase(viewOf(grid1(i)), viewOf(name)))
             return i;
@@ -168,6 +178,7 @@ double DataReader::_physioLow(int channel) { return physioLow(channel); }
 std::int32_t DataReader::_digitalHigh(int channel) { return digitalHigh(channel); }
 std::int32_t DataReader::_digitalLow(int channel) { return digitalLow(channel); }
 bool DataReader::setDefChannelInfo() {
+    m_state->grids1.clear();
     m_state->channels.growTo(m_state->channelCount);
     return true;
 }
@@ -197,6 +208,7 @@ bool DataReader::loadChannelInfo() {
 }
 
 void DataReader::updateMapFlags() {
+    m_state->grids1.clear();
     m_state->map1010 = false;
     for (int i = 0; i < channelCount(); ++i)
         if (const ChannelRecord* record = channelRecord(i); record && isOnly1010(record->grid1))
@@ -217,6 +229,7 @@ const ChannelRecord* DataReader::keptNames(int channel) {
 void DataReader::resetChannelNames() {
     dropChannelMap();
     m_state->channels = ChannelTable();
+    m_state->grids1.clear();
     m_state->keptNames = ChannelTable();
     m_state->keptNamesGiven = false;
     setDefChannelInfo();

@@ -2,6 +2,7 @@
 
 #include "kvsig/kernel/ChannelTable.h"
 #include "kvsig/kernel/DataReader.h"
+#include "kvsig/kernel/GridIndex.h"
 #include "kvsig/kernel/PageCache.h"
 #include "kvsig/kernel/PageSource.h"
 #include "kvsig/kernel/TimeBase.h"
@@ -54,6 +55,7 @@ struct DataReader::State final : PageSource {
     int mappedChannels = 0;            ///< the largest channel number that it names
     std::optional<std::vector<std::string>> listedMaps; ///< as getChannelMapNames() hands them out
     ChannelTable channels;
+    GridIndex grids1;            ///< of `channels`; empty when names may have changed since
     ChannelTable keptNames;      ///< what keepChannelNames() found
     bool keptNamesGiven = false; ///< a channel map gave them
     TimeBase timeBase;

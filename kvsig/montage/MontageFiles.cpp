@@ -4,6 +4,7 @@
 #include "kvsig/montage/MontageText.h"
 #include "kvsig/montage/ShippedMontages.h"
 #include "kvsig/montage/names/ReservedNames.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/LogSink.h"
 #include "kvsig/util/StandardFolders.h"
 #include "kvsig/util/Text.h"
@@ -19,9 +20,6 @@ namespace kvsig {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr std::size_t mostBytes = std::size_t{1} << 20;
-constexpr std::size_t mostNames = 4096;
 
 std::optional<std::string> hostDirectory; // never set: none, and all the other places
 std::string hostFile;
@@ -93,7 +91,7 @@ std::optional<std::string> textOf(const Candidate& file) {
     if (!fs::exists(file.path, ignored))
         return std::nullopt;
     std::string reason;
-    auto text = readTextFile(file.path.c_str(), mostBytes, &reason);
+    auto text = readTextFile(file.path.c_str(), mostMontageFileBytes, &reason);
     if (!text)
         logUnreadable(file, reason);
     return text;
@@ -136,7 +134,7 @@ class NameList {
   public:
     void add(std::string name, bool isSection) {
         const std::string folded = lowerCase(name);
-        if (name.empty() || m_names.size() >= mostNames || m_sections.contains(folded) ||
+        if (name.empty() || m_names.size() >= mostMontageNames || m_sections.contains(folded) ||
             !m_exact.insert(name).second)
             return;
         if (isSection) // it answers to every spelling

@@ -6,6 +6,7 @@
 #include "kvsig/montage/SourceMontage.h"
 #include "kvsig/montage/names/Derivation.h"
 #include "kvsig/montage/names/Translate1020.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/LogSink.h"
 #include "kvsig/util/XmlReader.h"
 

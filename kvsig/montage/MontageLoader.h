@@ -11,9 +11,6 @@ namespace kvsig {
 class IDataReader;
 class SourceMontage;
 
-/// Rows and averages that are made from one montage of a file; the rest is left out and logged.
-inline constexpr int mostMontageRows = 4096;
-
 /// `text` with its electrode names in the generation that the recording uses.
 [[nodiscard]] std::string translatedFor(IDataReader& reader, std::string_view text);
 

@@ -1,5 +1,6 @@
 #include "kvsig/montage/MontageText.h"
 
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/Text.h"
 #include "kvsig/util/XmlReader.h"
 
@@ -9,7 +10,6 @@
 namespace kvsig {
 namespace {
 
-constexpr std::size_t mostEntries = 65536;
 constexpr const char* blanks = " \t";
 
 std::string trimmed(std::string_view text) {
@@ -58,7 +58,7 @@ std::optional<std::vector<ProfileEntry>> sectionEntries(std::istream& stream,
     const bool found = forEachProfileEntry(stream, name, [&entries](const ProfileLine& line) {
         if (const std::string key = trimmed(line.name); !key.empty())
             entries.push_back({key, trimmed(line.value)});
-        return entries.size() < mostEntries;
+        return entries.size() < mostMontageEntries;
     });
     return found ? std::optional(std::move(entries)) : std::nullopt;
 }
@@ -68,7 +68,7 @@ std::vector<std::string> sectionNames(std::istream& stream) {
     std::string text;
     if (!rewindStream(stream))
         return names;
-    while (names.size() < mostEntries && readProfileLine(stream, text))
+    while (names.size() < mostMontageEntries && readProfileLine(stream, text))
         if (const ProfileLine line = splitProfileLine(text);
             line.kind == ProfileLine::Kind::section)
             names.emplace_back(line.name);

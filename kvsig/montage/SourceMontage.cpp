@@ -13,6 +13,7 @@
 #include "kvsig/montage/names/Derivation.h"
 #include "kvsig/montage/names/References.h"
 #include "kvsig/montage/names/ReservedNames.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/LogSink.h"
 #include "kvsig/util/NumberText.h"
 #include "kvsig/util/Saturate.h"
@@ -22,8 +23,6 @@
 
 namespace kvsig {
 namespace {
-
-constexpr std::size_t mostUnresolved = 4096;
 
 template <typename Sources>
 auto find(Sources& sources, const DataSource* wanted) {

@@ -176,6 +176,7 @@ void EDF90Reader::layOutChannels() {
     double fastest = 0.0;
     std::int64_t offset = 0;
     std::int64_t signal = 0;
+    m_edf->channels.reserve(header.channels().size());
     for (const std::int64_t channel : header.channels()) {
         for (; signal < channel; ++signal)
             offset += samples[static_cast<std::size_t>(signal)];

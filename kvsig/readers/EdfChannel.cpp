@@ -19,14 +19,15 @@ Channel channelOf(const Header& header, std::int64_t fileSignal) {
     const auto field = [&header, fileSignal](SignalField which) {
         return header.view(which, fileSignal);
     };
+    const std::string_view unit = field(units), low = field(physicalMin), high = field(physicalMax);
     Channel channel;
     channel.label = field(label);
-    channel.units = field(units);
-    channel.microvolts = saysMicrovolts(field(units));
-    channel.physicalMin = leadingDouble(field(physicalMin));
-    channel.physicalMax = leadingDouble(field(physicalMax));
-    channel.unknownMin = field(physicalMin) == "?";
-    channel.unknownMax = field(physicalMax) == "?";
+    channel.units = unit;
+    channel.microvolts = saysMicrovolts(unit);
+    channel.physicalMin = leadingDouble(low);
+    channel.physicalMax = leadingDouble(high);
+    channel.unknownMin = low == "?";
+    channel.unknownMax = high == "?";
     channel.digitalMin = saturate<std::int32_t>(leadingDouble(field(digitalMin)));
     channel.digitalMax = saturate<std::int32_t>(leadingDouble(field(digitalMax)));
     return channel;

@@ -2,6 +2,7 @@
 #include "kvsig/readers/EdfOnset.h"
 #include "kvsig/readers/EdfOnsetGrid.h"
 #include "kvsig/util/ByteOrder.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/NumberText.h"
 
 #include <algorithm>
@@ -89,10 +90,9 @@ class RecordCheck {
 
     void checkRecords() {
         const std::int64_t size = m_file.size();
-        constexpr std::int64_t mostBytes = std::int64_t{256} << 20;
         if (m_recordBytes > size - m_header.dataOffset())
             return;
-        if (m_recordBytes > mostBytes) {
+        if (m_recordBytes > mostInspectedBytes) {
             note("a data record takes " + std::to_string(m_recordBytes) +
                  " bytes, too many to look at its onsets and samples");
             return;

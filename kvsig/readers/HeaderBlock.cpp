@@ -24,10 +24,14 @@ std::string_view viewHeaderField(const HeaderBlock& header, std::int64_t offset,
     if (offset < 0 || width <= 0 || std::cmp_greater_equal(offset, bytes.size()))
         return {};
     const auto begin = static_cast<std::size_t>(offset);
-    std::string_view text(static_cast<const char*>(static_cast<const void*>(bytes.data())) + begin,
-                          std::min(static_cast<std::size_t>(width), bytes.size() - begin));
-    text = text.substr(0, text.find('\0'));
-    return text.substr(0, text.find_last_not_of(' ') + 1);
+    const char* const text =
+        static_cast<const char*>(static_cast<const void*>(bytes.data())) + begin;
+    const std::size_t held = std::min(static_cast<std::size_t>(width), bytes.size() - begin);
+    std::size_t length = 0;
+    for (std::size_t i = 0; i < held && text[i] != '\0'; ++i)
+        if (text[i] != ' ')
+            length = i + 1;
+    return {text, length};
 }
 
 std::string readHeaderField(const HeaderBlock& header, std::int64_t offset, int width) {

@@ -6,6 +6,7 @@
 #include "kvsig/montage/names/ReservedNames.h"
 #include "kvsig/readers/StoredMontage.h"
 #include "kvsig/util/File.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/NumberText.h"
 #include "kvsig/util/ProfileLines.h"
 #include "kvsig/util/Saturate.h"
@@ -27,7 +28,6 @@ constexpr int interleavedType = 1;
 constexpr std::int64_t valueBytes = 2; // in a page, whatever the file stores
 constexpr std::int64_t fewestSamples = 3;
 constexpr std::size_t longestValue = 4096;
-constexpr double fastestRate = 1e7; // hertz; no polygraph comes near
 
 constexpr int littleEndian16 = 0;
 constexpr int bigEndian16 = 4;
@@ -88,7 +88,7 @@ void InterleavedReader::close() { m_raw->file.close(); }
 void InterleavedReader::reportOddAttributes() {
     using Severity = OpenFinding::Severity;
     const int type = m_raw->dataType;
-    if (!(samplingRate() > 0) || samplingRate() > fastestRate)
+    if (!(samplingRate() > 0) || samplingRate() > fastestSamplingRate)
         report(Severity::unusable, "SamplingRate is " + shortestText(samplingRate()) + " Hz");
     if (type != littleEndian16 && type != bigEndian16 && type != offsetBinary8)
         report(Severity::unusable, "DataType is " + std::to_string(type) +

@@ -66,10 +66,6 @@ bool hasTitle(const HeaderBlock& header, std::string_view text) {
     return startsWithNoCase(textOf(header, title), text);
 }
 
-HeaderBlock headerOf(const FlatRecording& recording) {
-    return HeaderBlock::readFrom(recording.samples, headerBytes);
-}
-
 int fullYear(std::uint8_t sinceNineteenHundred) { return 1900 + sinceNineteenHundred; }
 
 // Unsigned; of 32 bits there are signed ones too, which have no ground and go below 0.
@@ -110,9 +106,13 @@ bool MicromedReader::describe(FlatRecording& recording) {
     std::string reason;
     if (!recording.samples.open(filePath().c_str(), &reason))
         return refuse(1, reason);
-    if (!isReadVariant(recording) || !isSoundHeader(recording) || !describeChannels(recording))
+    // Read once: of a file that changes meanwhile, or of a disk that fails, a second look would
+    // tell other numbers than those that were found sound.
+    const HeaderBlock header = HeaderBlock::readFrom(recording.samples, headerBytes);
+    const std::int64_t size = recording.samples.size();
+    if (!isReadVariant(header, size) || !isSoundHeader(header, size) ||
+        !describeChannels(header, recording))
         return false;
-    const HeaderBlock header = headerOf(recording);
     recording.start = {fullYear(valueOf(header, year)),
                        valueOf(header, month),
                        valueOf(header, day),
@@ -131,20 +131,17 @@ bool MicromedReader::describe(FlatRecording& recording) {
     const std::int64_t offset = valueOf(header, dataOffset);
     const std::int64_t frameBytes =
         std::int64_t{valueOf(header, numberOfChannels)} * valueOf(header, sampleBytes);
-    const std::int64_t size = recording.samples.size();
     const std::int64_t frames = wholeFrames(offset, size, frameBytes);
     if (const std::int64_t rest = offset < size ? (size - offset) % frameBytes : 0; rest > 0)
         report(Severity::note, "its last " + std::to_string(rest) +
                                    " bytes are no whole sample of " +
                                    std::to_string(recording.channels.size()) + " channels");
     recording.tracks.push_back({frameBytes, 1, 0.0, {{offset, frames}}, {}});
-    describePieces(recording, frames);
+    describePieces(header, recording, frames);
     return true;
 }
 
-bool MicromedReader::isReadVariant(const FlatRecording& recording) {
-    const HeaderBlock header = headerOf(recording);
-    const std::int64_t size = recording.samples.size();
+bool MicromedReader::isReadVariant(const HeaderBlock& header, std::int64_t size) {
     if (hasTitle(header, galileoTitle))
         return refuse(3, "this is a Galileo trace file, an older format of the same ending, which "
                          "is not read");
@@ -170,9 +167,7 @@ bool MicromedReader::isReadVariant(const FlatRecording& recording) {
     return true;
 }
 
-bool MicromedReader::isSoundHeader(const FlatRecording& recording) {
-    const HeaderBlock header = headerOf(recording);
-    const std::int64_t size = recording.samples.size();
+bool MicromedReader::isSoundHeader(const HeaderBlock& header, std::int64_t size) {
     const std::int64_t channels = valueOf(header, numberOfChannels);
     const int bytes = valueOf(header, sampleBytes);
     if (channels == 0)
@@ -194,8 +189,7 @@ bool MicromedReader::isSoundHeader(const FlatRecording& recording) {
     return true;
 }
 
-bool MicromedReader::describeChannels(FlatRecording& recording) {
-    const HeaderBlock header = headerOf(recording);
+bool MicromedReader::describeChannels(const HeaderBlock& header, FlatRecording& recording) {
     const std::int64_t size = recording.samples.size();
     const std::int64_t channels = valueOf(header, numberOfChannels);
     const std::int64_t bytes = valueOf(header, sampleBytes);
@@ -260,8 +254,9 @@ bool MicromedReader::describeChannels(FlatRecording& recording) {
 }
 
 // A recording from which pieces were cut says where each of them began.
-void MicromedReader::describePieces(FlatRecording& recording, std::int64_t frames) {
-    const Zone zone = findZone(headerOf(recording), "TRONCA", recording.samples.size());
+void MicromedReader::describePieces(const HeaderBlock& header, FlatRecording& recording,
+                                    std::int64_t frames) {
+    const Zone zone = findZone(header, "TRONCA", recording.samples.size());
     const std::int64_t most = std::min(zone.length / pieceBytes, mostPieces);
     const HeaderBlock list =
         HeaderBlock::readFrom(recording.samples, zone.start, most * pieceBytes);

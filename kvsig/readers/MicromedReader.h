@@ -5,6 +5,8 @@
 
 namespace kvsig {
 
+class HeaderBlock;
+
 /// Micromed recordings ("Micromed (*.trc)") of header type 4, with the events of the file itself
 /// and of the .EVT beside it. Older header types, compressed recordings and the Galileo files of
 /// the same ending are refused.
@@ -19,10 +21,10 @@ class KVSIG_API MicromedReader : public FlatReader {
     void listEvents(std::vector<FlatEvent>& events) override;
 
   private:
-    bool isReadVariant(const FlatRecording& recording);
-    bool isSoundHeader(const FlatRecording& recording);
-    bool describeChannels(FlatRecording& recording);
-    void describePieces(FlatRecording& recording, std::int64_t frames);
+    bool isReadVariant(const HeaderBlock& header, std::int64_t size);
+    bool isSoundHeader(const HeaderBlock& header, std::int64_t size);
+    bool describeChannels(const HeaderBlock& header, FlatRecording& recording);
+    void describePieces(const HeaderBlock& header, FlatRecording& recording, std::int64_t frames);
 };
 
 } // namespace kvsig

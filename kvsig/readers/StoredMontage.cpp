@@ -1,6 +1,7 @@
 #include "kvsig/readers/StoredMontage.h"
 
 #include "kvsig/montage/names/ReservedNames.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/LogSink.h"
 #include "kvsig/util/Text.h"
 

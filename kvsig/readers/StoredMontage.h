@@ -9,9 +9,6 @@
 
 namespace kvsig {
 
-/// Montages that are kept of one attribute file; the rest is left out and logged.
-inline constexpr int mostStoredMontages = 4096;
-
 /// A montage that an attribute file carries, as montage files have it: each key is a derivation,
 /// each value its display name, empty for the derivation's own.
 struct StoredMontage {

@@ -4,6 +4,7 @@
 #include "kvsig/registry/XmlLayout.h"
 #include "kvsig/registry/types/ReaderType.h"
 #include "kvsig/util/File.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/NeighbourFile.h"
 #include "kvsig/util/ProfileText.h"
 #include "kvsig/util/Text.h"
@@ -14,7 +15,6 @@
 namespace kvsig {
 namespace {
 
-constexpr std::size_t mostLayoutBytes = std::size_t{16} << 20;
 constexpr int typeNameBytes = 64;
 
 void resolveDataFile(IDataReader& reader, const std::string& layoutPath) {

@@ -97,8 +97,9 @@ ProfileDocument::Range ProfileDocument::findOrAppend(std::string_view section) {
 }
 
 void ProfileDocument::insert(std::size_t position, std::vector<std::string> lines) {
+    // A last line without its end may already have the first half of one.
     if (position > 0 && !m_lines[position - 1].ends_with('\n'))
-        m_lines[position - 1] += m_lineEnd;
+        m_lines[position - 1] += m_lines[position - 1].ends_with('\r') ? "\n" : m_lineEnd;
     m_lines.insert(at(m_lines, position), std::make_move_iterator(lines.begin()),
                    std::make_move_iterator(lines.end()));
 }

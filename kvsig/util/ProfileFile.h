@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/ProfileLines.h"
 
 #include <cstddef>
@@ -56,9 +57,6 @@ class ProfileDocument {
 /// Whether the text can stand as a section's name, or as a key.
 [[nodiscard]] bool isProfileSection(std::string_view name);
 [[nodiscard]] bool isProfileKey(std::string_view key);
-
-/// Larger profile files are neither read nor written.
-inline constexpr std::int64_t longestProfileFile = std::int64_t{8} << 20;
 
 /// The whole of a profile file; nothing when it does not exist, is no regular file or is too large.
 [[nodiscard]] std::optional<std::string> readProfileFile(const char* path);

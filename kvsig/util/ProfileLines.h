@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kvsig/util/Limits.h"
+
 #include <cstddef>
 #include <functional>
 #include <iosfwd>
@@ -9,9 +11,6 @@
 
 /// The parts that readers of INI-style texts (ProfileText.h) are made of.
 namespace kvsig {
-
-/// Characters of a line that are looked at.
-inline constexpr std::size_t profileLineLength = 8192;
 
 /// A value by the rules of GetLocalProfileInt() and GetLocalProfileDouble().
 [[nodiscard]] int profileInt(std::string_view value, int def);

@@ -1,6 +1,7 @@
 #include "kvsig/util/XmlReader.h"
 
 #include "kvsig/util/File.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/TextFile.h"
 
 #include <pugixml.hpp>
@@ -49,7 +50,7 @@ bool XmlReader::setDocument(std::string_view text, std::string* reason) {
             *reason = why;
         return false;
     };
-    if (text.size() > maxBytes)
+    if (text.size() > mostXmlBytes)
         return refuse("an XML document of more than 16 MiB");
     m_state->clear();
     // Fragments: an inner document may have several roots, or text alone.
@@ -58,14 +59,14 @@ bool XmlReader::setDocument(std::string_view text, std::string* reason) {
     if (!result)
         return refuse(std::string("not well-formed XML at byte ") + std::to_string(result.offset) +
                       ": " + result.description());
-    if (isDeeperThan(m_state->document, maxDepth))
-        return refuse("XML elements nested deeper than " + std::to_string(maxDepth));
+    if (isDeeperThan(m_state->document, mostXmlDepth))
+        return refuse("XML elements nested deeper than " + std::to_string(mostXmlDepth));
     m_state->level = m_state->document.root();
     return true;
 }
 
 bool XmlReader::loadFile(const char* path, std::string* reason) {
-    const std::optional<std::string> text = readTextFile(path, maxBytes, reason);
+    const std::optional<std::string> text = readTextFile(path, mostXmlBytes, reason);
     if (!text) {
         m_state->clear();
         return false;

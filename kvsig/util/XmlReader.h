@@ -13,13 +13,11 @@ namespace kvsig {
 ///
 /// The position is a level (the document, or an element that was entered) and a current element on
 /// it, none at first. Names are compared as they stand. Texts come out as UTF-8. External entities,
-/// document types and entity definitions are never read; documents of more than maxBytes or nested
-/// deeper than maxDepth are refused. One object is used from one thread at a time.
+/// document types and entity definitions are never read; documents of more than mostXmlBytes or
+/// nested deeper than mostXmlDepth (Limits.h) are refused. One object is used from one thread at a
+/// time.
 class XmlReader {
   public:
-    static constexpr std::size_t maxBytes = std::size_t{16} << 20;
-    static constexpr int maxDepth = 64;
-
     XmlReader();
     ~XmlReader();
     XmlReader(const XmlReader&) = delete;

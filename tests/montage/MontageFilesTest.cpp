@@ -1,6 +1,7 @@
 #include "kvsig/montage/MontageFiles.h"
 
 #include "kvsig/montage/MontageLoader.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/Text.h"
 #include "montage/MontageFixture.h"
 #include "support/LogCapture.h"

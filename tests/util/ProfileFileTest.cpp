@@ -42,6 +42,13 @@ TEST(ProfileDocument, WhatIsNotNamedKeepsItsBytes) {
               mark + "[N]\na=c\n");
 }
 
+// The end of such a line was completed by a whole line end, so that its section was called "S\r".
+TEST(ProfileDocument, ALastLineThatEndsInACarriageReturnIsCompleted) {
+    const auto set = [](ProfileDocument& document) { EXPECT_TRUE(document.setKey("S", "a", "b")); };
+    EXPECT_EQ(edited("; head\r\n[S]\r", set), "; head\r\n[S]\r\na=b\r\n");
+    EXPECT_EQ(edited("[S\r", set), "[S\r\na=b\n");
+}
+
 TEST(ProfileDocument, DeletingLeavesCommentsOfWhatFollows) {
     const auto without = [](const char* section, const char* key) {
         return edited(original, [=](ProfileDocument& document) {

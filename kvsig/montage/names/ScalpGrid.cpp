@@ -2,6 +2,10 @@
 
 #include "kvsig/util/Text.h"
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 namespace kvsig {
@@ -26,22 +30,41 @@ const ScalpGrid Grid1020[scalpGridCount] = {
 
 namespace {
 
-// Compared letter by letter: nearly all names differ in their first one.
-bool isCalled(const char* entry, std::string_view name) {
+using Packed = std::uint64_t;
+
+// A name of up to eight letters as one number, whatever their case; 0 for a longer one.
+Packed packed(std::string_view name) {
+    Packed bits = 0;
+    if (name.size() > sizeof bits)
+        return 0;
     for (const char letter : name)
-        if (*entry == '\0' || lowerCase(*entry++) != lowerCase(letter))
-            return false;
-    return *entry == '\0';
+        bits = bits << 8 | static_cast<unsigned char>(lowerCase(letter));
+    return bits;
+}
+
+struct PackedName {
+    Packed name = 0;
+    int index = 0;
+    friend bool operator<(const PackedName& a, const PackedName& b) { return a.name < b.name; }
+};
+using PackedTable = std::array<PackedName, scalpGridCount>;
+
+PackedTable sortedTable() {
+    PackedTable table;
+    for (int i = 0; i < scalpGridCount; ++i)
+        table[static_cast<std::size_t>(i)] = {packed(Grid1020[i].pszName), i};
+    std::stable_sort(table.begin(), table.end());
+    return table;
 }
 
 } // namespace
 
+// Every channel of a recording asks when it is opened, so names are compared as numbers.
 int IndexOf1020(const char* name) {
-    const std::string_view wanted = viewOf(name);
-    for (int i = 0; i < scalpGridCount; ++i)
-        if (isCalled(Grid1020[i].pszName, wanted))
-            return i;
-    return -1;
+    static const PackedTable table = sortedTable();
+    const PackedName wanted{packed(viewOf(name))};
+    const auto found = std::lower_bound(table.begin(), table.end(), wanted);
+    return found == table.end() || found->name != wanted.name ? -1 : found->index;
 }
 
 } // namespace kvsig

@@ -1,0 +1,107 @@
+#include "kvsig/kernel/ChannelMap.h"
+#include "kvsig/montage/MontageFiles.h"
+#include "kvsig/montage/SourceMontage.h"
+#include "kvsig/readers/InterleavedReader.h"
+#include "kvsig/registry/FrontDoor.h"
+#include "support/InDirectory.h"
+#include "support/TempDir.h"
+
+#include <ctime>
+#include <functional>
+#include <gtest/gtest.h>
+#include <sstream>
+#include <string>
+
+// Inputs that are as large as they may be and made to be slow. Work that grows with the square of
+// their length would take minutes.
+namespace kvsig {
+namespace {
+
+double processorSeconds(const std::function<void()>& work) {
+    const std::clock_t begin = std::clock();
+    work();
+    return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
+}
+
+std::string repeated(std::size_t count, const std::function<std::string(std::size_t)>& text) {
+    std::string all;
+    for (std::size_t i = 0; i < count; ++i)
+        all += text(i);
+    return all;
+}
+
+std::string electrode(std::size_t number) { return "E" + std::to_string(number); }
+
+class Cost : public testing::Test {
+  protected:
+    ~Cost() override {
+        SetMontageStream(nullptr);
+        SetMontageDirectory(nullptr);
+    }
+    void openChannels(std::size_t count) {
+        std::istringstream attributes(
+            "[FileInfo]\nFile=x\nSamplingRate=1\nHeaderLength=0\nCalibration=1\nDataType=0\n"
+            "WaveformCount=" +
+            std::to_string(count) + "\n[ChannelMap]\n" + repeated(count, [](std::size_t i) {
+                return electrode(i) + "-Ref=" + std::to_string(i + 1) + "\n";
+            }));
+        ASSERT_TRUE(reader.readAttributeFile(attributes));
+        ASSERT_TRUE(reader.open(dir.write("x", std::string(count * 8, '\0')).c_str()));
+    }
+    double secondsFor(const std::string& montageText) {
+        std::istringstream stream(montageText);
+        SetMontageDirectory("");
+        SetMontageStream(&stream);
+        montage.setReader(&reader);
+        return processorSeconds([&] { EXPECT_EQ(montage.createMontage("M"), 1); });
+    }
+
+    static constexpr double most = 10.0; // under sanitizers too
+    const test::TempDir dir;
+    const test::InDirectory here{dir.path()};
+    InterleavedReader reader;
+    SourceMontage montage;
+};
+
+// Each name was looked for among all channels: 5 s for 77 KB.
+TEST_F(Cost, OfRowsOverManyChannels) {
+    openChannels(32767);
+    const std::string rows = repeated(4000, [](std::size_t i) {
+        return electrode(32766 - i) + "-" + electrode(28000 - i) + "=\n";
+    });
+    EXPECT_LT(secondsFor("[M]\n" + rows), most);
+    EXPECT_EQ(montage.sourceCount(), 4000);
+}
+
+TEST_F(Cost, OfLongAverages) {
+    openChannels(4000);
+    const std::string terms = repeated(1000, [](std::size_t) { return "+E3999"; });
+    const std::string rows =
+        repeated(150, [&](std::size_t i) { return electrode(i) + terms + "=\n"; });
+    EXPECT_LT(secondsFor("[M]\n" + rows), most);
+    EXPECT_GE(montage.avgRefCount(), 150);
+}
+
+TEST_F(Cost, OfMapFilesOfManySections) {
+    dir.write("kvunkdat.ini",
+              "[ChannelMap]\n" + repeated(150000, [](std::size_t) { return "[M]\na\n"; }));
+    EXPECT_LT(processorSeconds([] {
+                  std::istringstream defn("Cz-Ref=1\n");
+                  EXPECT_TRUE(storeChannelMap("N", defn));
+                  EXPECT_TRUE(deleteStoredChannelMap("M"));
+              }),
+              most);
+    EXPECT_EQ(dir.read("kvunkdat.ini").find("[M]"), std::string::npos);
+}
+
+TEST_F(Cost, OfLayoutsOfManyNames) {
+    const std::string names = repeated(200000, [](std::size_t i) {
+        return electrode(i) + "-R=" + std::to_string(i % 32767 + 1) + "\n";
+    });
+    const std::string path =
+        dir.write("a.lay", "[FileInfo]\nFile=none\nFileType=EDF90\n[ChannelMap]\n" + names);
+    EXPECT_LT(processorSeconds([&] { EXPECT_FALSE(openReader(path.c_str())); }), most);
+}
+
+} // namespace
+} // namespace kvsig
