@@ -65,3 +65,4 @@
 #include "kvsig/util/ProfileText.h"
 #include "kvsig/util/StripBlanks.h"
 #include "kvsig/util/TimeText.h"
+#include "kvsig/util/Version.h"

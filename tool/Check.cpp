@@ -131,6 +131,7 @@ void addCheckCommand(CLI::App& app, int& exitCode) {
     auto options = std::make_shared<FactsOptions>();
     CLI::App* command =
         app.add_subcommand("check", "List what is odd about recordings, one line each");
+    command->footer("Example:\n  kvsig check *.edf");
     addFactsOptions(*command, *options);
     command->callback([options, &exitCode] { exitCode = printFacts(*options, factsOf); });
 }

@@ -52,6 +52,7 @@ FileFacts eventsOfFile(const std::string& file, int type, bool json) {
 void addEventsCommand(CLI::App& app, int& exitCode) {
     auto options = std::make_shared<FactsOptions>();
     CLI::App* command = app.add_subcommand("events", "List the events of recordings");
+    command->footer("Example:\n  kvsig events night.edf");
     addFactsOptions(*command, *options);
     command->callback([options, &exitCode] {
         exitCode = printFacts(*options, [&options](const std::string& file, int type) {

@@ -134,20 +134,31 @@ int run(const ExportOptions& options) {
 void addExportCommand(CLI::App& app, int& exitCode) {
     auto options = std::make_shared<ExportOptions>();
     CLI::App* command = app.add_subcommand("export", "Write samples of channels or derivations");
+    command->footer("Examples:\n"
+                    "  kvsig export night.edf --to 10 -o start.csv\n"
+                    "  kvsig export night.edf --channels Fp1-F7,C3-A1+A2 --from 0:20 --to 0:30\n"
+                    "  kvsig export night.edf --montage Transverse --low-filter 1 -o night.npy");
     command
         ->add_option("--format", options->format,
-                     "csv, tsv, npy or raw (default: by the output's ending, else csv); raw is "
-                     "interleaved 16-bit data with the layout that describes it")
-        ->check(CLI::IsMember({"csv", "tsv", "npy", "raw"}));
+                     "raw is interleaved 16-bit data with the layout that describes it "
+                     "(default: by the output's ending, else csv)")
+        ->check(CLI::IsMember({"csv", "tsv", "npy", "raw"}))
+        ->group("Output");
     command
         ->add_option("--values", options->values,
-                     "physical (default): in the units of the file; kernel: what the library's "
-                     "getData gives at gain 1; raw: the file's integers")
-        ->check(CLI::IsMember({"physical", "kernel", "raw"}));
-    command->add_option("-o,--output", options->output,
-                        "File to write, or folder for several (default: standard output)");
-    command->add_flag("--show-patient", options->showPatient,
-                      "Write who was recorded into the layout of raw data");
+                     "physical: in the units of the file; kernel: what the library's getData "
+                     "gives at gain 1; raw: the file's integers (default: physical)")
+        ->check(CLI::IsMember({"physical", "kernel", "raw"}))
+        ->group("Output");
+    command
+        ->add_option("-o,--output", options->output,
+                     "File to write, or folder for several (default: standard output)")
+        ->type_name("PATH")
+        ->group("Output");
+    command
+        ->add_flag("--show-patient", options->showPatient,
+                   "Write who was recorded into the layout of raw data")
+        ->group("Output");
     addSignalOptions(*command, options->signals);
     command->callback([options, &exitCode] { exitCode = run(*options); });
 }

@@ -1,6 +1,7 @@
 #include "tool/FactsOfFiles.h"
 
 #include "tool/Command.h"
+#include "tool/CommonOptions.h"
 #include "tool/Recording.h"
 #include "tool/StandardOutput.h"
 #include "tool/Words.h"
@@ -11,10 +12,10 @@
 namespace kvsig::tool {
 
 void addFactsOptions(CLI::App& command, FactsOptions& options) {
-    command.add_option("FILE", options.files, "Recordings")->required();
-    command.add_option("--type", options.type, "Type name that overrules detection");
-    command.add_flag("--json", options.json, "Machine-readable output");
-    command.add_flag("-q,--quiet", options.quiet, "No remarks");
+    addFilesArgument(command, options.files);
+    addTypeOption(command, options.type);
+    command.add_flag("--json", options.json, "Write JSON, for programs");
+    addQuietFlag(command, options.quiet);
 }
 
 int printFacts(const FactsOptions& options,

@@ -182,6 +182,9 @@ FileFacts infoOf(const std::string& file, int type, const InfoOptions& options) 
 void addInfoCommand(CLI::App& app, int& exitCode) {
     auto options = std::make_shared<InfoOptions>();
     CLI::App* command = app.add_subcommand("info", "Show what is in recordings");
+    command->footer("Examples:\n"
+                    "  kvsig info night.edf\n"
+                    "  kvsig info --json night.edf");
     addFactsOptions(*command, options->files);
     command->add_flag("--show-patient", options->showPatient, "Show who was recorded");
     command->callback([options, &exitCode] {

@@ -1,5 +1,6 @@
 #include "kvsig/registry/types/FileTypes.h"
 #include "tool/Command.h"
+#include "tool/CommandLine.h"
 
 #include <CLI/CLI.hpp>
 #include <exception>
@@ -26,21 +27,12 @@ std::string usageFailure(const CLI::App* app, const CLI::Error& error) {
 }
 
 int runTool(int argc, const char* const* argv) {
-    CLI::App app("Reads, filters and draws EEG and polygraphic recordings.", "kvsig");
-    app.set_version_flag("--version", "kvsig " KVSIG_VERSION);
-    app.require_subcommand(1);
+    CLI::App app;
     app.failure_message(usageFailure);
     // The command opens whatever the library can read.
     kvsig::KrnlSetFileTypeFlag(4);
     int exitCode = kvsig::tool::exitWell;
-    kvsig::tool::addTypesCommand(app, exitCode);
-    kvsig::tool::addInfoCommand(app, exitCode);
-    kvsig::tool::addCheckCommand(app, exitCode);
-    kvsig::tool::addEventsCommand(app, exitCode);
-    kvsig::tool::addMontageCommand(app, exitCode);
-    kvsig::tool::addExportCommand(app, exitCode);
-    kvsig::tool::addPlotCommand(app, exitCode);
-    kvsig::tool::addSynthCommand(app, exitCode);
+    kvsig::tool::defineCommandLine(app, exitCode);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -92,7 +92,10 @@ FileFacts factsOf(const std::string& file, int type, const MontageChoice& choice
 void addMontageCommand(CLI::App& app, int& exitCode) {
     auto options = std::make_shared<MontageOptions>();
     CLI::App* command =
-        app.add_subcommand("montage", "List the montages of recordings, or the sources of one");
+        app.add_subcommand("montage", "List the montages of recordings, or the rows of one");
+    command->footer("Examples:\n"
+                    "  kvsig montage night.edf\n"
+                    "  kvsig montage night.edf --montage Average --reference Cz");
     addFactsOptions(*command, options->files);
     addMontageOptions(*command, options->choice);
     command->callback([options, &exitCode] {

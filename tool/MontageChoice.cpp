@@ -137,12 +137,19 @@ int shownRows(const SourceMontage& montage) {
 } // namespace
 
 void addMontageOptions(CLI::App& command, MontageChoice& choice) {
-    command.add_option("--montage", choice.name,
-                       "Montage by name; 'kvsig montage FILE' lists them");
-    command.add_option("--montage-file", choice.file,
-                       "Montages of this file come first (INI or XML)");
-    command.add_option("--reference", choice.reference,
-                       "Reference of referential rows: an electrode or an average, e.g. Av17");
+    command
+        .add_option("--montage", choice.name,
+                    "The rows of a montage; 'kvsig montage FILE' lists the names")
+        ->type_name("NAME");
+    command
+        .add_option("--montage-file", choice.file,
+                    "A file of montages, INI or XML, that come before all others")
+        ->type_name("FILE");
+    command
+        .add_option("--reference", choice.reference,
+                    "Puts rows that have one reference against another: an electrode or an "
+                    "average, as in Cz or Av17")
+        ->type_name("NAME");
 }
 
 std::string rowLabel(DataSource& source) {

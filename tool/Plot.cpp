@@ -103,18 +103,28 @@ int run(const PlotOptions& options) {
 void addPlotCommand(CLI::App& app, int& exitCode) {
     auto options = std::make_shared<PlotOptions>();
     CLI::App* command = app.add_subcommand("plot", "Draw a page of channels or derivations");
+    command->footer("Examples:\n"
+                    "  kvsig plot night.edf -o page.png --montage \"Double banana\" --to 10\n"
+                    "  kvsig plot night.edf -o page.svg --channels Fp1-F7,F7-T3 --from 0:20 --to "
+                    "0:30 \\\n"
+                    "    --low-filter 1 --high-filter 70 --notch 50 --sensitivity 7");
     command
         ->add_option("-o,--output", options->output,
                      "Picture to write, .svg, .png or .pdf, or folder for several")
+        ->type_name("PATH")
+        ->group("Output")
         ->required();
     command
         ->add_option("--format", options->format,
-                     "svg, png or pdf (default: by the output's ending, png in a folder)")
-        ->check(CLI::IsMember({"svg", "png", "pdf"}));
+                     "Kind of picture (default: by the output's ending, png in a folder)")
+        ->check(CLI::IsMember({"svg", "png", "pdf"}))
+        ->group("Output");
     command
         ->add_option("--sensitivity", options->sensitivity,
                      "Microvolts per millimetre (default: one at which the traces fit)")
-        ->check(positiveFault);
+        ->check(positiveFault)
+        ->type_name("UV")
+        ->group("Output");
     addSignalOptions(*command, options->signals);
     command->callback([options, &exitCode] { exitCode = run(*options); });
 }

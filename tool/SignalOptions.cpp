@@ -2,6 +2,7 @@
 
 #include "kvsig/util/NumberText.h"
 #include "kvsig/util/Saturate.h"
+#include "tool/CommonOptions.h"
 #include "tool/TimeOption.h"
 #include "tool/Words.h"
 
@@ -41,28 +42,36 @@ std::string positiveFault(const std::string& text) {
 }
 
 void addSignalOptions(CLI::App& command, SignalOptions& options) {
-    command.add_option("FILE", options.files, "Recordings")->required();
-    CLI::Option* channels = command.add_option(
-        "--channels", options.channels,
-        "Channel names, #indexes and derivations, e.g. Fp1-F7,C3-A1+A2 (default: all recorded "
-        "channels)");
+    addFilesArgument(command, options.files);
+    CLI::Option* channels =
+        command
+            .add_option("--channels", options.channels,
+                        "Channels by name or #index, and derivations, as in Fp1-F7,C3-A1+A2,#3 "
+                        "(default: all recorded channels)")
+            ->type_name("LIST")
+            ->group("Rows");
     addMontageOptions(command, options.montage);
+    for (const char* option : {"--montage", "--montage-file", "--reference"})
+        command.get_option(option)->group("Rows");
     for (const char* option : {"--montage", "--reference"})
         command.get_option(option)->excludes(channels);
-    command.add_option("--from", options.from, "Start: seconds or [d:]h:m:s from the beginning")
-        ->check(timeFault);
-    command.add_option("--to", options.to, "End, not included (default: the end)")
-        ->check(timeFault);
-    command.add_option("--low-filter", options.lowFilter, "High-pass cutoff in Hz")
-        ->check(positiveFault);
-    command.add_option("--high-filter", options.highFilter, "Low-pass cutoff in Hz")
-        ->check(positiveFault);
-    command
-        .add_option("--notch", options.notch,
-                    "Notch frequency in Hz; the notch is about 2 Hz wide at -3 dB")
-        ->check(positiveFault);
-    command.add_option("--type", options.type, "Type name that overrules detection");
-    command.add_flag("-q,--quiet", options.quiet, "No remarks");
+    const auto addTime = [&command](const char* name, std::string& time, const char* text) {
+        command.add_option(name, time, text)->check(timeFault)->type_name("TIME")->group("Range");
+    };
+    addTime("--from", options.from,
+            "Start, in seconds or [d:]h:m:s from the beginning (default: the beginning)");
+    addTime("--to", options.to, "End, not included (default: the end)");
+    const auto addFilter = [&command](const char* name, double& hertz, const char* text) {
+        command.add_option(name, hertz, text)
+            ->check(positiveFault)
+            ->type_name("HZ")
+            ->group("Filters");
+    };
+    addFilter("--low-filter", options.lowFilter, "Takes off what is slower: a high-pass");
+    addFilter("--high-filter", options.highFilter, "Takes off what is faster: a low-pass");
+    addFilter("--notch", options.notch, "Takes off the mains: about 2 Hz wide at -3 dB");
+    addTypeOption(command, options.type);
+    addQuietFlag(command, options.quiet);
 }
 
 std::optional<SampleRange> sampleRange(const Recording& recording, const SignalOptions& options) {

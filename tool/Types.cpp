@@ -48,9 +48,11 @@ std::string typeTableText(const Json& list) {
 
 void addTypesCommand(CLI::App& app, int& exitCode) {
     auto options = std::make_shared<TypesOptions>();
-    CLI::App* command = app.add_subcommand("types", "List the recording types");
-    command->add_flag("--readable", options->readable, "Only those that this build reads");
-    command->add_flag("--json", options->json, "Machine-readable output");
+    CLI::App* command =
+        app.add_subcommand("types", "List the kinds of recordings and which of them are read");
+    command->footer("Example:\n  kvsig types --readable");
+    command->add_flag("--readable", options->readable, "Only those that are read");
+    command->add_flag("--json", options->json, "Write JSON, for programs");
     command->callback([options, &exitCode] {
         const Json list = typeList(options->readable);
         print(options->json ? list.dump(2) + "\n" : typeTableText(list));

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "kvsig/util/Export.h"
 #include "kvsig/util/Limits.h"
 
 #include <algorithm>
@@ -14,7 +13,7 @@ namespace kvsig {
 /// Storage of raw samples. Fresh memory is zero and costs nothing until it is written: a short
 /// recording whose header claims a huge sampling rate has pages of a gigabyte with a few samples in
 /// them.
-class KVSIG_API PageBuffer {
+class PageBuffer {
   public:
     /// Makes room for `bytes` bytes; what a buffer large enough holds stays in it. False when that
     /// is over maxPageBytes or memory runs out; the buffer is then empty.

@@ -255,7 +255,7 @@ class KVSIG_API DataReader : public IDataReader {
     void report(OpenFinding::Severity severity, const std::string& what);
 
   private:
-    struct State;
+    struct KVSIG_LOCAL State;
 
     void updateMapFlags();
     bool readStoredMap(const char* name);

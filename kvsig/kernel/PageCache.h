@@ -2,7 +2,6 @@
 
 #include "kvsig/kernel/DataPage.h"
 #include "kvsig/kernel/FramePage.h"
-#include "kvsig/util/Export.h"
 
 #include <cstdint>
 #include <deque>
@@ -19,7 +18,7 @@ struct RecordLayout;
 /// Pages hold frames. Where the reader knows the place of every sample in its file, they hold the
 /// records as they are instead, of one channel alone as long as no second one is asked for; at most
 /// `maxPages` of them keep their samples, the others are fetched again when they are asked for.
-class KVSIG_API PageCache {
+class PageCache {
   public:
     struct Found {
         const DataPage* page = nullptr;

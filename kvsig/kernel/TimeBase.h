@@ -1,7 +1,6 @@
 #pragma once
 
 #include "kvsig/kernel/SampleTime.h"
-#include "kvsig/util/Export.h"
 
 #include <vector>
 
@@ -9,7 +8,7 @@ namespace kvsig {
 
 /// The anchors of a recording, in strictly increasing sample order, and the conversions between
 /// elapsed time (seconds from sample 0) and clock time (seconds since midnight) that they define.
-class KVSIG_API TimeBase {
+class TimeBase {
   public:
     TimeBase();
 

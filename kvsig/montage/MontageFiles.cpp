@@ -2,6 +2,7 @@
 
 #include "kvsig/montage/MontageSearch.h"
 #include "kvsig/montage/MontageText.h"
+#include "kvsig/montage/ShippedMontages.h"
 #include "kvsig/montage/names/ReservedNames.h"
 #include "kvsig/util/Limits.h"
 #include "kvsig/util/LogSink.h"
@@ -24,17 +25,19 @@ std::optional<std::string> hostDirectory; // never set: none, and all the other 
 std::string hostFile;
 std::istream* hostStream = nullptr;
 
-enum class Form { templates, sections, byContent };
+enum class Form { templates, sections, byContent, builtIn };
 
-/// A file to look at, or the stream in its place.
+/// A file to look at, or the stream in its place, or what is built in.
 struct Candidate {
     Form form = Form::sections;
     std::string path;
     std::istream* stream = nullptr;
 };
 
+bool isCurrentFolderAlone() { return hostDirectory && hostDirectory->empty(); }
+
 std::vector<std::string> folders() {
-    if (hostDirectory && hostDirectory->empty())
+    if (isCurrentFolderAlone())
         return {""};
     std::vector<std::string> all;
     if (hostDirectory)
@@ -62,6 +65,8 @@ std::vector<Candidate> candidates() {
     if (!hostFile.empty())
         all.push_back({Form::byContent, hostFile});
     add(Form::templates, szINIMontageFileXML);
+    if (!isCurrentFolderAlone())
+        all.push_back({Form::builtIn, "the built-in montages"});
     if (hostStream)
         all.push_back({Form::sections, {}, hostStream});
     else
@@ -70,7 +75,8 @@ std::vector<Candidate> candidates() {
 }
 
 bool isTemplates(const Candidate& file, std::string_view text) {
-    return file.form == Form::templates || (file.form == Form::byContent && isXML(text));
+    return file.form == Form::templates || file.form == Form::builtIn ||
+           (file.form == Form::byContent && isXML(text));
 }
 
 void logUnreadable(const Candidate& file, const std::string& reason) {
@@ -79,6 +85,8 @@ void logUnreadable(const Candidate& file, const std::string& reason) {
 
 // A file that is not there is no fault.
 std::optional<std::string> textOf(const Candidate& file) {
+    if (file.form == Form::builtIn)
+        return std::string(shippedMontages());
     std::error_code ignored;
     if (!fs::exists(file.path, ignored))
         return std::nullopt;

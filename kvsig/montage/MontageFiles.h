@@ -14,6 +14,7 @@
 ///   the current directory
 ///   the user's configuration directory (~/.config/kvsig)
 ///   the directory of what is installed with the library
+///   what is built into the library: the same templates
 ///
 /// The file of SetMontageFile(), whichever form it has, comes before all of them.
 ///

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "kvsig/readers/EdfHeader.h"
-#include "kvsig/util/Export.h"
 
 #include <cstdint>
 #include <string>
@@ -21,6 +20,6 @@ struct Channel {
     std::int32_t digitalMax = 0;
 };
 
-[[nodiscard]] KVSIG_API Channel channelOf(const Header& header, std::int64_t fileSignal);
+[[nodiscard]] Channel channelOf(const Header& header, std::int64_t fileSignal);
 
 } // namespace kvsig::edf

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "kvsig/readers/HeaderBlock.h"
-#include "kvsig/util/Export.h"
 
 #include <cstdint>
 #include <string>
@@ -57,7 +56,7 @@ enum class Kind : std::int32_t { plain = 0, continuous = 1, interrupted = 2 };
 
 /// A header parsed as far as the data layout needs it; the other fields are read when asked for.
 /// A pure value: knows no file and validates nothing. Numbers are 64-bit.
-class KVSIG_API Header {
+class Header {
   public:
     Header() = default;
     explicit Header(HeaderBlock block);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "kvsig/kernel/OpenFinding.h"
-#include "kvsig/util/Export.h"
 
 #include <string>
 #include <vector>
@@ -13,6 +12,6 @@ namespace kvsig::edf {
 /// their declared range, reversed ranges. Reads the whole file, one data record at a time; files
 /// that a reader refuses are looked at as far as their header goes. No finding holds patient data.
 /// `sampleBytes` is 2 (EDF) or 3 (BDF). Empty when the file cannot be opened.
-[[nodiscard]] KVSIG_API std::vector<OpenFinding> inspect(const std::string& path, int sampleBytes);
+[[nodiscard]] std::vector<OpenFinding> inspect(const std::string& path, int sampleBytes);
 
 } // namespace kvsig::edf

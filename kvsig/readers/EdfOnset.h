@@ -1,7 +1,6 @@
 #pragma once
 
 #include "kvsig/readers/EdfHeader.h"
-#include "kvsig/util/Export.h"
 #include "kvsig/util/File.h"
 
 #include <cstdint>
@@ -14,7 +13,7 @@ namespace kvsig::edf {
 /// The time-keeping onset of a data record: the annotation signal's bytes in the record begin with
 /// "+<seconds>" or "-<seconds>" and a byte 0x14. In seconds from the start time of the header;
 /// empty when the bytes do not begin so.
-[[nodiscard]] KVSIG_API std::optional<double> recordOnset(std::string_view annotationBytes);
+[[nodiscard]] std::optional<double> recordOnset(std::string_view annotationBytes);
 
 /// To the microsecond: "2907 s".
 [[nodiscard]] std::string secondsText(double seconds);

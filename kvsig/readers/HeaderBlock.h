@@ -1,6 +1,5 @@
 #pragma once
 
-#include "kvsig/util/Export.h"
 #include "kvsig/util/File.h"
 
 #include <cstddef>
@@ -14,7 +13,7 @@ namespace kvsig {
 
 /// A stretch of a file, most often its start, held in memory. What the file does not hold reads as
 /// zeros.
-class KVSIG_API HeaderBlock {
+class HeaderBlock {
   public:
     HeaderBlock() = default;
     explicit HeaderBlock(std::vector<std::byte> bytes) : m_bytes(std::move(bytes)) {}
@@ -32,9 +31,9 @@ class KVSIG_API HeaderBlock {
 
 /// The text of a fixed-width field: `width` bytes at `offset`, up to the first NUL, without
 /// trailing blanks. Bytes that the block does not hold count as NUL. A view lies in the block.
-[[nodiscard]] KVSIG_API std::string_view viewHeaderField(const HeaderBlock& header,
-                                                         std::int64_t offset, int width);
-[[nodiscard]] KVSIG_API std::string readHeaderField(const HeaderBlock& header, std::int64_t offset,
-                                                    int width);
+[[nodiscard]] std::string_view viewHeaderField(const HeaderBlock& header, std::int64_t offset,
+                                               int width);
+[[nodiscard]] std::string readHeaderField(const HeaderBlock& header, std::int64_t offset,
+                                          int width);
 
 } // namespace kvsig

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "kvsig/kernel/RecordLayout.h"
-#include "kvsig/util/Export.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -13,12 +12,11 @@ namespace kvsig {
 
 /// Little-endian 16-bit samples. Writes `points` frames of channels.size() values. A channel with
 /// fewer samples than `points` is stretched by repetition, without interpolation.
-KVSIG_API void demuxRecord16(std::span<const std::byte> record,
-                             std::span<const RecordChannel> channels, std::int64_t points,
-                             std::int16_t* frames);
+void demuxRecord16(std::span<const std::byte> record, std::span<const RecordChannel> channels,
+                   std::int64_t points, std::int16_t* frames);
 
 /// Little-endian 24-bit samples, `channels` runs of `points` samples from the record's first byte.
-KVSIG_API void demuxRecord24(std::span<const std::byte> record, std::int64_t channels,
-                             std::int64_t points, std::int32_t* frames);
+void demuxRecord24(std::span<const std::byte> record, std::int64_t channels, std::int64_t points,
+                   std::int32_t* frames);
 
 } // namespace kvsig

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "kvsig/util/Export.h"
-
 #include <string_view>
 
 namespace kvsig {
@@ -9,6 +7,6 @@ namespace kvsig {
 /// Whether a file name fits one of the patterns of a file dialog, which ';' separates: '*' stands
 /// for any characters, '?' for one, a final '.' for a name without an ending. ASCII letter case is
 /// ignored.
-[[nodiscard]] KVSIG_API bool fitsFilePattern(std::string_view fileName, std::string_view patterns);
+[[nodiscard]] bool fitsFilePattern(std::string_view fileName, std::string_view patterns);
 
 } // namespace kvsig

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "kvsig/util/Export.h"
-
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -10,7 +8,7 @@ namespace kvsig {
 
 /// The bytes of a small regular file (UTF-8 path). Empty, with `reason` if given, when it cannot be
 /// opened or read whole or is longer than `mostBytes`.
-[[nodiscard]] KVSIG_API std::optional<std::string>
-readTextFile(const char* path, std::size_t mostBytes, std::string* reason = nullptr);
+[[nodiscard]] std::optional<std::string> readTextFile(const char* path, std::size_t mostBytes,
+                                                      std::string* reason = nullptr);
 
 } // namespace kvsig

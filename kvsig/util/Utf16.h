@@ -1,7 +1,5 @@
 #pragma once
 
-#include "kvsig/util/Export.h"
-
 #include <cstddef>
 #include <span>
 #include <string>
@@ -10,6 +8,6 @@ namespace kvsig {
 
 /// UTF-16, little-endian, as UTF-8, up to the first NUL. Half a pair of surrogates becomes U+FFFD,
 /// an odd last byte is left out.
-[[nodiscard]] KVSIG_API std::string textOfUtf16(std::span<const std::byte> bytes);
+[[nodiscard]] std::string textOfUtf16(std::span<const std::byte> bytes);
 
 } // namespace kvsig

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "kvsig/util/Export.h"
-
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -18,7 +16,7 @@ namespace kvsig {
 /// document types and entity definitions are never read; documents of more than mostXmlBytes or
 /// nested deeper than mostXmlDepth (Limits.h) are refused. One object is used from one thread at a
 /// time.
-class KVSIG_API XmlReader {
+class XmlReader {
   public:
     XmlReader();
     ~XmlReader();

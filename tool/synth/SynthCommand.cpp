@@ -131,7 +131,10 @@ int run(const SynthArguments& arguments) {
 
 void addSynthCommand(CLI::App& app, int& exitCode) {
     CLI::App* command =
-        app.add_subcommand("synth", "Write a believable EEG, the same for the same options.");
+        app.add_subcommand("synth", "Make a believable recording, the same for the same options");
+    command->footer("Examples:\n"
+                    "  kvsig synth -o night.edf\n"
+                    "  kvsig synth -o sleep.bdf --duration 0:10:00 --rate 512 --mains 50");
     const auto arguments = std::make_shared<SynthArguments>();
     SynthOptions& options = arguments->options;
 

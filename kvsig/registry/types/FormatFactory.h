@@ -2,12 +2,11 @@
 
 #include "kvsig/registry/types/DRFactory.h"
 #include "kvsig/registry/types/TypeTable.h"
-#include "kvsig/util/Export.h"
 
 namespace kvsig {
 
 /// The record of a format that is not built into the registry: its reader comes from create().
-class KVSIG_API FormatFactory : public DRFactory {
+class FormatFactory : public DRFactory {
   public:
     explicit FormatFactory(const TypeRow& row);
     /// The record of the row of that name, which must stand in the type table.

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "kvsig/registry/types/ReaderType.h"
-#include "kvsig/util/Export.h"
 
 #include <span>
 
@@ -18,6 +17,6 @@ struct TypeRow {
 };
 
 /// All formats in registration order: the built-in rows, then the factories'.
-[[nodiscard]] KVSIG_API std::span<const TypeRow> typeTable();
+[[nodiscard]] std::span<const TypeRow> typeTable();
 
 } // namespace kvsig
