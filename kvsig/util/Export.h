@@ -1,7 +1,7 @@
 #pragma once
 
-/// KVSIG_API marks what the shared library exports; everything else is hidden. KVSIG_LOCAL hides what
-/// lies inside something exported.
+/// KVSIG_API marks what the shared library exports; everything else is hidden. KVSIG_LOCAL hides
+/// what lies inside something exported.
 #if defined(_WIN32)
 #define KVSIG_LOCAL
 #if defined(KVSIG_BUILDING)

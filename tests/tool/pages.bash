@@ -36,6 +36,7 @@ if command -v zsh >/dev/null; then
 fi
 
 # What bash offers for the last of the words.
+# shellcheck source=/dev/null
 source "$pages/kvsig.bash"
 offered() {
   COMP_WORDS=("$@")
