@@ -11,6 +11,7 @@
 #include "kvsig/readers/RecordDemux.h"
 #include "kvsig/readers/TelefactorEDFReader.h"
 #include "kvsig/util/File.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/LogSink.h"
 #include "kvsig/util/NumberText.h"
 #include "kvsig/util/Saturate.h"
@@ -34,6 +35,7 @@ constexpr std::uint32_t edfMiscFlags = 8;
 constexpr short microvoltType = 1;
 constexpr short otherUnitType = 100;
 constexpr long fewestSamples = 3;
+constexpr std::int64_t mostTold = 20; ///< findings of one kind
 
 using Severity = OpenFinding::Severity;
 
@@ -252,11 +254,13 @@ void EDF90Reader::reportOddNumbers() {
              header.fileSignals());
     if (!isRead(header.view(edf::headerLength), header.dataOffset()))
         tell(headerLengthText(header), header.dataOffset());
+    std::int64_t odd = 0;
     for (std::int64_t i = 0; i < header.fileSignals(); ++i) {
         const std::int64_t samples = header.signalSamples()[static_cast<std::size_t>(i)];
-        if (!isRead(header.view(edf::samplesPerRecord, i), samples))
+        if (!isRead(header.view(edf::samplesPerRecord, i), samples) && ++odd <= mostTold)
             tell(samplesText(header, i), samples);
     }
+    reportMore(Severity::warning, odd, "are no numbers");
 }
 
 // What is no time still counts as one, overflowing hours and minutes included; clock times and the
@@ -275,7 +279,6 @@ void EDF90Reader::reportOddStart() {
 
 void EDF90Reader::reportOddTiming() {
     constexpr double secondsPerYear = 31557600.0;
-    constexpr double fastestRate = 1e7; // hertz; no polygraph comes near
     const edf::Header& header = m_edf->header;
     const double rate = samplingRate();
     const std::string duration = fieldText("duration of a data record", edf::recordDuration.offset,
@@ -284,7 +287,7 @@ void EDF90Reader::reportOddTiming() {
         report(Severity::unusable, duration + ", which gives no sampling rate");
     else if (header.duration() > secondsPerYear)
         report(Severity::unusable, duration + " seconds, more than a year");
-    else if (rate > fastestRate)
+    else if (rate > fastestSamplingRate)
         report(Severity::unusable,
                duration + ", which gives a sampling rate of " + shortestText(rate) + " Hz");
 }
@@ -305,9 +308,18 @@ void EDF90Reader::reportOddSizes() {
                "a data record of " + std::to_string(recordBytes) + " bytes gives " +
                    std::to_string(frameBytes) +
                    " bytes at the common rate: " + samplesText(header, largestSignal(header)));
+    std::int64_t empty = 0;
     for (std::int64_t i = 0; i < header.fileSignals(); ++i)
-        if (header.signalSamples()[static_cast<std::size_t>(i)] < 1)
+        if (header.signalSamples()[static_cast<std::size_t>(i)] < 1 && ++empty <= mostTold)
             report(Severity::unusable, samplesText(header, i) + ", at least 1 is needed");
+    reportMore(Severity::unusable, empty, "are below 1");
+}
+
+// A cut header makes thousands of signals odd in the same way.
+void EDF90Reader::reportMore(Severity severity, std::int64_t found, const char* what) {
+    if (found > mostTold)
+        report(severity, "samples per record of " + std::to_string(found - mostTold) +
+                             " more signals " + what);
 }
 
 // What was recorded with gaps is shown without them. The ends of the file tell; where the gaps are

@@ -81,6 +81,7 @@ class KVSIG_API EDF90Reader : public DataReader {
     void reportOddStart();
     void reportOddTiming();
     void reportOddSizes();
+    void reportMore(OpenFinding::Severity severity, std::int64_t found, const char* what);
     void reportOddOnsets();
     void reportOddCalibrations();
     bool refuseHeader(const edf::Header& fixedPart);

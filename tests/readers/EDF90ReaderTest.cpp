@@ -142,6 +142,16 @@ TEST(EDF90Reader, TheFastestChannelGivesTheRateAndSlowerOnesAreRepeated) {
         EXPECT_EQ(slow[i], file.sample(1, static_cast<std::int64_t>(i) / 8 * 3 + third[i % 8]));
 }
 
+// A header that claims thousands of signals must not cost thousands of sentences.
+TEST(EDF90Reader, TheSameOddityOfManySignalsIsToldInShort) {
+    Edf reader(oneSignal().poke(252, "9999").truncate(300));
+    EXPECT_FALSE(reader.isOpen);
+    EXPECT_LT(reader.openFindings().size(), 60U);
+    EXPECT_THAT(reader.openFindings(),
+                testing::Contains(testing::Field(
+                    &OpenFinding::text, testing::HasSubstr("9979 more signals are below 1"))));
+}
+
 TEST(EDF90Reader, TheFileLengthGivesTheNumberOfRecords) {
     const struct {
         std::size_t cut; // bytes off the end of five records of 8 bytes
