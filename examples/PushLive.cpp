@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iostream>
 #include <sstream>
+#include <string>
 #include <vector>
 
 constexpr int rate = 200;             // hertz
@@ -28,9 +29,9 @@ std::vector<short> deliver(long page) {
     return frames;
 }
 
-int main(int argc, char** argv) {
+int main() {
     // The file gives the recording its length; its samples come from the program.
-    const std::string file = argc > 1 ? argv[1] : "live.raw";
+    const std::string file = std::filesystem::temp_directory_path() / "kvsig_live.raw";
     std::ofstream(file).close();
     std::filesystem::resize_file(file, std::uintmax_t{4} * pages * pageSamples);
 

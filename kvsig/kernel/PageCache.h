@@ -63,7 +63,7 @@ class PageCache {
     FrameLayout m_layout;
     bool m_lengthsDiffer = false; ///< of the pages held, which may then overlap
     std::uint64_t m_clock = 0;
-    int m_pagesToKeep = 1;             ///< that keep their samples, at least
+    int m_pagesToKeep = 3; ///< with samples; a window of two pages' length touches so many
     int m_pagesAlone = pagesOfAWindow; ///< begun since a second channel was last asked for
 };
 
