@@ -66,6 +66,7 @@ class FewDescriptors {
     rlimit m_before{};
 };
 
+// Not under UndefinedBehaviorSanitizer, which needs descriptors of its own to look at memory.
 TEST(ManyReaders, WithoutDescriptorsAReaderIsRefusedAndTheOthersReadOn) {
     const test::TempDir dir;
     const std::string path = dir.write("a.edf", recordingOf(7));
