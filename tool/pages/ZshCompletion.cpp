@@ -8,7 +8,7 @@
 namespace kvsig::tool {
 namespace {
 
-// Within single quotes and, with `special`, within a specification.
+// Within single quotes and, with `special`, within what zsh reads of an option.
 std::string quoted(std::string_view text, std::string_view special) {
     std::string out;
     for (const char c : text) {
@@ -38,7 +38,7 @@ std::string actionFor(const OptionRow& row) {
 }
 
 // '(-o --output)'{-o,--output}'[what it does]:PATH:_files'
-std::string specification(const OptionRow& row) {
+std::string optionEntry(const OptionRow& row) {
     if (row.names.empty())
         return std::string(row.repeated ? "'*" : "'") + ":" + quoted(row.value, ":") + ":_files'";
     const bool one = row.names.size() == 1;
@@ -53,7 +53,7 @@ std::string specification(const OptionRow& row) {
 std::string argumentCase(const CommandRow& command) {
     std::string text = "        " + command.name + ")\n            _arguments";
     for (const OptionRow& row : command.options)
-        text += " \\\n                " + specification(row);
+        text += " \\\n                " + optionEntry(row);
     return text + " ;;\n";
 }
 
@@ -68,7 +68,7 @@ std::string zshCompletion(const CLI::App& app, std::string pattern) {
     }
     std::string options;
     for (const OptionRow& row : optionTable(app))
-        options += "        " + specification(row) + " \\\n";
+        options += "        " + optionEntry(row) + " \\\n";
     fill(pattern, "@COMMANDS@\n", commands);
     fill(pattern, "@OPTIONS@\n", options);
     fill(pattern, "@ARGUMENTS@\n", arguments);
