@@ -27,11 +27,9 @@ std::string_view viewHeaderField(const HeaderBlock& header, std::int64_t offset,
     const char* const text =
         static_cast<const char*>(static_cast<const void*>(bytes.data())) + begin;
     const std::size_t held = std::min(static_cast<std::size_t>(width), bytes.size() - begin);
-    std::size_t length = 0;
-    for (std::size_t i = 0; i < held && text[i] != '\0'; ++i)
-        if (text[i] != ' ')
-            length = i + 1;
-    return {text, length};
+    const std::string_view field(text, held);
+    const std::string_view ended = field.substr(0, field.find('\0'));
+    return ended.substr(0, ended.find_last_not_of(' ') + 1);
 }
 
 std::string readHeaderField(const HeaderBlock& header, std::int64_t offset, int width) {
