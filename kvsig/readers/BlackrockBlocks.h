@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kvsig/util/File.h"
+#include "kvsig/readers/HeaderFile.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -40,6 +40,6 @@ struct BlockScan {
 };
 
 /// Walks the blocks of a file to its end, or to where it is damaged.
-[[nodiscard]] BlockScan scanBlocks(const File& file, const BlockLayout& layout);
+[[nodiscard]] BlockScan scanBlocks(const HeaderFile& file, const BlockLayout& layout);
 
 } // namespace kvsig::blackrock

@@ -1,6 +1,5 @@
 #include "kvsig/readers/BlackrockEvents.h"
 
-#include "kvsig/util/File.h"
 #include "kvsig/util/Utf16.h"
 
 #include <algorithm>
@@ -62,11 +61,8 @@ CalendarTime startAt(const HeaderBlock& header, std::int64_t offset) {
     return {number(0), number(1), number(3), number(4), number(5), number(6) + number(7) / 1000.0};
 }
 
-std::optional<EventHeader> readEventHeader(const char* path, std::string& reason) {
-    File file;
-    if (!file.open(path, &reason))
-        return std::nullopt;
-    const HeaderBlock head = HeaderBlock::readFrom(file, extensionsOffset);
+std::optional<EventHeader> readEventHeader(const HeaderFile& file, std::string& reason) {
+    const HeaderBlock head = file.read("header", 0, extensionsOffset);
     const std::string id = valueOf(head, fileId);
     const std::int64_t extensions = valueOf(head, extensionCount);
     EventHeader header;
@@ -75,7 +71,9 @@ std::optional<EventHeader> readEventHeader(const char* path, std::string& reason
     header.packetBytes = valueOf(head, packetSize);
     header.ticksPerSecond = valueOf(head, ticks);
     header.start = startAt(head, startOffset);
-    reason.clear();
+    reason = file.fault();
+    if (!reason.empty())
+        return std::nullopt;
     if (id != "NEURALEV" && !header.wideStamps)
         reason = "its first 8 bytes are no id of an event file";
     else if (extensionsOffset + extensions * extensionBytes > header.headerBytes)
@@ -90,7 +88,9 @@ std::optional<EventHeader> readEventHeader(const char* path, std::string& reason
     if (!reason.empty())
         return std::nullopt;
     const HeaderBlock all =
-        HeaderBlock::readFrom(file, extensionsOffset, extensions * extensionBytes);
+        file.read("list of extended headers", extensionsOffset, extensions * extensionBytes);
+    if (reason = file.fault(); !reason.empty())
+        return std::nullopt;
     for (std::int64_t i = 0; i < extensions; ++i) {
         const std::int64_t base = i * extensionBytes;
         const std::string kind = valueOf(all, extensionId, base);
@@ -105,15 +105,10 @@ std::optional<EventHeader> readEventHeader(const char* path, std::string& reason
     return header;
 }
 
-void forEachEvent(const char* path,
+void forEachEvent(const HeaderFile& file, const EventHeader& header,
                   const std::function<bool(double seconds, const std::string& text)>& take) {
-    std::string reason;
-    const auto header = readEventHeader(path, reason);
-    File file;
-    if (!header || !file.open(path))
-        return;
-    const std::int64_t stampBytes = header->wideStamps ? 8 : 4;
-    const std::int64_t batch = longestPacket / header->packetBytes * header->packetBytes;
+    const std::int64_t stampBytes = header.wideStamps ? 8 : 4;
+    const std::int64_t batch = longestPacket / header.packetBytes * header.packetBytes;
     double commentSeconds = 0.0;
     std::string comment; // until it is clear that no packet continues it
     const auto flush = [&] {
@@ -121,26 +116,29 @@ void forEachEvent(const char* path,
         text.erase(text.find_last_not_of(' ') + 1);
         return text.empty() || take(commentSeconds, text);
     };
-    for (std::int64_t offset = header->headerBytes; offset < file.size(); offset += batch) {
-        const HeaderBlock packets = HeaderBlock::readFrom(file, offset, batch);
+    for (std::int64_t offset = header.headerBytes; offset < file.size() && file.fault().empty();
+         offset += batch) {
+        const HeaderBlock packets = file.read("packets", offset, batch);
         const auto held = static_cast<std::int64_t>(packets.bytes().size());
-        for (std::int64_t at = 0; at + header->packetBytes <= held; at += header->packetBytes) {
+        for (std::int64_t at = 0; at + header.packetBytes <= held; at += header.packetBytes) {
             const std::int64_t body = at + stampBytes;
             const std::uint64_t stamp =
-                header->wideStamps ? valueOf(packets, NumberField<std::uint64_t>{"", 0}, at)
-                                   : valueOf(packets, NumberField<std::uint32_t>{"", 0}, at);
-            const std::uint64_t continued = header->wideStamps ? ~std::uint64_t{0} : 0xFFFFFFFFU;
+                header.wideStamps ? valueOf(packets, NumberField<std::uint64_t>{"", 0}, at)
+                                  : valueOf(packets, NumberField<std::uint32_t>{"", 0}, at);
+            // Wide stamps may have kept what stands for one in narrow ones.
+            const bool continued =
+                stamp == 0xFFFFFFFFU || (header.wideStamps && stamp == ~std::uint64_t{0});
             const std::uint16_t id = valueOf(packets, packetId, body);
-            const double seconds = static_cast<double>(stamp) / header->ticksPerSecond;
+            const double seconds = static_cast<double>(stamp) / header.ticksPerSecond;
             if (id == commentPacket) {
-                if (stamp != continued && !flush())
+                if (!continued && !flush())
                     return;
-                const std::int64_t text = std::min(body + commentOffset, at + header->packetBytes);
+                const std::int64_t text = std::min(body + commentOffset, at + header.packetBytes);
                 const auto bytes =
                     std::span(packets.bytes())
                         .subspan(static_cast<std::size_t>(text),
-                                 static_cast<std::size_t>(at + header->packetBytes - text));
-                if (stamp != continued)
+                                 static_cast<std::size_t>(at + header.packetBytes - text));
+                if (!continued)
                     commentSeconds = seconds;
                 constexpr std::size_t longestComment = 4096;
                 if (comment.size() < longestComment)

@@ -2,6 +2,7 @@
 
 #include "kvsig/readers/CalendarTime.h"
 #include "kvsig/readers/HeaderFields.h"
+#include "kvsig/readers/HeaderFile.h"
 
 #include <cstdint>
 #include <functional>
@@ -26,11 +27,12 @@ struct EventHeader {
 };
 
 /// The header of the file; nothing, with `reason` in words, when it is no sound event file.
-[[nodiscard]] std::optional<EventHeader> readEventHeader(const char* path, std::string& reason);
+[[nodiscard]] std::optional<EventHeader> readEventHeader(const HeaderFile& file,
+                                                         std::string& reason);
 
 /// Hands out the digital and text events in file order, each with its time in seconds by the
 /// recorder's clock, until `take` returns false. Spikes and the rest are passed over.
-void forEachEvent(const char* path,
+void forEachEvent(const HeaderFile& file, const EventHeader& header,
                   const std::function<bool(double seconds, const std::string& text)>& take);
 
 } // namespace kvsig::blackrock

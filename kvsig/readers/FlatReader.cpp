@@ -59,7 +59,10 @@ bool FlatReader::openFile() {
     *m_flat = State();
     forgetSamples();
     setChannelCount(0);
-    if (describe(m_flat->recording) && accept())
+    const bool described = describe(m_flat->recording);
+    // Of headers that did not arrive nothing is believed, whatever was made of them.
+    const std::string fault = m_flat->recording.samples.takeFault();
+    if (fault.empty() ? described && accept() : refuse(2, fault))
         return true;
     *m_flat = State();
     return false;
@@ -165,6 +168,8 @@ bool FlatReader::getPatientRec() {
 int FlatReader::readEvents(std::deque<ClientEvent>& events) {
     std::vector<FlatEvent> listed;
     listEvents(listed);
+    if (const std::string fault = m_flat->recording.samples.takeFault(); !fault.empty())
+        logMessage(logWarning, filePath() + ": events are left out: " + fault);
     if (listed.size() >= mostFlatEvents)
         logMessage(logWarning, filePath() + ": it has more than " + std::to_string(mostFlatEvents) +
                                    " events, the rest is left out");

@@ -3,7 +3,7 @@
 #include "kvsig/kernel/PatientRec.h"
 #include "kvsig/readers/CalendarTime.h"
 #include "kvsig/readers/FlatDecode.h"
-#include "kvsig/util/File.h"
+#include "kvsig/readers/HeaderFile.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -79,8 +79,8 @@ struct FlatSegment {
 
 /// What a format hands over.
 struct FlatRecording {
-    File samples;      ///< the file that holds them; need not be the one that was opened
-    double rate = 0.0; ///< hertz, that of the fastest channel
+    HeaderFile samples; ///< the file that holds them; need not be the one that was opened
+    double rate = 0.0;  ///< hertz, that of the fastest channel
     std::vector<FlatTrack> tracks;
     std::vector<FlatChannel> channels;
     std::vector<FlatSegment> segments;

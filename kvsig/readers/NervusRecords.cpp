@@ -5,7 +5,6 @@
 #include "kvsig/util/Text.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <utility>
 
@@ -74,18 +73,12 @@ CalendarTime momentOf(double days) {
         day += 1;
         second = 0.0;
     }
-    const std::chrono::sys_days date{std::chrono::days{saturate<int>(day - epochDay)}};
-    const std::chrono::year_month_day parts{date};
-    const auto minutes = saturate<int>(second / 60.0);
-    return {static_cast<int>(parts.year()),
-            static_cast<int>(static_cast<unsigned>(parts.month())),
-            static_cast<int>(static_cast<unsigned>(parts.day())),
-            minutes / 60,
-            minutes % 60,
-            std::max(0.0, std::round((second - 60.0 * minutes) * ticks) / ticks)};
+    CalendarTime moment = CalendarTime::onDay(saturate<std::int64_t>(day - epochDay), second);
+    moment.second = std::max(0.0, std::round(moment.second * ticks) / ticks);
+    return moment;
 }
 
-std::string readPatient(const File& file, const Container& container, PatientRec& patient) {
+std::string readPatient(const HeaderFile& file, const Container& container, PatientRec& patient) {
     const Section& section = container.section(patientTag);
     if (section.length == 0)
         return {};
@@ -125,10 +118,10 @@ std::string readPatient(const File& file, const Container& container, PatientRec
     return {};
 }
 
-void forEachEvent(const File& file, const Container& container,
+void forEachEvent(const HeaderFile& file, const Container& container,
                   const std::function<bool(const Happening&)>& take) {
     const Section& section = container.section(eventTag);
-    for (std::int64_t at = 0; at < section.length;) {
+    for (std::int64_t at = 0; at < section.length && file.fault().empty();) {
         const HeaderBlock head = section.read(file, at, event::headBytes);
         const std::uint64_t said = valueOf(head, event::length);
         if (guidAt(head, event::mark) != event::markGuid || said < event::headBytes ||

@@ -53,12 +53,12 @@ std::string eventText(const HeaderBlock& block, std::int64_t base) {
 
 } // namespace
 
-EventTable readTable(const File& file, const TablePlace& place) {
+EventTable readTable(const HeaderFile& file, const TablePlace& place) {
     EventTable table;
     const std::int64_t size = file.size();
     if (place.offset >= size)
         return table;
-    const HeaderBlock head = HeaderBlock::readFrom(file, place.offset, tableHead);
+    const HeaderBlock head = file.read("event table", place.offset, tableHead);
     const int type = valueOf(head, tableType);
     if (type < 1 || type > 3) {
         table.oddities.push_back(sentenceOf(head, tableType, 0, place.offset) +
@@ -83,8 +83,8 @@ EventTable readTable(const File& file, const TablePlace& place) {
     for (std::int64_t done = 0; done < count && table.events.size() < mostFlatEvents;
          done += batch) {
         const std::int64_t part = std::min(batch, count - done);
-        const HeaderBlock records = HeaderBlock::readFrom(
-            file, place.offset + tableHead + done * recordBytes, part * recordBytes);
+        const HeaderBlock records = file.read(
+            "list of events", place.offset + tableHead + done * recordBytes, part * recordBytes);
         for (std::int64_t base = 0; base < part * recordBytes; base += recordBytes) {
             const std::int64_t at = valueOf(records, eventPlace, base);
             const std::int64_t sample = type == 3         ? at

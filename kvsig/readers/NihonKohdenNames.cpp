@@ -1,7 +1,5 @@
 #include "kvsig/readers/NihonKohdenNames.h"
 
-#include "kvsig/readers/HeaderBlock.h"
-#include "kvsig/util/File.h"
 #include "kvsig/util/NumberText.h"
 #include "kvsig/util/Text.h"
 
@@ -64,11 +62,8 @@ std::string_view trimmed(std::string_view text) {
 bool isMillivoltCode(int code) { return within(code, dcInputs) || within(code, markInputs); }
 
 // Lines "NNNN=name", NNNN the decimal code; of several for a code the first counts.
-bool InputNames::read(const char* path) {
-    File file;
-    if (!file.open(path))
-        return false;
-    const HeaderBlock block = HeaderBlock::readFrom(file, mostBytes);
+bool InputNames::read(const HeaderFile& file) {
+    const HeaderBlock block = file.read("text", 0, mostBytes);
     std::string text;
     for (const std::byte byte : block.bytes())
         text.push_back(static_cast<char>(byte));
