@@ -24,6 +24,8 @@ std::vector<test::ReaderRow> readerRows() {
 
 std::string inputOf(const test::SampleRecording& file, std::size_t length) {
     std::vector<InputFile> files{{"", file.bytes.substr(0, length)}};
+    for (const auto& [name, bytes] : file.companions)
+        files.push_back({name, bytes});
     if (!file.attributes.empty())
         files.push_back({std::string(attributesName), file.attributes});
     return joinInput(files);
