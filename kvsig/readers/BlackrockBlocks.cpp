@@ -2,6 +2,7 @@
 
 #include "kvsig/readers/FlatRecording.h"
 #include "kvsig/readers/HeaderFields.h"
+#include "kvsig/util/Limits.h"
 
 #include <algorithm>
 #include <optional>
@@ -89,7 +90,7 @@ BlockScan scanBlocks(const HeaderFile& file, const BlockLayout& layout) {
     std::size_t runsBeforeOpen = 0;
     bool broken = false;
     for (std::int64_t offset = layout.offset;
-         offset < size && scan.runs.size() <= mostRuns && file.fault().empty();) {
+         offset < size && scan.runs.size() <= mostBlockRuns && file.fault().empty();) {
         const std::int64_t data = offset + layout.headBytes();
         if (data > size) {
             scan.oddities.push_back("its last " + std::to_string(size - offset) +
@@ -134,7 +135,7 @@ BlockScan scanBlocks(const HeaderFile& file, const BlockLayout& layout) {
     // A recording that was never closed has no count in its last block. When blocks can be walked
     // from there to the very end of the file, it was an empty one.
     const std::int64_t data = open->offset + layout.headBytes();
-    if (scan.runs.size() > mostRuns)
+    if (scan.runs.size() > mostBlockRuns)
         return scan;
     const bool empty = !broken && scan.runs.size() > runsBeforeOpen;
     if (empty || data == size)

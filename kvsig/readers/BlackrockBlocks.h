@@ -30,10 +30,7 @@ struct Run {
     std::uint64_t lastStamp = 0; ///< of the last block
 };
 
-/// Runs that are read; no recording comes near, and a hostile one must not fill the memory.
-inline constexpr std::size_t mostRuns = std::size_t{1} << 20;
-
-/// Ends early when there are more than mostRuns.
+/// Ends early when there are more than mostBlockRuns.
 struct BlockScan {
     std::vector<Run> runs;
     std::vector<std::string> oddities; ///< one sentence each

@@ -1,5 +1,7 @@
 #include "kvsig/readers/BlackrockEvents.h"
 
+#include "kvsig/readers/BlackrockLayout.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/Utf16.h"
 
 #include <algorithm>
@@ -10,7 +12,6 @@
 namespace kvsig::blackrock {
 namespace {
 
-constexpr TextField fileId{"file id", 0, 8};
 constexpr NumberField<std::uint32_t> headerSize{"number of header bytes", 12};
 constexpr NumberField<std::uint32_t> packetSize{"bytes of a packet", 16};
 constexpr NumberField<std::uint32_t> ticks{"clock ticks per second", 20};
@@ -39,7 +40,6 @@ constexpr std::uint16_t commentPacket = 0xFFFF;
 constexpr std::uint8_t utf16Charset = 1;
 
 constexpr std::int64_t shortestPacket = 12;
-constexpr std::int64_t longestPacket = std::int64_t{1} << 20;
 
 // Up to the first NUL: anonymised files have stray bytes behind it.
 std::string commentText(std::span<const std::byte> bytes, std::uint8_t set) {
@@ -53,20 +53,12 @@ std::string commentText(std::span<const std::byte> bytes, std::uint8_t set) {
 
 } // namespace
 
-CalendarTime startAt(const HeaderBlock& header, std::int64_t offset) {
-    const auto number = [&](int index) {
-        return static_cast<int>(
-            valueOf(header, NumberField<std::uint16_t>{"start", 2 * index}, offset));
-    };
-    return {number(0), number(1), number(3), number(4), number(5), number(6) + number(7) / 1000.0};
-}
-
 std::optional<EventHeader> readEventHeader(const HeaderFile& file, std::string& reason) {
     const HeaderBlock head = file.read("header", 0, extensionsOffset);
     const std::string id = valueOf(head, fileId);
     const std::int64_t extensions = valueOf(head, extensionCount);
     EventHeader header;
-    header.wideStamps = id == "BREVENTS";
+    header.wideStamps = id == wideEventId;
     header.headerBytes = valueOf(head, headerSize);
     header.packetBytes = valueOf(head, packetSize);
     header.ticksPerSecond = valueOf(head, ticks);
@@ -74,14 +66,14 @@ std::optional<EventHeader> readEventHeader(const HeaderFile& file, std::string& 
     reason = file.fault();
     if (!reason.empty())
         return std::nullopt;
-    if (id != "NEURALEV" && !header.wideStamps)
+    if (id != eventId && !header.wideStamps)
         reason = "its first 8 bytes are no id of an event file";
     else if (extensionsOffset + extensions * extensionBytes > header.headerBytes)
         reason = sentenceOf(head, extensionCount) + ", more than fit in its " +
                  std::to_string(header.headerBytes) + " header bytes";
     else if (header.headerBytes > file.size())
         reason = sentenceOf(head, headerSize) + ", the file has " + std::to_string(file.size());
-    else if (header.packetBytes < shortestPacket || header.packetBytes > longestPacket)
+    else if (header.packetBytes < shortestPacket || header.packetBytes > longestEventPacket)
         reason = sentenceOf(head, packetSize);
     else if (!(header.ticksPerSecond > 0))
         reason = sentenceOf(head, ticks);
@@ -108,7 +100,7 @@ std::optional<EventHeader> readEventHeader(const HeaderFile& file, std::string& 
 void forEachEvent(const HeaderFile& file, const EventHeader& header,
                   const std::function<bool(double seconds, const std::string& text)>& take) {
     const std::int64_t stampBytes = header.wideStamps ? 8 : 4;
-    const std::int64_t batch = longestPacket / header.packetBytes * header.packetBytes;
+    const std::int64_t batch = longestEventPacket / header.packetBytes * header.packetBytes;
     double commentSeconds = 0.0;
     std::string comment; // until it is clear that no packet continues it
     const auto flush = [&] {
@@ -140,8 +132,7 @@ void forEachEvent(const HeaderFile& file, const EventHeader& header,
                                  static_cast<std::size_t>(at + header.packetBytes - text));
                 if (!continued)
                     commentSeconds = seconds;
-                constexpr std::size_t longestComment = 4096;
-                if (comment.size() < longestComment)
+                if (std::cmp_less(comment.size(), longestEventText))
                     comment += commentText(bytes, valueOf(packets, charset, body));
             } else if (id == digitalPacket) {
                 if (!flush() ||

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "kvsig/readers/CalendarTime.h"
-#include "kvsig/readers/HeaderFields.h"
 #include "kvsig/readers/HeaderFile.h"
 
 #include <cstdint>
@@ -11,9 +10,6 @@
 #include <string>
 
 namespace kvsig::blackrock {
-
-/// A start time as eight numbers: year, month, day of week, day, hour, minute, second, millisecond.
-[[nodiscard]] CalendarTime startAt(const HeaderBlock& header, std::int64_t offset);
 
 /// The header of an event file (.nev).
 struct EventHeader {

@@ -2,8 +2,10 @@
 
 #include "kvsig/readers/BlackrockBlocks.h"
 #include "kvsig/readers/BlackrockEvents.h"
+#include "kvsig/readers/BlackrockLayout.h"
 #include "kvsig/readers/FlatRecording.h"
 #include "kvsig/readers/HeaderFields.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/LogSink.h"
 #include "kvsig/util/NeighbourFile.h"
 #include "kvsig/util/NumberText.h"
@@ -18,15 +20,10 @@
 namespace kvsig {
 namespace {
 
+using namespace blackrock;
 using Severity = OpenFinding::Severity;
 
-// The three kinds of file by their first 8 bytes.
-constexpr const char* bareId = "NEURALSG";  // 2.1
-constexpr const char* blockId = "NEURALCD"; // 2.2, 2.3
-constexpr const char* wideId = "BRSMPGRP";  // 3.0
-constexpr TextField fileId{"file id", 0, 8};
-
-// NEURALSG: no time, no scale, no blocks.
+// NEURALSG.
 namespace bare {
 constexpr NumberField<std::uint32_t> period{"sampling period", 24};
 constexpr NumberField<std::uint32_t> channelCount{"number of channels", 28};
@@ -61,7 +58,6 @@ constexpr TextField units{"unit", 30, 16};
 
 constexpr double samplesPerSecond = 30000.0;          // of which the period takes every so many
 constexpr std::uint32_t networkTicks = 1'000'000'000; // of a clock that stamps every sample
-constexpr std::int64_t mostChannels = 32767;
 constexpr std::int64_t sampleBytes = 2;
 constexpr double bareMicrovoltsPerBit = 0.25;
 constexpr double secondsPerYear = 31557600.0;
@@ -111,8 +107,8 @@ FlatChannel channelAt(std::int64_t index, std::string name, std::uint32_t electr
 } // namespace
 
 struct CyberkineticsReader::State {
-    std::string eventFile;                        ///< path of the .nev
-    std::optional<blackrock::EventHeader> events; ///< when the .nev belongs to the recording
+    std::string eventFile;             ///< path of the .nev
+    std::optional<EventHeader> events; ///< when the .nev belongs to the recording
     double clockOrigin = 0.0; ///< seconds by the recorder's clock at the start of the recording
 };
 
@@ -139,7 +135,7 @@ bool CyberkineticsReader::describe(FlatRecording& recording) {
     if (isTocName(filePath().c_str()))
         return refuse(3, "Cyberkinetics recordings with a .toc are a variant whose layout is not "
                          "known; .ns1 to .ns9 are read");
-    if (id == "NEURALEV" || id == "BREVENTS")
+    if (id == eventId || id == wideEventId)
         return refuse(3, "this is the event file (.nev) of a Blackrock recording: open the .ns "
                          "file beside it");
     if (recording.samples.size() < fileId.width)
@@ -183,8 +179,7 @@ bool CyberkineticsReader::describeBare(const HeaderBlock& head, FlatRecording& r
             channelAt(i, events ? known(events->labels) : std::string(), electrode);
         const double nanovolts = events ? known(events->nanovoltsPerBit) : 0.0;
         unscaled += nanovolts > 0 ? 0 : 1;
-        calibrate(channel, {"uV", nanovolts > 0 ? nanovolts / 1000.0 : bareMicrovoltsPerBit, 0.0,
-                            channel.integer.least(), channel.integer.greatest()});
+        calibrateMicrovolts(channel, nanovolts > 0 ? nanovolts / 1000.0 : bareMicrovoltsPerBit);
         recording.channels.push_back(std::move(channel));
     }
     if (unscaled > 0)
@@ -239,7 +234,7 @@ bool CyberkineticsReader::describeBlocks(const HeaderBlock& head, FlatRecording&
         if (valueOf(head, field) == 0)
             return refuse(2, sentenceOf(head, field));
     recording.rate = samplesPerSecond / valueOf(head, full::period);
-    recording.start = blackrock::startAt(head, full::startOffset);
+    recording.start = startAt(head, full::startOffset);
     if (!recording.start.hasDate() || !recording.start.hasTime())
         report(Severity::warning, "its start (offset 294) is no date and time");
     copyText(recording.patient.comments1, valueOf(head, full::comment));
@@ -262,20 +257,20 @@ bool CyberkineticsReader::describeBlocks(const HeaderBlock& head, FlatRecording&
 
 bool CyberkineticsReader::findBlocks(const HeaderBlock& head, FlatRecording& recording) {
     const double ticks = valueOf(head, full::ticks);
-    blackrock::BlockLayout layout{valueOf(head, full::headerBytes), valueOf(head, fileId) == wideId,
-                                  static_cast<std::int64_t>(recording.channels.size()), 0};
+    BlockLayout layout{valueOf(head, full::headerBytes), valueOf(head, fileId) == wideId,
+                       static_cast<std::int64_t>(recording.channels.size()), 0};
     if (layout.wideStamps && valueOf(head, full::ticks) == networkTicks)
         layout.longestStep = static_cast<std::uint64_t>(2.0 * ticks / recording.rate);
-    const blackrock::BlockScan scan = blackrock::scanBlocks(recording.samples, layout);
-    if (scan.runs.size() > blackrock::mostRuns)
-        return refuse(3, "more than " + std::to_string(blackrock::mostRuns) +
+    const BlockScan scan = scanBlocks(recording.samples, layout);
+    if (scan.runs.size() > mostBlockRuns)
+        return refuse(3, "more than " + std::to_string(mostBlockRuns) +
                              " data blocks with pauses between them are a variant that is not "
                              "read");
     for (const std::string& oddity : scan.oddities)
         report(Severity::warning, oddity);
 
-    const auto isLong = [](const blackrock::Run& run) { return run.frames > run.blocks; };
-    const auto isStrided = [](const blackrock::Run& run) { return run.blocks > 1; };
+    const auto isLong = [](const Run& run) { return run.frames > run.blocks; };
+    const auto isStrided = [](const Run& run) { return run.blocks > 1; };
     const bool strided = std::any_of(scan.runs.begin(), scan.runs.end(), isStrided);
     if (strided && std::any_of(scan.runs.begin(), scan.runs.end(), isLong))
         return refuse(3, "blocks of one sample each and longer ones in one file are a variant that "
@@ -293,7 +288,7 @@ bool CyberkineticsReader::findBlocks(const HeaderBlock& head, FlatRecording& rec
                                           " s behind the start in the header: the clock is taken "
                                           "to begin with the first sample");
         }
-    for (const blackrock::Run& run : scan.runs) {
+    for (const Run& run : scan.runs) {
         const std::int64_t offset = run.offset + (strided ? 0 : layout.headBytes());
         track.pieces.push_back({offset, run.frames});
         recording.segments.push_back(
@@ -326,7 +321,7 @@ bool CyberkineticsReader::findCompanion(const FlatRecording& recording, bool isN
     std::string reason;
     auto& events = m_state->events;
     if (file.open(m_state->eventFile.c_str(), &reason))
-        events = blackrock::readEventHeader(file, reason);
+        events = readEventHeader(file, reason);
     if (!events) {
         if (isNeeded && !file.fault().empty())
             return refuse(2, "of the .nev beside it: " + reason);
@@ -355,12 +350,11 @@ void CyberkineticsReader::listEvents(std::vector<FlatEvent>& events) {
     std::string reason;
     const double start = recording().start.secondOfDay() - m_state->clockOrigin;
     if (file.open(m_state->eventFile.c_str(), &reason))
-        blackrock::forEachEvent(file, *m_state->events,
-                                [&](double seconds, const std::string& text) {
-                                    if (const auto sample = sampleAt(start + seconds))
-                                        events.push_back({*sample, text, {}, 0.0});
-                                    return events.size() < mostFlatEvents;
-                                });
+        forEachEvent(file, *m_state->events, [&](double seconds, const std::string& text) {
+            if (const auto sample = sampleAt(start + seconds))
+                events.push_back({*sample, text, {}, 0.0});
+            return events.size() < mostEvents;
+        });
     if (reason += file.fault(); !reason.empty())
         logMessage(logWarning, m_state->eventFile + ": events are left out: " + reason);
 }

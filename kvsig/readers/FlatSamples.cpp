@@ -1,5 +1,6 @@
 #include "kvsig/readers/FlatSamples.h"
 
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/NumberText.h"
 #include "kvsig/util/Saturate.h"
 
@@ -13,7 +14,6 @@ namespace kvsig {
 namespace {
 
 constexpr std::int64_t batchBytes = std::int64_t{512} << 10; // what a core's cache holds
-constexpr std::int64_t largestGroup = std::int64_t{64} << 20;
 
 std::size_t at(std::int64_t index) { return static_cast<std::size_t>(index); }
 
@@ -79,7 +79,7 @@ std::string FlatSamples::prepareTrack(const FlatRecording& recording, std::size_
     Track& track = m_tracks[index];
     const std::int64_t size = recording.samples.size();
     if (described.frameBytes < 1 || described.together < 1 ||
-        described.together > largestGroup / described.frameBytes)
+        described.together > mostGroupBytes / described.frameBytes)
         return std::to_string(described.together) + " samples of " +
                std::to_string(described.frameBytes) + " bytes stand together";
     for (const FlatPiece& piece : described.pieces) {

@@ -67,13 +67,13 @@ FlatChannel channelOf(std::int64_t index, int code, std::string name) {
     channel.integer = storedWord;
     channel.grid1 = std::move(name);
     channel.grid2 = "Ref"; // all inputs are recorded against one electrode
-    FlatScale scale{"uV", microvoltsPerBit, zeroWord, storedWord.least(), storedWord.greatest()};
+    calibrateMicrovolts(channel, microvoltsPerBit, zeroWord);
     if (nk::isMillivoltCode(code)) {
-        scale.units = "mV";
-        scale.scale = (millivoltsHigh - millivoltsLow) / static_cast<double>(storedWord.greatest());
-        scale.zero = -millivoltsLow / scale.scale;
+        const double scale =
+            (millivoltsHigh - millivoltsLow) / static_cast<double>(storedWord.greatest());
+        calibrate(channel,
+                  {"mV", scale, -millivoltsLow / scale, storedWord.least(), storedWord.greatest()});
     }
-    calibrate(channel, scale);
     return channel;
 }
 

@@ -1,6 +1,7 @@
 #include "kvsig/readers/NervusChannels.h"
 
 #include "kvsig/readers/NervusLayout.h"
+#include "kvsig/util/Limits.h"
 
 #include <algorithm>
 #include <set>
@@ -9,9 +10,7 @@
 namespace kvsig::nervus {
 namespace {
 
-constexpr std::int64_t mostChannels = 32767;
 constexpr std::int64_t changesAtOnce = 1024;
-constexpr std::size_t mostPackets = 65536;
 
 /// A packet's place in its section.
 struct Place {
@@ -30,8 +29,8 @@ Packet readPacket(const HeaderFile& file, const Section& section, Place place) {
     Packet packet;
     packet.said = valueOf(head, series::channelCount);
     const std::int64_t room = std::min(place.size, section.length - place.offset);
-    const std::int64_t fit =
-        std::min({packet.said, mostChannels, (room - series::channels) / series::channelBytes});
+    const std::int64_t fit = std::min({packet.said, std::int64_t{mostChannels},
+                                       (room - series::channels) / series::channelBytes});
     if (fit < 1)
         return packet;
     const HeaderBlock table =
@@ -70,7 +69,7 @@ std::vector<Place> listedPackets(const HeaderFile& file, const Container& contai
                 places.push_back(
                     {static_cast<std::int64_t>(offset),
                      std::cmp_less(size, length) ? static_cast<std::int64_t>(size) : length});
-            if (places.size() + oddities.size() > mostPackets)
+            if (places.size() + oddities.size() > mostChannelPackets)
                 return places;
         }
     }

@@ -1,6 +1,7 @@
 #include "kvsig/readers/NervusContainer.h"
 
 #include "kvsig/readers/NervusLayout.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/Text.h"
 
 #include <algorithm>
@@ -11,7 +12,6 @@ namespace kvsig::nervus {
 namespace {
 
 constexpr std::int64_t entriesAtOnce = 4096;
-constexpr std::size_t mostBlocks = std::size_t{1} << 20; // of the index, which may be empty
 
 bool isChannelTag(const std::string& name) {
     return !name.empty() && std::all_of(name.begin(), name.end(), isDigit);
@@ -81,7 +81,7 @@ void IndexWalk::run(std::int64_t first, std::int64_t entries) {
         const std::uint64_t count =
             valueOf(m_file.read("index block", at, index::entries), index::count);
         const std::int64_t room = (size - at - index::entries) / index::entryBytes;
-        if (m_visited.size() >= mostBlocks)
+        if (m_visited.size() >= mostIndexBlocks)
             return stop(" is one too many");
         if (std::cmp_greater(count, room))
             return stop(" says " + std::to_string(count) + " entries, there is room for " +

@@ -1,6 +1,7 @@
 #include "kvsig/readers/NervusRecords.h"
 
 #include "kvsig/readers/NervusLayout.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/Saturate.h"
 #include "kvsig/util/Text.h"
 
@@ -15,8 +16,6 @@ constexpr double epochDay = 25569;  // 1970-01-01
 constexpr double lastDay = 2958466; // of the year 9999, exclusive
 constexpr double secondsPerDay = 86400;
 constexpr double ticks = 1e5; // per second; finer than that a date of eight bytes is not
-constexpr std::int64_t mostPatientBytes = std::int64_t{1} << 20;
-constexpr std::int64_t longestText = 1024; // characters; far more than an event shows
 
 struct TextTarget {
     std::uint64_t id;
@@ -50,7 +49,7 @@ std::string joined(const std::string& name, const std::string& text) {
 std::string textOf(const HeaderBlock& packet) {
     const std::uint64_t said = valueOf(packet, event::textLength);
     const std::int64_t units =
-        std::cmp_less(said, longestText) ? static_cast<std::int64_t>(said) : longestText;
+        std::cmp_less(said, longestEventText) ? static_cast<std::int64_t>(said) : longestEventText;
     const std::string text = valueOf(packet, WideField{event::text, units});
     const std::string label = valueOf(packet, event::label);
     const std::string type = guidAt(packet, event::type);
@@ -129,7 +128,7 @@ void forEachEvent(const HeaderFile& file, const Container& container,
             return;
         const auto length = static_cast<std::int64_t>(said);
         const HeaderBlock packet =
-            section.read(file, at, std::min(length, event::text + 2 * longestText));
+            section.read(file, at, std::min(length, event::text + 2 * longestEventText));
         at += length;
         if (length < event::leastBytes)
             continue;

@@ -1,6 +1,7 @@
 #include "kvsig/readers/NeuroscanEvents.h"
 
 #include "kvsig/readers/NeuroscanHeader.h"
+#include "kvsig/util/Limits.h"
 
 #include <algorithm>
 #include <utility>
@@ -80,8 +81,7 @@ EventTable readTable(const HeaderFile& file, const TablePlace& place) {
     const std::int64_t count = std::min(said, room) / recordBytes;
     constexpr std::int64_t batch = 1 << 14;
     std::int64_t pauses = 0, firstPause = 0;
-    for (std::int64_t done = 0; done < count && table.events.size() < mostFlatEvents;
-         done += batch) {
+    for (std::int64_t done = 0; done < count && table.events.size() < mostEvents; done += batch) {
         const std::int64_t part = std::min(batch, count - done);
         const HeaderBlock records = file.read(
             "list of events", place.offset + tableHead + done * recordBytes, part * recordBytes);

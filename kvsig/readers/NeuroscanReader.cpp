@@ -19,7 +19,7 @@ namespace {
 using namespace neuroscan;
 using Severity = OpenFinding::Severity;
 
-constexpr std::int64_t largestGroup = std::int64_t{1} << 20;
+constexpr std::int64_t longBlock = std::int64_t{1} << 20; // bytes of all channels
 
 bool isRiff(const std::string& id) { return id.starts_with("RIFF") || id.starts_with("RF64"); }
 
@@ -195,8 +195,7 @@ void NeuroscanReader::describeChannels(FlatRecording& recording, const Places& p
         const double microvolts = static_cast<double>(valueOf(records, sensitivity, base)) *
                                   static_cast<double>(valueOf(records, calibrationFactor, base)) /
                                   unitsPerMicrovolt;
-        calibrate(channel, {"uV", microvolts, static_cast<double>(valueOf(records, baseline, base)),
-                            channel.integer.least(), channel.integer.greatest()});
+        calibrateMicrovolts(channel, microvolts, valueOf(records, baseline, base));
         if (valueOf(records, bad, base) == 1)
             report(Severity::note, "channel " + std::to_string(i + 1) + " is marked as bad");
         recording.channels.push_back(std::move(channel));
@@ -217,7 +216,7 @@ void NeuroscanReader::describeTracks(const HeaderBlock& header, FlatRecording& r
         places.room -= rest;
         places.frames = std::min(places.frames, places.room);
     }
-    if (together <= std::max(largestGroup / places.frameBytes(), std::int64_t{1})) {
+    if (together <= std::max(longBlock / places.frameBytes(), std::int64_t{1})) {
         recording.tracks.push_back(
             {places.frameBytes(), together, 0.0, {{places.data, places.room}}, {}});
         return;

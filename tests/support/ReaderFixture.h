@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kvsig/kernel/ClientEvent.h"
+#include "support/Bytes.h"
 #include "support/TempDir.h"
 
 #include <cmath>
@@ -12,11 +13,6 @@
 #include <vector>
 
 namespace kvsig::test {
-
-/// The bytes with some of them replaced.
-inline std::string poked(std::string bytes, std::size_t offset, const std::string& by) {
-    return bytes.replace(offset, by.size(), by);
-}
 
 /// A reader of files that are written into a folder of its own.
 template <typename Reader>
