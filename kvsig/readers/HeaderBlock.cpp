@@ -6,16 +6,9 @@
 namespace kvsig {
 
 HeaderBlock HeaderBlock::readFrom(const File& file, std::int64_t length) {
-    return readFrom(file, 0, length);
-}
-
-HeaderBlock HeaderBlock::readFrom(const File& file, std::int64_t offset, std::int64_t length) {
-    const std::int64_t size = file.size();
-    if (offset < 0 || offset >= size)
-        return {};
-    const std::int64_t wanted = std::clamp<std::int64_t>(length, 0, size - offset);
+    const std::int64_t wanted = std::clamp<std::int64_t>(length, 0, file.size());
     std::vector<std::byte> bytes(static_cast<std::size_t>(wanted));
-    bytes.resize(static_cast<std::size_t>(file.readAt(offset, bytes.data(), wanted)));
+    bytes.resize(static_cast<std::size_t>(file.readAt(0, bytes.data(), wanted)));
     return HeaderBlock(std::move(bytes));
 }
 
