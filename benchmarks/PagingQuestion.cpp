@@ -1,5 +1,6 @@
 #include "KvsigPager.h"
 #include "Paging.h"
+#include "Peers.h"
 #include "Questions.h"
 
 #include <memory>
@@ -39,17 +40,19 @@ std::vector<Question> pagingQuestions(const Workload& workload) {
                       .values = pages * pageSeconds * rate * static_cast<double>(pagingRows.size()),
                       .pages = pages,
                       .goal = 1.3,
-                      .againstPeers = false,
                       .contenders = {plain,
                                      pagingContender(limitName, &StraightPager::page, path, chain),
                                      pagingContender(kvsigName, &KvsigPager::page, path),
                                      unfiltered, channelsOnly}};
+    const std::vector<Contender> peers = peerPagers(path, chain);
+    rowByRow.contenders.insert(rowByRow.contenders.end(), peers.begin(), peers.end());
     Question allRows = rowByRow;
     allRows.task = "first hour in 10 s pages, 18 bipolar rows, 3 filters, all rows in one call";
     allRows.goal = 1.6;
     allRows.contenders = {
         plain, pagingContender(limitName, &StraightPager::sideBySide, path, chain),
         pagingContender(kvsigName, &KvsigPager::allRows, path), unfiltered, channelsOnly};
+    allRows.contenders.insert(allRows.contenders.end(), peers.begin(), peers.end());
     return {std::move(rowByRow), std::move(allRows)};
 }
 

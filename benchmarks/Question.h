@@ -35,7 +35,6 @@ struct Question {
     double pages = 0.0;   ///< pages shown by a run, where that is asked
     int runs = 1;         ///< timed runs of one repetition
     double goal = 0.0;    ///< the most times the limit that this library may take
-    bool againstPeers = true;
     std::vector<Contender> contenders;
 };
 

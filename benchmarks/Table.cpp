@@ -38,7 +38,7 @@ std::string verdict(const Question& question, const std::vector<Answer>& answers
     for (const Answer& answer : answers) {
         const bool peer = !answer.name.starts_with(kvsigName) && answer.name != limitName &&
                           answer.name != plainName;
-        if (question.againstPeers && peer && answer.error.empty() && answer.seconds < own)
+        if (peer && answer.error.empty() && answer.seconds < own)
             text += ", behind " + answer.name;
     }
     return text;
