@@ -78,7 +78,7 @@ template <int Lanes, int Firsts, bool Second>
     LaneHistory<Lanes> past1 = pasts[Firsts > 1 ? 1 : 0];
     LaneHistory<Lanes> past2 = pasts[Second ? second : 0];
     for (int t = from; t < to; ++t) {
-        float* const values = block + t * Lanes;
+        float* const values = block + static_cast<std::ptrdiff_t>(t) * Lanes;
         eachLane<Lanes>([&](int lane) {
             float value = values[lane];
             if constexpr (Firsts > 0)
@@ -130,7 +130,7 @@ template <int Lanes>
         for (std::size_t s = 0; s < stages.size(); ++s) {
             const Stage stage = stages[s];
             LaneHistory<Lanes>& past = pasts[s];
-            float* const values = block + t * Lanes;
+            float* const values = block + static_cast<std::ptrdiff_t>(t) * Lanes;
             for (int lane = 0; lane < Lanes; ++lane) {
                 if (t >= stage.order) {
                     values[lane] = firstOrder(stage, past, lane, values[lane]);
