@@ -6,7 +6,9 @@
 #include "kvsig/readers/EdfChannel.h"
 #include "kvsig/readers/EdfHeader.h"
 #include "kvsig/readers/EdfInspection.h"
-#include "kvsig/readers/EdfOnset.h"
+#include "kvsig/readers/EdfOpening.h"
+#include "kvsig/readers/EdfSentences.h"
+#include "kvsig/readers/EdfStart.h"
 #include "kvsig/readers/LifelinesReader.h"
 #include "kvsig/readers/RecordDemux.h"
 #include "kvsig/readers/TelefactorEDFReader.h"
@@ -18,7 +20,6 @@
 #include "kvsig/util/Text.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstring>
 #include <span>
@@ -35,77 +36,6 @@ constexpr std::uint32_t edfMiscFlags = 8;
 constexpr short microvoltType = 1;
 constexpr short otherUnitType = 100;
 constexpr long fewestSamples = 3;
-constexpr std::int64_t mostTold = 20; ///< findings of one kind
-
-using Severity = OpenFinding::Severity;
-
-std::string quoted(const std::string& text) { return "\"" + text + "\""; }
-
-std::string fieldText(const std::string& name, std::int64_t offset, const std::string& value) {
-    return name + " (offset " + std::to_string(offset) + ") is " + quoted(value);
-}
-
-// The two pivots differ on purpose: EDF has no rule, EDF+ counts two-digit years from 1985.
-std::int64_t fullYear(std::int64_t year, const edf::Header& header) {
-    const int pivot = header.kind() == edf::Kind::continuous ? 85 : 90;
-    return year + (year < pivot ? 2000 : 1900);
-}
-
-// dd.mm.yy as yyyy.mm.dd; what is no date stays as it is.
-std::string fullDate(const edf::Header& header) {
-    std::string text = header.text(edf::startDate);
-    const DottedTriple date = dottedTriple(text);
-    if (!date.complete)
-        return text;
-    return paddedText(fullYear(date.third, header), 4) + "." + paddedText(date.second, 2) + "." +
-           paddedText(date.first, 2);
-}
-
-bool within(std::int64_t value, std::int64_t least, std::int64_t most) {
-    return value >= least && value <= most;
-}
-
-bool isCalendarDate(const edf::Header& header) {
-    const DottedTriple date = dottedTriple(header.text(edf::startDate));
-    if (!date.complete || !within(date.first, 1, 31) || !within(date.second, 1, 12) ||
-        !within(date.third, 0, 99))
-        return false;
-    using namespace std::chrono;
-    return year_month_day(year(static_cast<int>(fullYear(date.third, header))),
-                          month(static_cast<unsigned>(date.second)),
-                          day(static_cast<unsigned>(date.first)))
-        .ok();
-}
-
-bool isTimeOfDay(const DottedTriple& time) {
-    return time.complete && within(time.first, 0, 23) && within(time.second, 0, 59) &&
-           within(time.third, 0, 59);
-}
-
-std::string headerLengthText(const edf::Header& header) {
-    return fieldText("header length", edf::headerLength.offset, header.text(edf::headerLength));
-}
-
-std::string samplesText(const edf::Header& header, std::int64_t signal) {
-    return fieldText("samples per record of signal " + std::to_string(signal + 1),
-                     header.offsetOf(edf::samplesPerRecord, signal),
-                     header.text(edf::samplesPerRecord, signal));
-}
-
-std::int64_t largestSignal(const edf::Header& header) {
-    const auto& samples = header.signalSamples();
-    return std::max_element(samples.begin(), samples.end()) - samples.begin();
-}
-
-// Samples that start inside the header are no samples; empty when the length is sound.
-std::string headerLengthFault(const edf::Header& header) {
-    const std::int64_t full = edf::fullLength(header.fileSignals());
-    if (header.dataOffset() >= full)
-        return {};
-    return headerLengthText(header) + ", but the header of " +
-           std::to_string(header.fileSignals()) + " signals takes " + std::to_string(full) +
-           " bytes";
-}
 
 } // namespace
 
@@ -163,8 +93,8 @@ bool EDF90Reader::refuseHeader(const edf::Header& fixedPart) {
                              " bytes, inside the header of at least " +
                              std::to_string(edf::fixedLength));
     if (fixedPart.fileSignals() < 1)
-        return refuse(2, fieldText("number of signals", edf::signalCount.offset,
-                                   fixedPart.text(edf::signalCount)) +
+        return refuse(2, edf::fieldText("number of signals", edf::signalCount.offset,
+                                        fixedPart.text(edf::signalCount)) +
                              ", at least 1 is needed");
     const std::string diagnostic =
         "File " + filePath() + " is Interrupted EDF+. This format is not supported.";
@@ -232,112 +162,13 @@ std::int64_t EDF90Reader::chunkBytes() {
 }
 
 void EDF90Reader::reportOddFields() {
-    reportOddNumbers();
-    reportOddStart();
-    reportOddTiming();
-    reportOddSizes();
-    reportOddOnsets();
-}
-
-// Numbers are read as far as they go, as in "31 E" or "1e3"; what was made of them is told.
-void EDF90Reader::reportOddNumbers() {
-    const edf::Header& header = m_edf->header;
-    const auto isRead = [](std::string_view text, std::int64_t taken) {
-        double whole = 0.0;
-        return wholeDouble(text, whole) && whole == static_cast<double>(taken);
-    };
-    const auto tell = [this](const std::string& field, std::int64_t taken) {
-        report(Severity::warning, field + ", read as " + std::to_string(taken));
-    };
-    if (!isRead(header.view(edf::signalCount), header.fileSignals()))
-        tell(fieldText("number of signals", edf::signalCount.offset, header.text(edf::signalCount)),
-             header.fileSignals());
-    if (!isRead(header.view(edf::headerLength), header.dataOffset()))
-        tell(headerLengthText(header), header.dataOffset());
-    std::int64_t odd = 0;
-    for (std::int64_t i = 0; i < header.fileSignals(); ++i) {
-        const std::int64_t samples = header.signalSamples()[static_cast<std::size_t>(i)];
-        if (!isRead(header.view(edf::samplesPerRecord, i), samples) && ++odd <= mostTold)
-            tell(samplesText(header, i), samples);
-    }
-    reportMore(Severity::warning, odd, "are no numbers");
-}
-
-// What is no time still counts as one, overflowing hours and minutes included; clock times and the
-// patient record's date then mean nothing.
-void EDF90Reader::reportOddStart() {
-    const edf::Header& header = m_edf->header;
-    const std::string date = header.text(edf::startDate);
-    const std::string time = header.text(edf::startTime);
-    if (!isCalendarDate(header))
-        report(Severity::warning,
-               fieldText("start date", edf::startDate.offset, date) + ", no date as dd.mm.yy");
-    if (!isTimeOfDay(dottedTriple(time)))
-        report(Severity::warning,
-               fieldText("start time", edf::startTime.offset, time) + ", no time as hh.mm.ss");
-}
-
-void EDF90Reader::reportOddTiming() {
-    constexpr double secondsPerYear = 31557600.0;
-    const edf::Header& header = m_edf->header;
-    const double rate = samplingRate();
-    const std::string duration = fieldText("duration of a data record", edf::recordDuration.offset,
-                                           header.text(edf::recordDuration));
-    if (!(header.duration() > 0) || !std::isfinite(rate))
-        report(Severity::unusable, duration + ", which gives no sampling rate");
-    else if (header.duration() > secondsPerYear)
-        report(Severity::unusable, duration + " seconds, more than a year");
-    else if (rate > fastestSamplingRate)
-        report(Severity::unusable,
-               duration + ", which gives a sampling rate of " + shortestText(rate) + " Hz");
-}
-
-void EDF90Reader::reportOddSizes() {
-    const edf::Header& header = m_edf->header;
-    if (const std::string fault = headerLengthFault(header); !fault.empty())
-        report(Severity::unusable, fault);
-    // One fast signal among many slow ones makes frames far larger than the record that they come
-    // from: a small file must not cost the memory of a huge one.
-    constexpr std::int64_t harmless = std::int64_t{64} << 20;
-    constexpr std::int64_t usualGrowth = 8;
-    const std::int64_t recordBytes = header.recordSamples() * storedSampleBytes();
-    const std::int64_t frameBytes = chunkBytes();
-    if (std::max(recordBytes, frameBytes) > maxPageBytes ||
-        frameBytes > std::max(harmless, usualGrowth * recordBytes))
-        report(Severity::unusable,
-               "a data record of " + std::to_string(recordBytes) + " bytes gives " +
-                   std::to_string(frameBytes) +
-                   " bytes at the common rate: " + samplesText(header, largestSignal(header)));
-    std::int64_t empty = 0;
-    for (std::int64_t i = 0; i < header.fileSignals(); ++i)
-        if (header.signalSamples()[static_cast<std::size_t>(i)] < 1 && ++empty <= mostTold)
-            report(Severity::unusable, samplesText(header, i) + ", at least 1 is needed");
-    reportMore(Severity::unusable, empty, "are below 1");
-}
-
-// A cut header makes thousands of signals odd in the same way.
-void EDF90Reader::reportMore(Severity severity, std::int64_t found, const char* what) {
-    if (found > mostTold)
-        report(severity, "samples per record of " + std::to_string(found - mostTold) +
-                             " more signals " + what);
-}
-
-// What was recorded with gaps is shown without them. The ends of the file tell; where the gaps are
-// takes a look at all of it, see inspectFile().
-void EDF90Reader::reportOddOnsets() {
-    if (!edf::declaresPlus(m_edf->header))
-        return;
-    const double shift = edf::lastOnsetShift(m_edf->file, m_edf->header, storedSampleBytes());
-    if (shift == 0.0)
-        return;
-    const std::string seconds = edf::secondsText(std::abs(shift));
-    report(Severity::warning,
-           shift > 0 ? "its data records leave gaps of " + seconds +
-                           " in all and are shown as if there were none: times behind a gap are "
-                           "wrong"
-                     : "its data records overlap by " + seconds +
-                           " in all and are shown one after the other: times behind an overlap "
-                           "are wrong");
+    const edf::Opened opened{.file = m_edf->file,
+                             .header = m_edf->header,
+                             .samplingRate = samplingRate(),
+                             .sampleBytes = storedSampleBytes(),
+                             .frameBytes = chunkBytes()};
+    for (const OpenFinding& finding : edf::openingFindings(opened))
+        report(finding.severity, finding.text);
 }
 
 // The kernel calibrates by IEEE rules; the user must know where that gives no numbers.
@@ -348,9 +179,9 @@ void EDF90Reader::reportOddCalibrations() {
             continue;
         const std::int64_t signal = header.channels()[static_cast<std::size_t>(c)];
         const auto field = [&header, signal](const char* name, edf::SignalField which) {
-            return fieldText(name, header.offsetOf(which, signal), header.text(which, signal));
+            return edf::fieldText(name, header.offsetOf(which, signal), header.text(which, signal));
         };
-        report(Severity::warning,
+        report(OpenFinding::Severity::warning,
                "signal " + std::to_string(signal + 1) +
                    " has no finite values: " + field("digital minimum", edf::digitalMin) + ", " +
                    field("maximum", edf::digitalMax) + "; " +
@@ -405,20 +236,21 @@ bool EDF90Reader::refuseWithoutSamples() {
         return refuse(2, "no data records: the file ends with its header of " +
                              std::to_string(size) + " bytes");
     if (data < 0)
-        return refuse(2, headerLengthText(header) + ", but the file ends after " +
+        return refuse(2, edf::headerLengthText(header) + ", but the file ends after " +
                              std::to_string(size) + " bytes");
-    if (const std::string fault = headerLengthFault(header); !fault.empty())
+    if (const std::string fault = edf::headerLengthFault(header); !fault.empty())
         return refuse(2, fault);
     const auto& samples = header.signalSamples();
     const auto none =
         std::find_if(samples.begin(), samples.end(), [](std::int64_t count) { return count < 1; });
     if (header.recordSamples() <= 0)
-        return refuse(2, samplesText(header, none - samples.begin()) + ", at least 1 is needed");
+        return refuse(2,
+                      edf::samplesText(header, none - samples.begin()) + ", at least 1 is needed");
     if (nPoints() == 0)
         return refuse(2, "no whole data record: one takes " +
                              std::to_string(2 * header.recordSamples()) + " bytes or more, " +
                              std::to_string(data) + " follow the header; " +
-                             samplesText(header, largestSignal(header)));
+                             edf::samplesText(header, edf::largestSignal(header)));
     return refuse(2, "it holds " + std::to_string(nPoints()) + " samples, at least " +
                          std::to_string(fewestSamples) + " are needed");
 }
@@ -431,7 +263,7 @@ bool EDF90Reader::getPatientRec() {
     copyText(patient.rawRecording, header.text(edf::recordingId));
     copyText(patient.testTime, header.text(edf::startTime));
 
-    copyText(patient.testDate, fullDate(header));
+    copyText(patient.testDate, edf::fullDate(header));
     // What this file does not tell must not be the last one's patient.
     copyText(patient.id, "");
     copyText(patient.sex, "");

@@ -77,12 +77,6 @@ class KVSIG_API EDF90Reader : public DataReader {
     [[nodiscard]] bool isOneOfOurs() const;
     [[nodiscard]] std::int64_t chunkBytes();
     void reportOddFields();
-    void reportOddNumbers();
-    void reportOddStart();
-    void reportOddTiming();
-    void reportOddSizes();
-    void reportMore(OpenFinding::Severity severity, std::int64_t found, const char* what);
-    void reportOddOnsets();
     void reportOddCalibrations();
     bool refuseHeader(const edf::Header& fixedPart);
     bool refuseWithoutSamples();

@@ -1,4 +1,5 @@
 #include "kvsig/readers/EdfOddities.h"
+#include "kvsig/readers/EdfSentences.h"
 #include "kvsig/util/NumberText.h"
 #include "kvsig/util/Text.h"
 
@@ -15,8 +16,7 @@ using Severity = OpenFinding::Severity;
 std::string quoted(const std::string& text) { return "\"" + text + "\""; }
 
 std::string namedField(const char* name, Field field, const Header& header) {
-    return std::string(name) + " (offset " + std::to_string(field.offset) + ") is " +
-           quoted(header.text(field));
+    return fieldText(name, field.offset, header.text(field));
 }
 
 class HeaderCheck {
