@@ -102,12 +102,14 @@ SampleRecording nihonKohdenPause() {
 
 // The third channel has a third of the others' rate.
 SampleRecording nervus() {
-    const NervusFile::Made file = NervusFile()
-                                      .channel({.label = "Fp1", .rate = 30})
-                                      .channel({.label = "Fp2", .rate = 30})
-                                      .channel({.label = "SpO2", .rate = 10})
-                                      .segment(oleDays(2014, 3, 26, 50829.25), 25.5)
-                                      .make();
+    const NervusFile::Made file =
+        NervusFile()
+            .channel({.label = "Fp1", .rate = 30})
+            .channel({.label = "Fp2", .rate = 30})
+            .channel({.label = "SpO2", .rate = 10})
+            .segment(oleDays(2014, 3, 26, 50829.25), 25.5)
+            .event(NervusFile::seizure, oleDays(2014, 3, 26, 50829.25), 1.5, 0.5, "left")
+            .make();
     SampleRecording made;
     made.fileName = "sample.e";
     made.channels = 3;

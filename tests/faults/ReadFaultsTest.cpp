@@ -1,10 +1,14 @@
 #include "compliance/ReaderRow.h"
 #include "faults/Faults.h"
+#include "kvsig/kernel/ClientEvent.h"
 #include "kvsig/readers/PushableReader.h"
+#include "kvsig/util/LogSink.h"
+#include "support/LogCapture.h"
 #include "support/Opened.h"
 #include "support/ReadAround.h"
 
 #include <algorithm>
+#include <deque>
 #include <gtest/gtest.h>
 #include <memory>
 #include <sstream>
@@ -109,6 +113,23 @@ TEST_P(ReadFaultsOf, AFailureThatPassesShowsNothingElse) {
         for (int c = 0; c < file.channels; ++c)
             ASSERT_EQ(rawOf(*reader, c, 0, file.sampleCount - 1),
                       rawOf(*sound, c, 0, file.sampleCount - 1));
+    }
+}
+
+TEST_P(ReadFaultsOf, EventsThatCannotBeReadAreLogged) {
+    const auto reader = newReader();
+    ASSERT_TRUE(reader->open(path.c_str()));
+    int sound = 0;
+    for (int call = -1, reads = 0; call < reads; ++call) {
+        const ReadFaults faults({.failFrom = call, .failures = 1});
+        test::LogCapture log;
+        std::deque<ClientEvent> events;
+        const int count = reader->readEvents(events);
+        if (call < 0) {
+            reads = ReadFaults::calls();
+            sound = count;
+        }
+        EXPECT_EQ(count != sound, !log.take(logWarning).empty()) << call;
     }
 }
 

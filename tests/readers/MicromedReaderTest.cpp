@@ -12,7 +12,6 @@
 namespace kvsig {
 namespace {
 
-using test::Bytes;
 using test::MicromedFile;
 using test::poked;
 using test::tells;

@@ -71,7 +71,8 @@ inline std::string f64(double value) { return Bytes().add(value).str(); }
 
 /// The bytes with some of them replaced.
 inline std::string poked(std::string bytes, std::size_t offset, const std::string& by) {
-    return bytes.replace(offset, by.size(), by);
+    bytes.replace(offset, by.size(), by);
+    return bytes;
 }
 
 /// A count that differs from channel to channel and from sample to sample and changes its sign, so
