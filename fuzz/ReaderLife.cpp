@@ -72,8 +72,12 @@ class Life {
     }
 
   private:
-    Reader newReader() const {
-        Reader reader = m_row.reader();
+    [[nodiscard]] Reader newReader() const { return prepared(m_row.reader()); }
+
+    // One that takes all samples from chunk reads, where the first may have another way.
+    [[nodiscard]] Reader otherReader() const { return prepared(m_row.framedReader()); }
+
+    [[nodiscard]] Reader prepared(Reader reader) const {
         std::istringstream attributes(m_input.attributes);
         if (!m_input.attributes.empty())
             static_cast<void>(reader->readAttributeFile(attributes));
@@ -130,7 +134,7 @@ class Life {
     }
 
     void readEverywhere(DataReader& reader) const {
-        const Reader other = newReader();
+        const Reader other = otherReader();
         check(other->open(m_input.path.c_str()), "a second reader opens what the first one did");
         std::vector<long> places = placesOf(reader);
         const std::set<int> channels{0, reader.channelCount() / 2, reader.channelCount() - 1};
@@ -211,17 +215,35 @@ class Life {
     static void showMontages(DataReader& reader) {
         SourceMontage montage;
         montage.setReader(&reader);
+        montage.setHighPass({.use = true, .cutoff = 1.0});
         std::vector<std::string> names{"Recorded"};
         for (int i = 0; i < std::min(reader.montageCount(), 4); ++i)
             names.emplace_back(reader.montageName(i));
         for (const std::string& name : names) {
             static_cast<void>(montage.createMontage(name.c_str()));
-            for (const int row : {0, montage.sourceCount() - 1})
-                if (DataSource* source = montage.source(row)) {
-                    std::vector<float> out(64);
-                    static_cast<void>(source->getData(0, 63, out.data(), 1.0));
-                }
+            showRows(montage);
         }
+    }
+
+    // The first rows at once, then each by itself: computed anew, and out of its cache.
+    static void showRows(SourceMontage& montage) {
+        constexpr std::size_t mostRows = 12;
+        std::vector<std::vector<float>> atOnce(
+            std::min(static_cast<std::size_t>(montage.sourceCount()), mostRows),
+            std::vector<float>(64));
+        std::vector<float*> buffers(static_cast<std::size_t>(montage.sourceCount()));
+        for (std::size_t row = 0; row < atOnce.size(); ++row)
+            buffers[row] = atOnce[row].data();
+        static_cast<void>(montage.getData(0, 63, buffers.data(), 1.0));
+        montage.flushCache();
+        for (std::size_t row = 0; row < atOnce.size(); ++row)
+            for (const char* what :
+                 {"rows at once are the single rows", "cached rows are the same"}) {
+                std::vector<float> out(64);
+                static_cast<void>(
+                    montage.source(static_cast<int>(row))->getData(0, 63, out.data(), 1.0));
+                check(equal(out, atOnce[row]), what);
+            }
     }
 
     void reopen(DataReader& reader) const {
