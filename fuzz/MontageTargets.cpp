@@ -22,6 +22,8 @@ namespace {
 
 constexpr int mostMontages = 4;
 constexpr int mostRows = 12;
+constexpr int mostRowsAtOnce = 64;
+constexpr int mostLines = 64;
 
 class Recording {
   public:
@@ -72,15 +74,48 @@ void showMontage(SourceMontage& montage) {
     static_cast<void>(montage.changeReference(nullptr));
 }
 
+// Two montages made alike: the rows of one are asked one after the other, those of the other all at
+// once.
+void compareRows(SourceMontage& single, SourceMontage& together) {
+    const int count = std::min(single.sourceCount(), mostRowsAtOnce);
+    for (const long first : {40L, 70L}) {
+        std::vector<std::vector<float>> rows(static_cast<std::size_t>(count),
+                                             std::vector<float>(64));
+        std::vector<float*> buffers(static_cast<std::size_t>(together.sourceCount()), nullptr);
+        std::transform(rows.begin(), rows.end(), buffers.begin(),
+                       [](std::vector<float>& row) { return row.data(); });
+        static_cast<void>(together.getData(first, first + 63, buffers.data(), 0.5));
+        std::vector<float> alone(64);
+        for (int i = 0; i < count; ++i) {
+            static_cast<void>(single.source(i)->getData(first, first + 63, alone.data(), 0.5));
+            check(sameValues(alone, rows[static_cast<std::size_t>(i)]),
+                  "rows at once are the rows one by one");
+        }
+    }
+}
+
+template <typename Make>
+void makeTwice(DataReader& reader, SourceMontage& single, Make make) {
+    SourceMontage together;
+    for (SourceMontage* montage : {&single, &together}) {
+        montage->setReader(&reader);
+        montage->setHighPass({.use = true, .cutoff = 1.0});
+        make(*montage);
+        montage->updateFilters();
+    }
+    compareRows(single, together);
+}
+
 void makeMontages(DataReader& reader) {
     const std::vector<std::string> names = MontageNames();
-    int made = 0;
+    int count = 0;
     for (const std::string& name : names) {
-        if (++made > mostMontages)
+        if (++count > mostMontages)
             break;
         SourceMontage montage;
-        montage.setReader(&reader);
-        static_cast<void>(montage.createMontage(name.c_str()));
+        makeTwice(reader, montage, [&name](SourceMontage& made) {
+            static_cast<void>(made.createMontage(name.c_str()));
+        });
         showMontage(montage);
     }
 }
@@ -95,9 +130,9 @@ void readMontages(std::string_view input, const char* fileName) {
 
 // Each line is a definition; rows that it makes can be described and made again.
 void resolveDefinitions(std::string_view input) {
-    constexpr int mostLines = 64;
     SourceMontage montage;
     montage.setReader(&referential());
+    std::vector<std::string> made;
     for (int line = 0; line < mostLines && !input.empty(); ++line) {
         const std::string defn(input.substr(0, input.find('\n')));
         input.remove_prefix(std::min(defn.size() + 1, input.size()));
@@ -119,6 +154,7 @@ void resolveDefinitions(std::string_view input) {
         DataSource* source = montage.createSource(defn.c_str());
         if (!source)
             continue;
+        made.push_back(defn);
         showRow(*source);
         char written[DataSource::definitionSize];
         source->constructDefn(written, true);
@@ -127,6 +163,11 @@ void resolveDefinitions(std::string_view input) {
             montage.avgRefCount() == 0)
             check(montage.createSource(written) != nullptr, "a row's own definition makes a row");
     }
+    SourceMontage again;
+    makeTwice(referential(), again, [&made](SourceMontage& rows) {
+        for (const std::string& defn : made)
+            static_cast<void>(rows.createSource(defn.c_str()));
+    });
 }
 
 } // namespace

@@ -15,15 +15,10 @@ namespace {
 // A header with little behind it leaves more of the fuzzer's changes to the header.
 constexpr std::size_t bytesBehindHeader = 600;
 
-std::vector<test::ReaderRow> readerRows() {
-    std::vector<test::ReaderRow> all;
-    for (const auto& rows : {test::edfRows(), test::rawRows(), test::flatRows()})
-        all.insert(all.end(), rows.begin(), rows.end());
-    return all;
-}
-
 std::string inputOf(const test::SampleRecording& file, std::size_t length) {
     std::vector<InputFile> files{{"", file.bytes.substr(0, length)}};
+    for (const auto& [name, bytes] : file.companions)
+        files.push_back({name, bytes});
     if (!file.attributes.empty())
         files.push_back({std::string(attributesName), file.attributes});
     return joinInput(files);
@@ -47,20 +42,24 @@ std::string formatTargetName(int type) {
 std::vector<Target> readerTargets() {
     std::vector<Target> all;
     std::map<int, std::size_t> places;
-    for (const test::ReaderRow& row : readerRows()) {
+    const auto add = [&](const test::ReaderRow& row, const std::string& dictionary) {
         const test::SampleRecording file = row.sample();
         const auto [place, isNew] = places.try_emplace(row.type, all.size());
-        if (isNew) {
-            const std::string dictionary = file.attributes.empty() ? "header" : "attributes";
+        if (isNew)
             all.push_back({formatTargetName(row.type),
                            dictionary,
                            [row, name = file.fileName](std::string_view input) {
                                readerLife(row, name, input);
                            },
                            {}});
-        }
         addSeeds(all[place->second], file);
-    }
+    };
+    for (const test::ReaderRow& row : test::edfRows())
+        add(row, "header");
+    for (const test::ReaderRow& row : test::rawRows())
+        add(row, "attributes");
+    for (const test::ReaderRow& row : test::flatRows())
+        add(row, formatTargetName(row.type));
     return all;
 }
 

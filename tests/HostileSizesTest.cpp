@@ -1,7 +1,9 @@
+#include "compliance/ReaderRow.h"
 #include "kvsig/readers/InterleavedReader.h"
 #include "kvsig/registry/FrontDoor.h"
 #include "kvsig/registry/types/ReaderType.h"
 #include "kvsig/util/Limits.h"
+#include "support/Bytes.h"
 #include "support/EdfFile.h"
 #include "support/ReadAround.h"
 
@@ -80,6 +82,28 @@ TEST_F(HostileSizes, OfEdfHeaders) {
     fast.duration("1");
     survives(dir.write("long.edf", fast.poke(fast.fieldOffset(216, 8, 0), "99999999").bytes()));
     survives(dir.write("records.edf", fast.poke(236, "99999999").bytes()));
+}
+
+// Every field at its greatest, in turn, and every pointer just behind the file.
+TEST_F(HostileSizes, OfHeadersOfOtherMakers) {
+    for (const test::ReaderRow& row : test::flatRows()) {
+        const test::SampleRecording file = row.sample();
+        static_cast<void>(file.writeTo(dir));
+        EXPECT_TRUE(endsWellWithin(room, [&] {
+            for (const std::size_t offset : file.boundaries)
+                for (const std::string& value :
+                     {test::u64(~0ULL), test::u32(0x7FFFFFFF), test::u32(file.bytes.size() + 1),
+                      test::f64(1e300)}) {
+                    const auto reader = row.reader();
+                    const std::string path =
+                        dir.write(file.fileName, test::poked(file.bytes, offset, value));
+                    if (reader->open(path.c_str()))
+                        test::readAround(*reader);
+                    else if (*reader->lastErrorText() == '\0')
+                        ::_exit(3);
+                }
+        })) << row.name;
+    }
 }
 
 TEST_F(HostileSizes, OfLayouts) {

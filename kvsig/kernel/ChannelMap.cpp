@@ -58,8 +58,8 @@ std::string whyIgnored(const MappedChannel& entry, int names, bool isNew) {
         return "a name has two parts, as in 'C3-Ref'";
     if (!isNew)
         return "the name comes a second time";
-    if (entry.channel < 0 || entry.channel >= largestMappedChannel)
-        return "not a channel number from 1 to " + std::to_string(largestMappedChannel);
+    if (entry.channel < 0 || entry.channel >= mostChannels)
+        return "not a channel number from 1 to " + std::to_string(mostChannels);
     return {};
 }
 

@@ -30,7 +30,7 @@ struct ChannelMap {
 };
 
 /// The channel map in a section: the entries with two electrode names and a channel number from 1
-/// to largestMappedChannel, in their order. A key that comes again is ignored. Nothing when the
+/// to mostChannels, in their order. A key that comes again is ignored. Nothing when the
 /// section is missing or has no keys.
 [[nodiscard]] std::optional<ChannelMap> parseChannelMap(std::istream& stream,
                                                         std::string_view section);

@@ -2,6 +2,7 @@
 
 #include "kvsig/util/Text.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace kvsig {
@@ -16,6 +17,9 @@ std::string defaultChannelName(std::size_t channel) { return "Ch" + std::to_stri
 ChannelTable::ChannelTable() { m_records.reserve(usualChannels); }
 
 void ChannelTable::growTo(int count) {
+    // At least twice as many, since maps make the table grow a channel at a time.
+    if (std::cmp_greater(count, m_records.capacity()))
+        m_records.reserve(std::max(static_cast<std::size_t>(count), 2 * m_records.capacity()));
     while (std::cmp_less(m_records.size(), count)) {
         ChannelRecord& record = m_records.emplace_back();
         copyText(record.name, defaultChannelName(m_records.size() - 1));

@@ -2,6 +2,7 @@
 
 #include "kvsig/readers/FlatRecording.h"
 #include "kvsig/readers/HeaderFields.h"
+#include "kvsig/util/Limits.h"
 
 #include <algorithm>
 #include <optional>
@@ -15,36 +16,49 @@ constexpr NumberField<std::uint32_t> narrowCount{"number of samples of a data bl
 constexpr NumberField<std::uint64_t> wideStamp{"time stamp", 1};
 constexpr NumberField<std::uint32_t> wideCount{"number of samples of a data block", 9};
 
+constexpr int soundFlag = 1;
+
+struct Block {
+    std::int64_t offset = 0;
+    int flag = 0;
+    std::uint64_t stamp = 0;
+    std::int64_t frames = 0;
+};
+
 // Heads of blocks, read in pieces as wide as the blocks are short.
 class Heads {
   public:
-    explicit Heads(const File& file) : m_file(file) {}
+    Heads(const HeaderFile& file, const BlockLayout& layout) : m_file(file), m_layout(layout) {}
 
-    // Where the head at `offset` begins in block().
+    Block at(std::int64_t offset) {
+        const std::int64_t base = find(offset, m_layout.headBytes());
+        return m_layout.wideStamps
+                   ? Block{offset, valueOf(m_block, blockFlag, base),
+                           valueOf(m_block, wideStamp, base), valueOf(m_block, wideCount, base)}
+                   : Block{offset, valueOf(m_block, blockFlag, base),
+                           valueOf(m_block, narrowStamp, base),
+                           valueOf(m_block, narrowCount, base)};
+    }
+
+  private:
+    // Where the head at `offset` begins in m_block.
     std::int64_t find(std::int64_t offset, std::int64_t bytes) {
         constexpr std::int64_t near = 64 << 10, wide = 1 << 20;
         const auto held = static_cast<std::int64_t>(m_block.bytes().size());
         if (offset < m_start || offset + bytes > m_start + held) {
             const bool close = offset - m_last < near;
-            m_block = HeaderBlock::readFrom(m_file, offset, close ? wide : bytes);
+            m_block = m_file.read("head of a data block", offset, close ? wide : bytes);
             m_start = offset;
         }
         m_last = offset;
         return offset - m_start;
     }
-    [[nodiscard]] const HeaderBlock& block() const { return m_block; }
 
-  private:
-    const File& m_file;
+    const HeaderFile& m_file;
+    const BlockLayout& m_layout;
     HeaderBlock m_block;
     std::int64_t m_start = 0;
     std::int64_t m_last = 0;
-};
-
-struct Block {
-    std::int64_t offset;
-    std::uint64_t stamp;
-    std::int64_t frames;
 };
 
 void append(std::vector<Run>& runs, const Block& block, const BlockLayout& layout) {
@@ -68,14 +82,15 @@ std::string atOffset(std::int64_t offset) { return " at offset " + std::to_strin
 
 } // namespace
 
-BlockScan scanBlocks(const File& file, const BlockLayout& layout) {
+BlockScan scanBlocks(const HeaderFile& file, const BlockLayout& layout) {
     BlockScan scan;
-    Heads heads(file);
+    Heads heads(file, layout);
     const std::int64_t size = file.size();
     std::optional<Block> open; // the first block of no frames: empty, or never closed
     std::size_t runsBeforeOpen = 0;
     bool broken = false;
-    for (std::int64_t offset = layout.offset; offset < size && scan.runs.size() <= mostRuns;) {
+    for (std::int64_t offset = layout.offset;
+         offset < size && scan.runs.size() <= mostBlockRuns && file.fault().empty();) {
         const std::int64_t data = offset + layout.headBytes();
         if (data > size) {
             scan.oddities.push_back("its last " + std::to_string(size - offset) +
@@ -83,18 +98,14 @@ BlockScan scanBlocks(const File& file, const BlockLayout& layout) {
             broken = true;
             break;
         }
-        const std::int64_t base = heads.find(offset, layout.headBytes());
-        const HeaderBlock& head = heads.block();
-        if (valueOf(head, blockFlag, base) != 1) {
-            scan.oddities.push_back(sentenceOf(head, blockFlag, base, offset - base) +
+        Block block = heads.at(offset);
+        if (block.flag != soundFlag) {
+            scan.oddities.push_back(std::string(blockFlag.name) + " (offset " +
+                                    std::to_string(offset) + ") is " + std::to_string(block.flag) +
                                     ", not 1: what follows is left out");
             broken = true;
             break;
         }
-        Block block{
-            offset,
-            layout.wideStamps ? valueOf(head, wideStamp, base) : valueOf(head, narrowStamp, base),
-            layout.wideStamps ? valueOf(head, wideCount, base) : valueOf(head, narrowCount, base)};
         const std::int64_t whole = wholeFrames(data, size, layout.frameBytes());
         if (block.frames > whole) {
             scan.oddities.push_back("the data block" + atOffset(offset) + " says " +
@@ -105,19 +116,26 @@ BlockScan scanBlocks(const File& file, const BlockLayout& layout) {
             broken = true;
             break;
         }
+        offset = data + block.frames * layout.frameBytes();
         if (block.frames == 0 && !open) {
             open = block;
             runsBeforeOpen = scan.runs.size();
+        } else if (open && block.frames > 0) {
+            // What looks like a head may be samples. Where the next head or the end of the file
+            // stands as it says, it is one, and the block of no frames was an empty one.
+            const bool last = offset + layout.headBytes() > size;
+            const Block next = last ? Block{} : heads.at(offset);
+            if (last || (next.flag == soundFlag && next.stamp >= block.stamp))
+                open.reset();
         }
         append(scan.runs, block, layout);
-        offset = data + block.frames * layout.frameBytes();
     }
     if (!open)
         return scan;
     // A recording that was never closed has no count in its last block. When blocks can be walked
     // from there to the very end of the file, it was an empty one.
     const std::int64_t data = open->offset + layout.headBytes();
-    if (scan.runs.size() > mostRuns)
+    if (scan.runs.size() > mostBlockRuns)
         return scan;
     const bool empty = !broken && scan.runs.size() > runsBeforeOpen;
     if (empty || data == size)

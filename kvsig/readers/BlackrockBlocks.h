@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kvsig/util/File.h"
+#include "kvsig/readers/HeaderFile.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -30,16 +30,13 @@ struct Run {
     std::uint64_t lastStamp = 0; ///< of the last block
 };
 
-/// Runs that are read; no recording comes near, and a hostile one must not fill the memory.
-inline constexpr std::size_t mostRuns = std::size_t{1} << 20;
-
-/// Ends early when there are more than mostRuns.
+/// Ends early when there are more than mostBlockRuns.
 struct BlockScan {
     std::vector<Run> runs;
     std::vector<std::string> oddities; ///< one sentence each
 };
 
 /// Walks the blocks of a file to its end, or to where it is damaged.
-[[nodiscard]] BlockScan scanBlocks(const File& file, const BlockLayout& layout);
+[[nodiscard]] BlockScan scanBlocks(const HeaderFile& file, const BlockLayout& layout);
 
 } // namespace kvsig::blackrock

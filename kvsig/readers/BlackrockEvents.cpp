@@ -1,6 +1,7 @@
 #include "kvsig/readers/BlackrockEvents.h"
 
-#include "kvsig/util/File.h"
+#include "kvsig/readers/BlackrockLayout.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/Utf16.h"
 
 #include <algorithm>
@@ -11,7 +12,6 @@
 namespace kvsig::blackrock {
 namespace {
 
-constexpr TextField fileId{"file id", 0, 8};
 constexpr NumberField<std::uint32_t> headerSize{"number of header bytes", 12};
 constexpr NumberField<std::uint32_t> packetSize{"bytes of a packet", 16};
 constexpr NumberField<std::uint32_t> ticks{"clock ticks per second", 20};
@@ -40,7 +40,6 @@ constexpr std::uint16_t commentPacket = 0xFFFF;
 constexpr std::uint8_t utf16Charset = 1;
 
 constexpr std::int64_t shortestPacket = 12;
-constexpr std::int64_t longestPacket = std::int64_t{1} << 20;
 
 // Up to the first NUL: anonymised files have stray bytes behind it.
 std::string commentText(std::span<const std::byte> bytes, std::uint8_t set) {
@@ -54,43 +53,36 @@ std::string commentText(std::span<const std::byte> bytes, std::uint8_t set) {
 
 } // namespace
 
-CalendarTime startAt(const HeaderBlock& header, std::int64_t offset) {
-    const auto number = [&](int index) {
-        return static_cast<int>(
-            valueOf(header, NumberField<std::uint16_t>{"start", 2 * index}, offset));
-    };
-    return {number(0), number(1), number(3), number(4), number(5), number(6) + number(7) / 1000.0};
-}
-
-std::optional<EventHeader> readEventHeader(const char* path, std::string& reason) {
-    File file;
-    if (!file.open(path, &reason))
-        return std::nullopt;
-    const HeaderBlock head = HeaderBlock::readFrom(file, extensionsOffset);
+std::optional<EventHeader> readEventHeader(const HeaderFile& file, std::string& reason) {
+    const HeaderBlock head = file.read("header", 0, extensionsOffset);
     const std::string id = valueOf(head, fileId);
     const std::int64_t extensions = valueOf(head, extensionCount);
     EventHeader header;
-    header.wideStamps = id == "BREVENTS";
+    header.wideStamps = id == wideEventId;
     header.headerBytes = valueOf(head, headerSize);
     header.packetBytes = valueOf(head, packetSize);
     header.ticksPerSecond = valueOf(head, ticks);
     header.start = startAt(head, startOffset);
-    reason.clear();
-    if (id != "NEURALEV" && !header.wideStamps)
+    reason = file.fault();
+    if (!reason.empty())
+        return std::nullopt;
+    if (id != eventId && !header.wideStamps)
         reason = "its first 8 bytes are no id of an event file";
     else if (extensionsOffset + extensions * extensionBytes > header.headerBytes)
         reason = sentenceOf(head, extensionCount) + ", more than fit in its " +
                  std::to_string(header.headerBytes) + " header bytes";
     else if (header.headerBytes > file.size())
         reason = sentenceOf(head, headerSize) + ", the file has " + std::to_string(file.size());
-    else if (header.packetBytes < shortestPacket || header.packetBytes > longestPacket)
+    else if (header.packetBytes < shortestPacket || header.packetBytes > longestEventPacket)
         reason = sentenceOf(head, packetSize);
     else if (!(header.ticksPerSecond > 0))
         reason = sentenceOf(head, ticks);
     if (!reason.empty())
         return std::nullopt;
     const HeaderBlock all =
-        HeaderBlock::readFrom(file, extensionsOffset, extensions * extensionBytes);
+        file.read("list of extended headers", extensionsOffset, extensions * extensionBytes);
+    if (reason = file.fault(); !reason.empty())
+        return std::nullopt;
     for (std::int64_t i = 0; i < extensions; ++i) {
         const std::int64_t base = i * extensionBytes;
         const std::string kind = valueOf(all, extensionId, base);
@@ -105,15 +97,10 @@ std::optional<EventHeader> readEventHeader(const char* path, std::string& reason
     return header;
 }
 
-void forEachEvent(const char* path,
+void forEachEvent(const HeaderFile& file, const EventHeader& header,
                   const std::function<bool(double seconds, const std::string& text)>& take) {
-    std::string reason;
-    const auto header = readEventHeader(path, reason);
-    File file;
-    if (!header || !file.open(path))
-        return;
-    const std::int64_t stampBytes = header->wideStamps ? 8 : 4;
-    const std::int64_t batch = longestPacket / header->packetBytes * header->packetBytes;
+    const std::int64_t stampBytes = header.wideStamps ? 8 : 4;
+    const std::int64_t batch = longestEventPacket / header.packetBytes * header.packetBytes;
     double commentSeconds = 0.0;
     std::string comment; // until it is clear that no packet continues it
     const auto flush = [&] {
@@ -121,29 +108,31 @@ void forEachEvent(const char* path,
         text.erase(text.find_last_not_of(' ') + 1);
         return text.empty() || take(commentSeconds, text);
     };
-    for (std::int64_t offset = header->headerBytes; offset < file.size(); offset += batch) {
-        const HeaderBlock packets = HeaderBlock::readFrom(file, offset, batch);
+    for (std::int64_t offset = header.headerBytes; offset < file.size() && file.fault().empty();
+         offset += batch) {
+        const HeaderBlock packets = file.read("packets", offset, batch);
         const auto held = static_cast<std::int64_t>(packets.bytes().size());
-        for (std::int64_t at = 0; at + header->packetBytes <= held; at += header->packetBytes) {
+        for (std::int64_t at = 0; at + header.packetBytes <= held; at += header.packetBytes) {
             const std::int64_t body = at + stampBytes;
             const std::uint64_t stamp =
-                header->wideStamps ? valueOf(packets, NumberField<std::uint64_t>{"", 0}, at)
-                                   : valueOf(packets, NumberField<std::uint32_t>{"", 0}, at);
-            const std::uint64_t continued = header->wideStamps ? ~std::uint64_t{0} : 0xFFFFFFFFU;
+                header.wideStamps ? valueOf(packets, NumberField<std::uint64_t>{"", 0}, at)
+                                  : valueOf(packets, NumberField<std::uint32_t>{"", 0}, at);
+            // Wide stamps may have kept what stands for one in narrow ones.
+            const bool continued =
+                stamp == 0xFFFFFFFFU || (header.wideStamps && stamp == ~std::uint64_t{0});
             const std::uint16_t id = valueOf(packets, packetId, body);
-            const double seconds = static_cast<double>(stamp) / header->ticksPerSecond;
+            const double seconds = static_cast<double>(stamp) / header.ticksPerSecond;
             if (id == commentPacket) {
-                if (stamp != continued && !flush())
+                if (!continued && !flush())
                     return;
-                const std::int64_t text = std::min(body + commentOffset, at + header->packetBytes);
+                const std::int64_t text = std::min(body + commentOffset, at + header.packetBytes);
                 const auto bytes =
                     std::span(packets.bytes())
                         .subspan(static_cast<std::size_t>(text),
-                                 static_cast<std::size_t>(at + header->packetBytes - text));
-                if (stamp != continued)
+                                 static_cast<std::size_t>(at + header.packetBytes - text));
+                if (!continued)
                     commentSeconds = seconds;
-                constexpr std::size_t longestComment = 4096;
-                if (comment.size() < longestComment)
+                if (std::cmp_less(comment.size(), longestEventText))
                     comment += commentText(bytes, valueOf(packets, charset, body));
             } else if (id == digitalPacket) {
                 if (!flush() ||

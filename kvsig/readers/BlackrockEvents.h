@@ -1,7 +1,7 @@
 #pragma once
 
 #include "kvsig/readers/CalendarTime.h"
-#include "kvsig/readers/HeaderFields.h"
+#include "kvsig/readers/HeaderFile.h"
 
 #include <cstdint>
 #include <functional>
@@ -10,9 +10,6 @@
 #include <string>
 
 namespace kvsig::blackrock {
-
-/// A start time as eight numbers: year, month, day of week, day, hour, minute, second, millisecond.
-[[nodiscard]] CalendarTime startAt(const HeaderBlock& header, std::int64_t offset);
 
 /// The header of an event file (.nev).
 struct EventHeader {
@@ -26,11 +23,12 @@ struct EventHeader {
 };
 
 /// The header of the file; nothing, with `reason` in words, when it is no sound event file.
-[[nodiscard]] std::optional<EventHeader> readEventHeader(const char* path, std::string& reason);
+[[nodiscard]] std::optional<EventHeader> readEventHeader(const HeaderFile& file,
+                                                         std::string& reason);
 
 /// Hands out the digital and text events in file order, each with its time in seconds by the
 /// recorder's clock, until `take` returns false. Spikes and the rest are passed over.
-void forEachEvent(const char* path,
+void forEachEvent(const HeaderFile& file, const EventHeader& header,
                   const std::function<bool(double seconds, const std::string& text)>& take);
 
 } // namespace kvsig::blackrock

@@ -3,7 +3,9 @@
 #include "kvsig/util/NumberText.h"
 #include "kvsig/util/Saturate.h"
 
+#include <algorithm>
 #include <chrono>
+#include <cmath>
 
 namespace kvsig {
 namespace {
@@ -49,6 +51,30 @@ double CalendarTime::secondsFromDayOf(const CalendarTime& start) const {
     const bool dated = hasDate() && start.hasDate();
     const std::int64_t days = dated ? dayNumber() - start.dayNumber() : 0;
     return static_cast<double>(days) * secondsPerDay + secondOfDay();
+}
+
+CalendarTime CalendarTime::after(double seconds) const {
+    if (!hasTime() || !std::isfinite(seconds))
+        return *this;
+    const double later = secondOfDay() + seconds;
+    const double days = std::floor(later / secondsPerDay);
+    CalendarTime moment = onDay(dayNumber() + saturate<std::int32_t>(days),
+                                std::max(later - days * secondsPerDay, 0.0));
+    if (!hasDate())
+        moment.year = year, moment.month = month, moment.day = day;
+    return moment;
+}
+
+CalendarTime CalendarTime::onDay(std::int64_t dayNumber, double second) {
+    const std::chrono::sys_days date{std::chrono::days{dayNumber}};
+    const std::chrono::year_month_day parts{date};
+    const auto minutes = saturate<int>(second / 60.0);
+    return {static_cast<int>(parts.year()),
+            static_cast<int>(static_cast<unsigned>(parts.month())),
+            static_cast<int>(static_cast<unsigned>(parts.day())),
+            minutes / 60,
+            minutes % 60,
+            second - 60.0 * minutes};
 }
 
 } // namespace kvsig

@@ -29,6 +29,10 @@ struct CalendarTime {
     /// Seconds since midnight of the day of `start`: how the time base counts. Without a date on
     /// both sides, since midnight of the own day.
     [[nodiscard]] double secondsFromDayOf(const CalendarTime& start) const;
+    /// The moment so many seconds later; itself without a time. Without a date there is none then.
+    [[nodiscard]] CalendarTime after(double seconds) const;
+    /// The moment `second` seconds after midnight of the day, counted from 1970-01-01.
+    [[nodiscard]] static CalendarTime onDay(std::int64_t dayNumber, double second);
 };
 
 } // namespace kvsig

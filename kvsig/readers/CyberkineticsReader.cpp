@@ -2,35 +2,34 @@
 
 #include "kvsig/readers/BlackrockBlocks.h"
 #include "kvsig/readers/BlackrockEvents.h"
+#include "kvsig/readers/BlackrockLayout.h"
 #include "kvsig/readers/FlatRecording.h"
 #include "kvsig/readers/HeaderFields.h"
+#include "kvsig/util/Limits.h"
+#include "kvsig/util/LogSink.h"
 #include "kvsig/util/NeighbourFile.h"
 #include "kvsig/util/NumberText.h"
 #include "kvsig/util/Text.h"
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
+#include <optional>
 #include <utility>
 #include <vector>
 
 namespace kvsig {
 namespace {
 
+using namespace blackrock;
 using Severity = OpenFinding::Severity;
 
-// The three kinds of file by their first 8 bytes.
-constexpr const char* bareId = "NEURALSG";  // 2.1
-constexpr const char* blockId = "NEURALCD"; // 2.2, 2.3
-constexpr const char* wideId = "BRSMPGRP";  // 3.0
-constexpr TextField fileId{"file id", 0, 8};
-
-// NEURALSG: no time, no scale, no blocks.
+// NEURALSG.
 namespace bare {
 constexpr NumberField<std::uint32_t> period{"sampling period", 24};
 constexpr NumberField<std::uint32_t> channelCount{"number of channels", 28};
-constexpr NumberField<std::uint32_t> electrode{"electrode id", 32}; // one each
 constexpr std::int64_t fixedBytes = 32;
+// One for each channel behind them.
+constexpr NumberField<std::uint32_t> electrode{"electrode id", 0};
 constexpr std::int64_t channelBytes = 4;
 } // namespace bare
 
@@ -59,7 +58,6 @@ constexpr TextField units{"unit", 30, 16};
 
 constexpr double samplesPerSecond = 30000.0;          // of which the period takes every so many
 constexpr std::uint32_t networkTicks = 1'000'000'000; // of a clock that stamps every sample
-constexpr std::int64_t mostChannels = 32767;
 constexpr std::int64_t sampleBytes = 2;
 constexpr double bareMicrovoltsPerBit = 0.25;
 constexpr double secondsPerYear = 31557600.0;
@@ -108,6 +106,15 @@ FlatChannel channelAt(std::int64_t index, std::string name, std::uint32_t electr
 
 } // namespace
 
+struct CyberkineticsReader::State {
+    std::string eventFile;             ///< path of the .nev
+    std::optional<EventHeader> events; ///< when the .nev belongs to the recording
+    double clockOrigin = 0.0; ///< seconds by the recorder's clock at the start of the recording
+};
+
+CyberkineticsReader::CyberkineticsReader() : m_state(std::make_unique<State>()) {}
+CyberkineticsReader::~CyberkineticsReader() = default;
+
 bool CyberkineticsReader::isFileType(const char* path) {
     const std::string id = idOf(path);
     // Nothing is known of what a .toc holds; it is taken in order to be refused by its name.
@@ -115,20 +122,20 @@ bool CyberkineticsReader::isFileType(const char* path) {
 }
 
 bool CyberkineticsReader::describe(FlatRecording& recording) {
-    m_events.clear();
-    m_clockOrigin = 0.0;
+    *m_state = State();
     std::string reason;
     if (!recording.samples.open(filePath().c_str(), &reason))
         return refuse(1, reason);
-    const std::string id = valueOf(HeaderBlock::readFrom(recording.samples, fileId.width), fileId);
+    const HeaderBlock head = recording.samples.read("header", 0, full::fixedBytes);
+    const std::string id = valueOf(head, fileId);
     if (id == bareId)
-        return describeBare(recording);
+        return describeBare(head, recording);
     if (id == blockId || id == wideId)
-        return describeBlocks(recording);
+        return describeBlocks(head, recording);
     if (isTocName(filePath().c_str()))
         return refuse(3, "Cyberkinetics recordings with a .toc are a variant whose layout is not "
                          "known; .ns1 to .ns9 are read");
-    if (id == "NEURALEV" || id == "BREVENTS")
+    if (id == eventId || id == wideEventId)
         return refuse(3, "this is the event file (.nev) of a Blackrock recording: open the .ns "
                          "file beside it");
     if (recording.samples.size() < fileId.width)
@@ -137,8 +144,7 @@ bool CyberkineticsReader::describe(FlatRecording& recording) {
     return refuse(3, "its first 8 bytes are none of NEURALSG, NEURALCD and BRSMPGRP");
 }
 
-bool CyberkineticsReader::describeBare(FlatRecording& recording) {
-    const HeaderBlock head = HeaderBlock::readFrom(recording.samples, bare::fixedBytes);
+bool CyberkineticsReader::describeBare(const HeaderBlock& head, FlatRecording& recording) {
     const std::int64_t size = recording.samples.size();
     const std::int64_t channels = valueOf(head, bare::channelCount);
     const std::int64_t dataOffset = bare::fixedBytes + channels * bare::channelBytes;
@@ -156,11 +162,11 @@ bool CyberkineticsReader::describeBare(FlatRecording& recording) {
         return refuse(2, sentenceOf(head, bare::period));
     recording.rate = samplesPerSecond / valueOf(head, bare::period);
 
-    findCompanion(recording);
-    std::string reason;
-    const auto events =
-        m_events.empty() ? std::nullopt : blackrock::readEventHeader(m_events.c_str(), reason);
-    const HeaderBlock ids = HeaderBlock::readFrom(recording.samples, dataOffset);
+    if (!findCompanion(recording, true))
+        return false;
+    const auto& events = m_state->events;
+    const HeaderBlock ids =
+        recording.samples.read("list of channels", bare::fixedBytes, channels * bare::channelBytes);
     std::int64_t unscaled = 0;
     for (std::int64_t i = 0; i < channels; ++i) {
         const std::uint32_t electrode = valueOf(ids, bare::electrode, i * bare::channelBytes);
@@ -173,8 +179,7 @@ bool CyberkineticsReader::describeBare(FlatRecording& recording) {
             channelAt(i, events ? known(events->labels) : std::string(), electrode);
         const double nanovolts = events ? known(events->nanovoltsPerBit) : 0.0;
         unscaled += nanovolts > 0 ? 0 : 1;
-        calibrate(channel, {"uV", nanovolts > 0 ? nanovolts / 1000.0 : bareMicrovoltsPerBit, 0.0,
-                            channel.integer.least(), channel.integer.greatest()});
+        calibrateMicrovolts(channel, nanovolts > 0 ? nanovolts / 1000.0 : bareMicrovoltsPerBit);
         recording.channels.push_back(std::move(channel));
     }
     if (unscaled > 0)
@@ -198,8 +203,7 @@ bool CyberkineticsReader::describeBare(FlatRecording& recording) {
     return true;
 }
 
-bool CyberkineticsReader::describeBlocks(FlatRecording& recording) {
-    const HeaderBlock head = HeaderBlock::readFrom(recording.samples, full::fixedBytes);
+bool CyberkineticsReader::describeBlocks(const HeaderBlock& head, FlatRecording& recording) {
     const std::int64_t size = recording.samples.size();
     const bool wideStamps = valueOf(head, fileId) == wideId;
     const int major = valueOf(head, full::major), minor = valueOf(head, full::minor);
@@ -230,46 +234,43 @@ bool CyberkineticsReader::describeBlocks(FlatRecording& recording) {
         if (valueOf(head, field) == 0)
             return refuse(2, sentenceOf(head, field));
     recording.rate = samplesPerSecond / valueOf(head, full::period);
-    recording.start = blackrock::startAt(head, full::startOffset);
+    recording.start = startAt(head, full::startOffset);
     if (!recording.start.hasDate() || !recording.start.hasTime())
         report(Severity::warning, "its start (offset 294) is no date and time");
     copyText(recording.patient.comments1, valueOf(head, full::comment));
 
-    const HeaderBlock header = HeaderBlock::readFrom(recording.samples, fullHeader);
+    const HeaderBlock header =
+        recording.samples.read("list of channels", full::fixedBytes, channels * full::channelBytes);
     for (std::int64_t i = 0; i < channels; ++i) {
-        const std::int64_t base = full::fixedBytes + i * full::channelBytes;
+        const std::int64_t base = i * full::channelBytes;
         if (valueOf(header, full::mark, base) != "CC")
             return refuse(2, "the record of channel " + std::to_string(i + 1) + " (offset " +
-                                 std::to_string(base) + ") does not begin with CC");
+                                 std::to_string(full::fixedBytes + base) +
+                                 ") does not begin with CC");
         FlatChannel channel =
             channelAt(i, valueOf(header, full::name, base), valueOf(header, full::electrode, base));
         calibrateChannel(channel, header, base);
         recording.channels.push_back(std::move(channel));
     }
-    if (!findBlocks(recording, dataOffset, wideStamps))
-        return false;
-    findCompanion(recording);
-    return true;
+    return findBlocks(head, recording) && findCompanion(recording, false);
 }
 
-bool CyberkineticsReader::findBlocks(FlatRecording& recording, std::int64_t dataOffset,
-                                     bool wideStamps) {
-    const HeaderBlock head = HeaderBlock::readFrom(recording.samples, full::fixedBytes);
+bool CyberkineticsReader::findBlocks(const HeaderBlock& head, FlatRecording& recording) {
     const double ticks = valueOf(head, full::ticks);
-    blackrock::BlockLayout layout{dataOffset, wideStamps,
-                                  static_cast<std::int64_t>(recording.channels.size()), 0};
-    if (wideStamps && valueOf(head, full::ticks) == networkTicks)
+    BlockLayout layout{valueOf(head, full::headerBytes), valueOf(head, fileId) == wideId,
+                       static_cast<std::int64_t>(recording.channels.size()), 0};
+    if (layout.wideStamps && valueOf(head, full::ticks) == networkTicks)
         layout.longestStep = static_cast<std::uint64_t>(2.0 * ticks / recording.rate);
-    const blackrock::BlockScan scan = blackrock::scanBlocks(recording.samples, layout);
-    if (scan.runs.size() > blackrock::mostRuns)
-        return refuse(3, "more than " + std::to_string(blackrock::mostRuns) +
+    const BlockScan scan = scanBlocks(recording.samples, layout);
+    if (scan.runs.size() > mostBlockRuns)
+        return refuse(3, "more than " + std::to_string(mostBlockRuns) +
                              " data blocks with pauses between them are a variant that is not "
                              "read");
     for (const std::string& oddity : scan.oddities)
         report(Severity::warning, oddity);
 
-    const auto isLong = [](const blackrock::Run& run) { return run.frames > run.blocks; };
-    const auto isStrided = [](const blackrock::Run& run) { return run.blocks > 1; };
+    const auto isLong = [](const Run& run) { return run.frames > run.blocks; };
+    const auto isStrided = [](const Run& run) { return run.blocks > 1; };
     const bool strided = std::any_of(scan.runs.begin(), scan.runs.end(), isStrided);
     if (strided && std::any_of(scan.runs.begin(), scan.runs.end(), isLong))
         return refuse(3, "blocks of one sample each and longer ones in one file are a variant that "
@@ -282,17 +283,17 @@ bool CyberkineticsReader::findBlocks(FlatRecording& recording, std::int64_t data
     if (!scan.runs.empty())
         if (const double first = static_cast<double>(scan.runs.front().stamp) / ticks;
             first > secondsPerYear) {
-            m_clockOrigin = first;
+            m_state->clockOrigin = first;
             report(Severity::warning, "its first time stamp lies " + fixedText(first, 0) +
                                           " s behind the start in the header: the clock is taken "
                                           "to begin with the first sample");
         }
-    for (const blackrock::Run& run : scan.runs) {
+    for (const Run& run : scan.runs) {
         const std::int64_t offset = run.offset + (strided ? 0 : layout.headBytes());
         track.pieces.push_back({offset, run.frames});
         recording.segments.push_back(
             {run.frames, recording.start.secondOfDay() +
-                             (static_cast<double>(run.stamp) / ticks - m_clockOrigin)});
+                             (static_cast<double>(run.stamp) / ticks - m_state->clockOrigin)});
     }
     recording.tracks.push_back(std::move(track));
 
@@ -310,16 +311,22 @@ bool CyberkineticsReader::findBlocks(FlatRecording& recording, std::int64_t data
 }
 
 // The .nev of the same name, when it is one and belongs to the recording: their starts differ at
-// most by a time zone, since older event files hold the local time and newer ones UTC.
-void CyberkineticsReader::findCompanion(const FlatRecording& recording) {
-    const std::string path = companionFile(filePath(), ".nev");
+// most by a time zone, since older event files hold the local time and newer ones UTC. False when
+// it is needed and cannot be read.
+bool CyberkineticsReader::findCompanion(const FlatRecording& recording, bool isNeeded) {
+    m_state->eventFile = companionFile(filePath(), ".nev");
+    if (m_state->eventFile.empty())
+        return true;
+    HeaderFile file;
     std::string reason;
-    if (path.empty())
-        return;
-    const auto events = blackrock::readEventHeader(path.c_str(), reason);
+    auto& events = m_state->events;
+    if (file.open(m_state->eventFile.c_str(), &reason))
+        events = readEventHeader(file, reason);
     if (!events) {
+        if (isNeeded && !file.fault().empty())
+            return refuse(2, "of the .nev beside it: " + reason);
         report(Severity::warning, "the .nev beside it is left out: " + reason);
-        return;
+        return true;
     }
     constexpr double quarterHour = 900.0, widestZone = 14 * 3600.0, nearly = 5.0;
     if (recording.start.hasDate() && events->start.hasDate()) {
@@ -330,21 +337,26 @@ void CyberkineticsReader::findCompanion(const FlatRecording& recording) {
             report(Severity::warning, "the .nev beside it is left out: it starts " +
                                           fixedText(apart, 0) +
                                           " s later, so it is of another recording");
-            return;
+            events.reset();
         }
     }
-    m_events = path;
+    return true;
 }
 
 void CyberkineticsReader::listEvents(std::vector<FlatEvent>& events) {
-    if (m_events.empty())
+    if (!m_state->events)
         return;
-    const double start = recording().start.secondOfDay() - m_clockOrigin;
-    blackrock::forEachEvent(m_events.c_str(), [&](double seconds, const std::string& text) {
-        if (const auto sample = sampleAt(start + seconds))
-            events.push_back({*sample, text, {}, 0.0});
-        return events.size() < mostFlatEvents;
-    });
+    HeaderFile file;
+    std::string reason;
+    const double start = recording().start.secondOfDay() - m_state->clockOrigin;
+    if (file.open(m_state->eventFile.c_str(), &reason))
+        forEachEvent(file, *m_state->events, [&](double seconds, const std::string& text) {
+            if (const auto sample = sampleAt(start + seconds))
+                events.push_back({*sample, text, {}, 0.0});
+            return events.size() < mostEvents;
+        });
+    if (reason += file.fault(); !reason.empty())
+        logMessage(logWarning, m_state->eventFile + ": events are left out: " + reason);
 }
 
 } // namespace kvsig

@@ -3,15 +3,21 @@
 #include "kvsig/readers/FlatReader.h"
 #include "kvsig/util/Export.h"
 
-#include <string>
+#include <cstdint>
+#include <memory>
 
 namespace kvsig {
+
+class HeaderBlock;
 
 /// Blackrock recordings ("Blackrock (*.ns*)"): NEURALSG (2.1), NEURALCD (2.2, 2.3) and BRSMPGRP
 /// (3.0), with the events of the .nev beside them. "Cyberkinetics (*.toc)" shares the class and is
 /// refused.
 class KVSIG_API CyberkineticsReader : public FlatReader {
   public:
+    CyberkineticsReader();
+    ~CyberkineticsReader() override;
+
     /// True when the file's first 8 bytes are one of the three ids; by its name alone for *.toc.
     static bool isFileType(const char* path);
 
@@ -20,13 +26,14 @@ class KVSIG_API CyberkineticsReader : public FlatReader {
     void listEvents(std::vector<FlatEvent>& events) override;
 
   private:
-    bool describeBare(FlatRecording& recording);
-    bool describeBlocks(FlatRecording& recording);
-    bool findBlocks(FlatRecording& recording, std::int64_t dataOffset, bool wideStamps);
-    void findCompanion(const FlatRecording& recording);
+    struct State;
 
-    std::string m_events;       ///< path of the .nev that belongs to the recording; empty without
-    double m_clockOrigin = 0.0; ///< seconds by the recorder's clock at the start of the recording
+    bool describeBare(const HeaderBlock& head, FlatRecording& recording);
+    bool describeBlocks(const HeaderBlock& head, FlatRecording& recording);
+    bool findBlocks(const HeaderBlock& head, FlatRecording& recording);
+    bool findCompanion(const FlatRecording& recording, bool isNeeded);
+
+    std::unique_ptr<State> m_state; ///< of the latest describe()
 };
 
 } // namespace kvsig

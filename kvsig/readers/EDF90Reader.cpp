@@ -490,16 +490,14 @@ const char* EDF90Reader::_channelName(int channel) {
 
 const char* EDF90Reader::_grid1(int channel) {
     thread_local char grid1[gridNameSize];
-    char grid2[gridNameSize];
-    if (ParseG1G2(_channelName(channel), grid1, grid2, nullptr) < 1)
+    if (ParseG1G2(_channelName(channel), grid1, nullptr, nullptr) < 1)
         copyText(grid1, std::to_string(channel + 1));
     return grid1;
 }
 
 const char* EDF90Reader::_grid2(int channel) {
     thread_local char grid2[gridNameSize];
-    char grid1[gridNameSize];
-    if (ParseG1G2(_channelName(channel), grid1, grid2, nullptr) < 2)
+    if (ParseG1G2(_channelName(channel), nullptr, grid2, nullptr) < 2)
         grid2[0] = '\0';
     return grid2;
 }

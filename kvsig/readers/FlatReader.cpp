@@ -5,6 +5,7 @@
 #include "kvsig/kernel/SampleTime.h"
 #include "kvsig/readers/FlatRecording.h"
 #include "kvsig/readers/FlatSamples.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/LogSink.h"
 #include "kvsig/util/NumberText.h"
 #include "kvsig/util/Saturate.h"
@@ -22,10 +23,8 @@ namespace {
 
 using Severity = OpenFinding::Severity;
 
-constexpr double fastestRate = 1e7;    // hertz; no polygraph comes near
 constexpr double usualPageSeconds = 5; // what open() asks for
 constexpr std::int64_t mostSamples = std::numeric_limits<std::int32_t>::max();
-constexpr std::size_t mostChannels = std::numeric_limits<std::int16_t>::max();
 
 // The start of a text; a character of UTF-8 that would be cut in two is left out.
 std::string fittingPart(const std::string& text, std::size_t most) {
@@ -59,7 +58,10 @@ bool FlatReader::openFile() {
     *m_flat = State();
     forgetSamples();
     setChannelCount(0);
-    if (describe(m_flat->recording) && accept())
+    const bool described = describe(m_flat->recording);
+    // Of headers that did not arrive nothing is believed, whatever was made of them.
+    const std::string fault = m_flat->recording.samples.takeFault();
+    if (fault.empty() ? described && accept() : refuse(2, fault))
         return true;
     *m_flat = State();
     return false;
@@ -70,7 +72,7 @@ bool FlatReader::accept() {
     FlatRecording& recording = m_flat->recording;
     if (!(recording.rate > 0) || !std::isfinite(recording.rate))
         return refuse(2, "the sampling rate is " + shortestText(recording.rate) + " Hz");
-    if (recording.channels.empty() || recording.channels.size() > mostChannels)
+    if (recording.channels.empty() || std::cmp_greater(recording.channels.size(), mostChannels))
         return refuse(2, "it has " + std::to_string(recording.channels.size()) +
                              " channels, 1 to " + std::to_string(mostChannels) + " can be read");
     if (const std::string fault = m_flat->samples.prepare(recording); !fault.empty())
@@ -95,7 +97,7 @@ bool FlatReader::accept() {
 void FlatReader::reportOddFacts() {
     const FlatRecording& recording = m_flat->recording;
     const std::int64_t count = m_flat->samples.count();
-    if (recording.rate > fastestRate)
+    if (recording.rate > fastestSamplingRate)
         report(Severity::unusable, "the sampling rate is " + shortestText(recording.rate) + " Hz");
     const double frame = static_cast<double>(recording.channels.size()) * bytesPerSample();
     if (recording.rate * usualPageSeconds * frame > static_cast<double>(maxPageBytes))
@@ -165,8 +167,10 @@ bool FlatReader::getPatientRec() {
 int FlatReader::readEvents(std::deque<ClientEvent>& events) {
     std::vector<FlatEvent> listed;
     listEvents(listed);
-    if (listed.size() >= mostFlatEvents)
-        logMessage(logWarning, filePath() + ": it has more than " + std::to_string(mostFlatEvents) +
+    if (const std::string fault = m_flat->recording.samples.takeFault(); !fault.empty())
+        logMessage(logWarning, filePath() + ": events are left out: " + fault);
+    if (listed.size() >= mostEvents)
+        logMessage(logWarning, filePath() + ": it has more than " + std::to_string(mostEvents) +
                                    " events, the rest is left out");
     const std::int64_t end = std::min(m_flat->samples.count(), mostSamples);
     std::erase_if(listed, [end](const FlatEvent& event) {

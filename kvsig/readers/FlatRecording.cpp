@@ -54,6 +54,10 @@ void calibrate(FlatChannel& channel, const FlatScale& scale) {
     channel.physioHigh = (channel.digitalHigh + left) * scale.scale;
 }
 
+void calibrateMicrovolts(FlatChannel& channel, double scale, double zero) {
+    calibrate(channel, {"uV", scale, zero, channel.integer.least(), channel.integer.greatest()});
+}
+
 std::int64_t wholeFrames(std::int64_t offset, std::int64_t end, std::int64_t frameBytes) {
     return offset < end && frameBytes > 0 ? (end - offset) / frameBytes : 0;
 }

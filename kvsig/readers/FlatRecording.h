@@ -3,7 +3,7 @@
 #include "kvsig/kernel/PatientRec.h"
 #include "kvsig/readers/CalendarTime.h"
 #include "kvsig/readers/FlatDecode.h"
-#include "kvsig/util/File.h"
+#include "kvsig/readers/HeaderFile.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -70,6 +70,8 @@ struct FlatScale {
 /// Gives the channel the calibration with which getData() at gain 1 yields physical values: type 1
 /// for microvolts where the zero can be subtracted from the counts, else type 100. Needs `integer`.
 void calibrate(FlatChannel& channel, const FlatScale& scale);
+/// The same for microvolts over all that the integer holds.
+void calibrateMicrovolts(FlatChannel& channel, double scale, double zero = 0.0);
 
 /// Recorded without a pause.
 struct FlatSegment {
@@ -79,8 +81,8 @@ struct FlatSegment {
 
 /// What a format hands over.
 struct FlatRecording {
-    File samples;      ///< the file that holds them; need not be the one that was opened
-    double rate = 0.0; ///< hertz, that of the fastest channel
+    HeaderFile samples; ///< the file that holds them; need not be the one that was opened
+    double rate = 0.0;  ///< hertz, that of the fastest channel
     std::vector<FlatTrack> tracks;
     std::vector<FlatChannel> channels;
     std::vector<FlatSegment> segments;
@@ -95,9 +97,6 @@ struct FlatEvent {
     std::string label;     ///< channel or target; empty for all
     double duration = 0.0; ///< seconds
 };
-
-/// Where a list of events ends: what a file of gigabytes may claim must not fill the memory.
-inline constexpr std::size_t mostFlatEvents = std::size_t{1} << 20;
 
 /// The whole frames between two offsets of a file.
 [[nodiscard]] std::int64_t wholeFrames(std::int64_t offset, std::int64_t end,

@@ -1,5 +1,6 @@
 #include "kvsig/readers/FlatSamples.h"
 
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/NumberText.h"
 #include "kvsig/util/Saturate.h"
 
@@ -13,7 +14,6 @@ namespace kvsig {
 namespace {
 
 constexpr std::int64_t batchBytes = std::int64_t{512} << 10; // what a core's cache holds
-constexpr std::int64_t largestGroup = std::int64_t{64} << 20;
 
 std::size_t at(std::int64_t index) { return static_cast<std::size_t>(index); }
 
@@ -79,7 +79,7 @@ std::string FlatSamples::prepareTrack(const FlatRecording& recording, std::size_
     Track& track = m_tracks[index];
     const std::int64_t size = recording.samples.size();
     if (described.frameBytes < 1 || described.together < 1 ||
-        described.together > largestGroup / described.frameBytes)
+        described.together > mostGroupBytes / described.frameBytes)
         return std::to_string(described.together) + " samples of " +
                std::to_string(described.frameBytes) + " bytes stand together";
     for (const FlatPiece& piece : described.pieces) {
@@ -102,7 +102,6 @@ std::string FlatSamples::prepareTrack(const FlatRecording& recording, std::size_
         return "a channel's sampling rate is " + shortestText(described.rate) + " Hz, above the " +
                shortestText(recording.rate) + " Hz of all";
     track.counted = described.rate == 0.0 || described.rate == recording.rate;
-    track.ownPerShown = track.counted ? 1.0 : described.rate / recording.rate;
     track.segmentStarts = described.segmentStarts;
     track.segmentStarts.resize(m_segmentStarts.size(), track.count);
     if (described.segmentStarts.empty())
@@ -143,6 +142,8 @@ std::int64_t FlatSamples::readShown(const FlatRecording& recording, std::size_t 
                                     std::int64_t first, std::int64_t count,
                                     const FlatFrames<Out>& frames) {
     const Track& track = m_tracks[index];
+    const double rate =
+        recording.tracks[index].rate > 0 ? recording.tracks[index].rate : recording.rate;
     const std::int64_t width =
         std::lower_bound(track.channels.begin(), track.channels.end(), frames.channels) -
         track.channels.begin();
@@ -157,8 +158,9 @@ std::int64_t FlatSamples::readShown(const FlatRecording& recording, std::size_t 
         const std::int64_t ownEnd = last ? track.count : track.segmentStarts[at(segment + 1)];
         const std::int64_t from = first + done - m_segmentStarts[at(segment)];
         const std::int64_t part = std::min(count - done, end - first - done);
+        // Multiplied first: of whole rates the product is exact.
         const auto own = [&](std::int64_t shown) {
-            const double place = std::floor(static_cast<double>(shown) * track.ownPerShown);
+            const double place = std::floor(static_cast<double>(shown) * rate / recording.rate);
             const std::int64_t sample = ownStart + saturate<std::int64_t>(place);
             return sample == ownEnd && ownEnd > ownStart ? sample - 1 : sample;
         };
@@ -224,8 +226,9 @@ std::int64_t FlatSamples::readPart(const FlatRecording& recording, const Part& p
     const std::int64_t offset = piece.offset + start * frameBytes;
     const std::int64_t bytes = (end - start) * frameBytes;
     if (track.alike && step * std::int64_t{sizeof(Out)} == frameBytes)
-        return recording.samples.readAt(offset, out, bytes) / frameBytes;
-    if (!m_bytes.reserve(bytes) || recording.samples.readAt(offset, m_bytes.data(), bytes) < bytes)
+        return recording.samples.file().readAt(offset, out, bytes) / frameBytes;
+    if (!m_bytes.reserve(bytes) ||
+        recording.samples.file().readAt(offset, m_bytes.data(), bytes) < bytes)
         return 0;
     // Frames one by one are one group whose samples are a frame apart.
     for (std::int64_t i = part.first; i < part.first + part.count;) {

@@ -43,7 +43,6 @@ class FlatSamples {
         std::vector<std::int64_t> segmentStarts;
         std::int64_t count = 0;
         std::vector<int> channels; ///< of the recording, ascending
-        double ownPerShown = 1.0;  ///< own samples per sample at the recording's rate
         bool counted = true;       ///< own sample i is the recording's sample i
         bool alike = false;        ///< frames are stored as 16-bit or 32-bit pages hold them
     };

@@ -6,16 +6,9 @@
 namespace kvsig {
 
 HeaderBlock HeaderBlock::readFrom(const File& file, std::int64_t length) {
-    return readFrom(file, 0, length);
-}
-
-HeaderBlock HeaderBlock::readFrom(const File& file, std::int64_t offset, std::int64_t length) {
-    const std::int64_t size = file.size();
-    if (offset < 0 || offset >= size)
-        return {};
-    const std::int64_t wanted = std::clamp<std::int64_t>(length, 0, size - offset);
+    const std::int64_t wanted = std::clamp<std::int64_t>(length, 0, file.size());
     std::vector<std::byte> bytes(static_cast<std::size_t>(wanted));
-    bytes.resize(static_cast<std::size_t>(file.readAt(offset, bytes.data(), wanted)));
+    bytes.resize(static_cast<std::size_t>(file.readAt(0, bytes.data(), wanted)));
     return HeaderBlock(std::move(bytes));
 }
 
@@ -27,11 +20,9 @@ std::string_view viewHeaderField(const HeaderBlock& header, std::int64_t offset,
     const char* const text =
         static_cast<const char*>(static_cast<const void*>(bytes.data())) + begin;
     const std::size_t held = std::min(static_cast<std::size_t>(width), bytes.size() - begin);
-    std::size_t length = 0;
-    for (std::size_t i = 0; i < held && text[i] != '\0'; ++i)
-        if (text[i] != ' ')
-            length = i + 1;
-    return {text, length};
+    const std::string_view field(text, held);
+    const std::string_view ended = field.substr(0, field.find('\0'));
+    return ended.substr(0, ended.find_last_not_of(' ') + 1);
 }
 
 std::string readHeaderField(const HeaderBlock& header, std::int64_t offset, int width) {

@@ -20,8 +20,6 @@ class HeaderBlock {
 
     /// Reads the first `length` bytes of the file, or as many as there are.
     static HeaderBlock readFrom(const File& file, std::int64_t length);
-    /// The same from `offset` on; empty when that is outside the file.
-    static HeaderBlock readFrom(const File& file, std::int64_t offset, std::int64_t length);
 
     [[nodiscard]] const std::vector<std::byte>& bytes() const { return m_bytes; }
 

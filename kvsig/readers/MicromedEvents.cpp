@@ -37,12 +37,10 @@ bool isErased(const std::string& text) {
 
 // Calls `each(block, base)` for the records of a zone until it returns false.
 template <typename Each>
-void forEachRecord(const FlatRecording& recording, const HeaderBlock& header, const char* name,
-                   std::int64_t recordBytes, std::int64_t most, Each each) {
-    const Zone zone = findZone(header, name, recording.samples.size());
+void forEachRecord(const HeaderFile& file, Zone zone, std::int64_t recordBytes, std::int64_t most,
+                   Each each) {
     const std::int64_t count = std::min(zone.length / recordBytes, most);
-    const HeaderBlock block =
-        HeaderBlock::readFrom(recording.samples, zone.start, count * recordBytes);
+    const HeaderBlock block = file.read("zone of events", zone.start, count * recordBytes);
     for (std::int64_t i = 0; i < count; ++i)
         if (!each(block, i * recordBytes))
             return;
@@ -77,11 +75,13 @@ std::optional<CalendarTime> clockOf(std::string_view text) {
 
 } // namespace
 
-void listZoneEvents(const FlatRecording& recording, std::int64_t samples,
-                    std::vector<FlatEvent>& events) {
-    const HeaderBlock header = HeaderBlock::readFrom(recording.samples, headerBytes);
-    const auto records = [&](const char* zone, std::int64_t bytes, std::int64_t most, auto each) {
-        forEachRecord(recording, header, zone, bytes, most, each);
+void listZoneEvents(const HeaderBlock& header, const FlatRecording& recording, std::int64_t samples,
+                    std::vector<FlatEvent>& events, std::vector<std::string>& oddities) {
+    const HeaderFile& file = recording.samples;
+    const auto records = [&](const char* name, std::int64_t bytes, std::int64_t most, auto each) {
+        if (const std::string outside = whyOutside(header, name, file.size()); !outside.empty())
+            oddities.push_back(outside);
+        forEachRecord(file, findZone(header, name).within(file.size()), bytes, most, each);
     };
     records("NOTE", noteBytes, mostNotes, [&](const HeaderBlock& block, std::int64_t base) {
         const std::uint32_t sample = valueOf(block, noteSample, base);
@@ -132,6 +132,7 @@ std::vector<ClockEvent> readEventFile(const char* path, std::string& reason) {
         reason = "it has no list of events";
         return events;
     }
+    int dateless = 0;
     while (xml.findElement("Event") && xml.intoElement()) {
         const auto child = [&xml](const char* name) {
             xml.resetPosition();
@@ -142,8 +143,13 @@ std::vector<ClockEvent> readEventFile(const char* path, std::string& reason) {
         if (begin)
             events.push_back({*begin, clockOf(child("End")).value_or(CalendarTime{.hour = -1}),
                               child("Text") + (extra.empty() ? "" : " " + extra)});
+        else
+            ++dateless;
         xml.outOfElement();
     }
+    if (dateless > 0)
+        reason = std::to_string(dateless) + " events are left out, whose Begin is no date and time "
+                                            "as yyyy-mm-dd hh:mm:ss";
     return events;
 }
 

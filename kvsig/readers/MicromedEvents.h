@@ -11,10 +11,10 @@
 
 namespace kvsig::micromed {
 
-/// Appends the notes, flags, events and triggers of the recording's own zones. `samples` is its
-/// length.
-void listZoneEvents(const FlatRecording& recording, std::int64_t samples,
-                    std::vector<FlatEvent>& events);
+/// Appends the notes, flags, events and triggers of the recording's own zones; `oddities` gets what
+/// is wrong with a zone. `samples` is the recording's length.
+void listZoneEvents(const HeaderBlock& header, const FlatRecording& recording, std::int64_t samples,
+                    std::vector<FlatEvent>& events, std::vector<std::string>& oddities);
 
 /// An event of an .EVT file.
 struct ClockEvent {
@@ -23,8 +23,7 @@ struct ClockEvent {
     std::string text;
 };
 
-/// The events of an .EVT file in file order; those without a readable begin are left out. `reason`
-/// says why the file cannot be read.
+/// The events of an .EVT file in file order. `reason` says what is left out, and why.
 [[nodiscard]] std::vector<ClockEvent> readEventFile(const char* path, std::string& reason);
 
 } // namespace kvsig::micromed

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "kvsig/readers/HeaderFields.h"
-#include "kvsig/util/File.h"
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 /// The header of a Micromed recording, type 4.
@@ -38,13 +38,20 @@ constexpr TextField zoneName{"name of a zone", 0, 8};
 constexpr NumberField<std::uint32_t> zoneStart{"start of a zone", 8};
 constexpr NumberField<std::uint32_t> zoneLength{"length of a zone", 12};
 
-/// Where a zone lies; length 0 when there is none of that name or it leaves the file.
+/// Where a zone lies.
 struct Zone {
     std::int64_t start = 0;
     std::int64_t length = 0;
+    /// Length 0 when it leaves the file.
+    [[nodiscard]] Zone within(std::int64_t fileSize) const {
+        return start + length <= fileSize ? *this : Zone{};
+    }
 };
-[[nodiscard]] Zone findZone(const HeaderBlock& header, std::string_view name,
-                            std::int64_t fileSize);
+/// As its descriptor says; length 0 when there is none of that name.
+[[nodiscard]] Zone findZone(const HeaderBlock& header, std::string_view name);
+/// "its zone NOTE (offset 7, 44 bytes) leaves the file of 20 bytes"; empty when it does not.
+[[nodiscard]] std::string whyOutside(const HeaderBlock& header, std::string_view name,
+                                     std::int64_t fileSize);
 
 /// A text field without the blanks, NULs and bytes 1 that fill it.
 [[nodiscard]] std::string textOf(const HeaderBlock& block, TextField field, std::int64_t base = 0);

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace kvsig {
 namespace {
@@ -34,7 +35,7 @@ constexpr NumberField<std::uint32_t> originalSample{"original sample of a piece"
 constexpr NumberField<std::uint32_t> ownSample{"sample of a piece", 4};
 
 constexpr NumberField<std::uint16_t> orderEntry{"electrode of a channel", 0};
-constexpr int readHeaderType = 4;
+constexpr int readHeaderType = 4, earlyHeaderType = 3; // which has its zones too
 constexpr std::string_view usualTitle = "* MICROMED";
 constexpr std::string_view galileoTitle = "GALILEO EEG TRACE FILE";
 
@@ -77,14 +78,23 @@ FlatInteger integerOf(std::int64_t bytes, const HeaderBlock& record) {
 
 } // namespace
 
-Zone micromed::findZone(const HeaderBlock& header, std::string_view name, std::int64_t fileSize) {
+Zone micromed::findZone(const HeaderBlock& header, std::string_view name) {
     for (int i = 0; i < zoneCount; ++i) {
         const std::int64_t base = zonesOffset + i * zoneBytes;
-        const Zone zone{valueOf(header, zoneStart, base), valueOf(header, zoneLength, base)};
         if (textOf(header, zoneName, base) == name)
-            return zone.start + zone.length <= fileSize ? zone : Zone{};
+            return {valueOf(header, zoneStart, base), valueOf(header, zoneLength, base)};
     }
     return {};
+}
+
+std::string micromed::whyOutside(const HeaderBlock& header, std::string_view name,
+                                 std::int64_t fileSize) {
+    const Zone zone = findZone(header, name);
+    return zone.start + zone.length <= fileSize
+               ? std::string()
+               : "its zone " + std::string(name) + " (offset " + std::to_string(zone.start) + ", " +
+                     std::to_string(zone.length) + " bytes) leaves the file of " +
+                     std::to_string(fileSize) + " bytes";
 }
 
 std::string micromed::textOf(const HeaderBlock& block, TextField field, std::int64_t base) {
@@ -93,22 +103,31 @@ std::string micromed::textOf(const HeaderBlock& block, TextField field, std::int
     return text;
 }
 
+struct MicromedReader::State {
+    std::vector<FlatEvent> events; ///< of the file's own zones
+};
+
+MicromedReader::MicromedReader() : m_state(std::make_unique<State>()) {}
+MicromedReader::~MicromedReader() = default;
+
 bool MicromedReader::isFileType(const char* path) {
     File file;
     if (!file.open(path))
         return false;
     const HeaderBlock header = HeaderBlock::readFrom(file, headerBytes);
     return hasTitle(header, usualTitle) || hasTitle(header, galileoTitle) ||
-           (valueOf(header, headerType) == readHeaderType && hasZones(header));
+           (hasZones(header) && (valueOf(header, headerType) == readHeaderType ||
+                                 valueOf(header, headerType) == earlyHeaderType));
 }
 
 bool MicromedReader::describe(FlatRecording& recording) {
+    *m_state = State();
     std::string reason;
     if (!recording.samples.open(filePath().c_str(), &reason))
         return refuse(1, reason);
-    // Read once: of a file that changes meanwhile, or of a disk that fails, a second look would
-    // tell other numbers than those that were found sound.
-    const HeaderBlock header = HeaderBlock::readFrom(recording.samples, headerBytes);
+    // Read once: of a file that changes meanwhile, a second look would tell other numbers than
+    // those that were found sound.
+    const HeaderBlock header = recording.samples.read("header", 0, headerBytes);
     const std::int64_t size = recording.samples.size();
     if (!isReadVariant(header, size) || !isSoundHeader(header, size) ||
         !describeChannels(header, recording))
@@ -138,6 +157,8 @@ bool MicromedReader::describe(FlatRecording& recording) {
                                    std::to_string(recording.channels.size()) + " channels");
     recording.tracks.push_back({frameBytes, 1, 0.0, {{offset, frames}}, {}});
     describePieces(header, recording, frames);
+    if (recording.samples.fault().empty())
+        readZones(header, recording, frames);
     return true;
 }
 
@@ -154,7 +175,7 @@ bool MicromedReader::isReadVariant(const HeaderBlock& header, std::int64_t size)
         return refuse(3, typeText + ": a System 1 recording, a variant that is not read; 4 is");
     if (type == 2)
         return refuse(3, typeText + ": a System 2 recording, a variant that is not read; 4 is");
-    if (type == 3)
+    if (type == earlyHeaderType)
         return refuse(3, typeText + ": an early System 98 recording, a variant that is not read; "
                                     "4 is");
     if (type != readHeaderType)
@@ -193,16 +214,17 @@ bool MicromedReader::describeChannels(const HeaderBlock& header, FlatRecording& 
     const std::int64_t size = recording.samples.size();
     const std::int64_t channels = valueOf(header, numberOfChannels);
     const std::int64_t bytes = valueOf(header, sampleBytes);
-    const Zone orderZone = findZone(header, "ORDER", size);
-    const Zone electrodes = findZone(header, "LABCOD", size);
+    const Zone orderZone = findZone(header, "ORDER").within(size);
+    const Zone electrodes = findZone(header, "LABCOD"); // its length does not count
     if (orderZone.length < 2 * channels)
         return refuse(2, "its zone ORDER of " + std::to_string(orderZone.length) +
                              " bytes inside the file has no place for " + std::to_string(channels) +
                              " channels");
-    if (electrodes.length == 0)
-        return refuse(2, "its zone LABCOD leaves the file of " + std::to_string(size) + " bytes");
-    const HeaderBlock order =
-        HeaderBlock::readFrom(recording.samples, orderZone.start, 2 * channels);
+    if (electrodes.start < headerBytes || electrodes.start >= size)
+        return refuse(2, "its zone LABCOD (offset " + std::to_string(electrodes.start) +
+                             ") is not between the header and the end of the file of " +
+                             std::to_string(size) + " bytes");
+    const HeaderBlock order = recording.samples.read("zone ORDER", orderZone.start, 2 * channels);
     std::uint16_t coefficient = 0;
     for (std::int64_t i = 0; i < channels; ++i) {
         const std::int64_t start =
@@ -211,7 +233,8 @@ bool MicromedReader::describeChannels(const HeaderBlock& header, FlatRecording& 
             return refuse(2, sentenceOf(order, orderEntry, 2 * i, orderZone.start) +
                                  ", whose record leaves the file of " + std::to_string(size) +
                                  " bytes");
-        const HeaderBlock record = HeaderBlock::readFrom(recording.samples, start, electrodeBytes);
+        const HeaderBlock record =
+            recording.samples.read("record of an electrode", start, electrodeBytes);
         const auto told = [&](const auto& field) { return sentenceOf(record, field, 0, start); };
         const std::uint16_t own = valueOf(record, rateCoefficient);
         if (i == 0)
@@ -253,14 +276,16 @@ bool MicromedReader::describeChannels(const HeaderBlock& header, FlatRecording& 
     return true;
 }
 
-// A recording from which pieces were cut says where each of them began.
+// A recording from which pieces were cut says where each of them began: the first may be later than
+// the start of the whole.
 void MicromedReader::describePieces(const HeaderBlock& header, FlatRecording& recording,
                                     std::int64_t frames) {
-    const Zone zone = findZone(header, "TRONCA", recording.samples.size());
+    const std::int64_t size = recording.samples.size();
+    if (const std::string outside = whyOutside(header, "TRONCA", size); !outside.empty())
+        report(Severity::warning, outside + ": pauses are not shown");
+    const Zone zone = findZone(header, "TRONCA").within(size);
     const std::int64_t most = std::min(zone.length / pieceBytes, mostPieces);
-    const HeaderBlock list =
-        HeaderBlock::readFrom(recording.samples, zone.start, most * pieceBytes);
-    const double start = recording.start.secondOfDay();
+    const HeaderBlock list = recording.samples.read("zone TRONCA", zone.start, most * pieceBytes);
     std::vector<std::int64_t> begins;
     for (std::int64_t i = 0; i < most; ++i) {
         const std::int64_t begin = valueOf(list, ownSample, i * pieceBytes);
@@ -278,22 +303,37 @@ void MicromedReader::describePieces(const HeaderBlock& header, FlatRecording& re
         if (begin >= frames)
             break;
         begins.push_back(begin);
-        recording.segments.push_back({0, start + static_cast<double>(original) / recording.rate});
+        recording.segments.push_back({0, static_cast<double>(original) / recording.rate});
     }
     if (begins.empty()) {
         begins = {0};
-        recording.segments.push_back({0, start});
+        recording.segments.push_back({0, 0.0});
         if (most > 1 && valueOf(list, originalSample) == 0 && valueOf(list, ownSample) == 0 &&
             valueOf(list, ownSample, pieceBytes) != 0)
             report(Severity::warning, "its list of pieces begins with an empty entry, which ends "
                                       "it: pauses are not shown");
     }
-    for (std::size_t i = 0; i < begins.size(); ++i)
-        recording.segments[i].count = (i + 1 < begins.size() ? begins[i + 1] : frames) - begins[i];
+    const double skipped = recording.segments.front().start;
+    recording.start = recording.start.after(skipped);
+    for (std::size_t i = 0; i < begins.size(); ++i) {
+        FlatSegment& segment = recording.segments[i];
+        segment.count = (i + 1 < begins.size() ? begins[i + 1] : frames) - begins[i];
+        segment.start += recording.start.secondOfDay() - skipped;
+    }
+}
+
+void MicromedReader::readZones(const HeaderBlock& header, FlatRecording& recording,
+                               std::int64_t frames) {
+    std::vector<std::string> oddities;
+    listZoneEvents(header, recording, frames, m_state->events, oddities);
+    if (const std::string fault = recording.samples.takeFault(); !fault.empty())
+        oddities.push_back(fault);
+    for (const std::string& oddity : oddities)
+        report(Severity::warning, oddity + ": its events are left out");
 }
 
 void MicromedReader::listEvents(std::vector<FlatEvent>& events) {
-    listZoneEvents(recording(), sampleCount(), events);
+    events = m_state->events;
     const std::string path = companionFile(filePath(), ".evt");
     if (path.empty())
         return;

@@ -39,11 +39,6 @@ std::string companion(const std::string& path, std::string_view ending,
     return found.empty() && hasEnding(storedName, ending) ? neighbourFile(path, storedName) : found;
 }
 
-HeaderBlock headOf(const std::string& path, std::int64_t bytes) {
-    File file;
-    return file.open(path.c_str()) ? HeaderBlock::readFrom(file, bytes) : HeaderBlock();
-}
-
 // A patient page and a sample file name each other. Copies are renamed together, which leaves the
 // stored names as they were; without them the day must do.
 bool belongTogether(const HeaderBlock& page, const HeaderBlock& samples) {
@@ -72,13 +67,13 @@ FlatChannel channelOf(std::int64_t index, int code, std::string name) {
     channel.integer = storedWord;
     channel.grid1 = std::move(name);
     channel.grid2 = "Ref"; // all inputs are recorded against one electrode
-    FlatScale scale{"uV", microvoltsPerBit, zeroWord, storedWord.least(), storedWord.greatest()};
+    calibrateMicrovolts(channel, microvoltsPerBit, zeroWord);
     if (nk::isMillivoltCode(code)) {
-        scale.units = "mV";
-        scale.scale = (millivoltsHigh - millivoltsLow) / static_cast<double>(storedWord.greatest());
-        scale.zero = -millivoltsLow / scale.scale;
+        const double scale =
+            (millivoltsHigh - millivoltsLow) / static_cast<double>(storedWord.greatest());
+        calibrate(channel,
+                  {"mV", scale, -millivoltsLow / scale, storedWord.least(), storedWord.greatest()});
     }
-    calibrate(channel, scale);
     return channel;
 }
 
@@ -86,6 +81,7 @@ FlatChannel channelOf(std::int64_t index, int code, std::string name) {
 
 struct NK2100Reader::State {
     std::string samples; ///< path of the .EEG
+    HeaderBlock page;    ///< the patient page when it belongs to the recording, else empty
     std::string logName; ///< as the patient page gives it
     std::vector<nk::WaveBlock> blocks;
     std::vector<nk::LogEntry> log;
@@ -95,8 +91,9 @@ NK2100Reader::NK2100Reader() : m_state(std::make_unique<State>()) {}
 NK2100Reader::~NK2100Reader() = default;
 
 bool NK2100Reader::isFileType(const char* path) {
-    const HeaderBlock head = headOf(std::string(viewOf(path)), nk::signature.width);
-    return nk::deviceOf(valueOf(head, nk::signature)) != nk::Device::none;
+    File file;
+    return file.open(path) && nk::deviceOf(valueOf(HeaderBlock::readFrom(file, nk::signature.width),
+                                                   nk::signature)) != nk::Device::none;
 }
 
 // Of a recording that was opened by its patient page, the samples are in another file.
@@ -107,13 +104,14 @@ bool NK2100Reader::fail(int code, const std::string& what) {
 
 bool NK2100Reader::describe(FlatRecording& recording) {
     *m_state = State();
-    m_state->samples = samplesPath();
-    if (m_state->samples.empty())
+    m_state->samples = filePath();
+    if (hasEnding(filePath(), ".pnt") && !readOpenedPage())
         return false;
     std::string reason;
     if (!recording.samples.open(m_state->samples.c_str(), &reason))
         return fail(1, reason);
-    const HeaderBlock head = HeaderBlock::readFrom(recording.samples, nk::headBytes);
+    const HeaderBlock head =
+        recording.samples.read("header of the .EEG", 0, nk::headBytes + nk::mostTableBytes);
     const std::string device = valueOf(head, nk::signature);
     const std::int64_t size = recording.samples.size();
     switch (nk::deviceOf(device)) {
@@ -140,38 +138,67 @@ bool NK2100Reader::describe(FlatRecording& recording) {
                            std::to_string(nk::headBytes));
     if (valueOf(head, nk::secondSignature) != device)
         return fail(2, "its second device signature (offset 129) is not the first one");
-    if (!describeBlocks(recording) || !readPatientPage(recording))
+    if (!describeBlocks(head, recording) || !readCompanionPage(head) || !nameChannels(recording))
         return false;
-    nameChannels(recording);
+    describePatient(head, recording);
     readEventFile(recording);
     return true;
 }
 
-// Empty after a refusal.
-std::string NK2100Reader::samplesPath() {
-    if (!hasEnding(filePath(), ".pnt"))
-        return filePath();
-    File page;
+// The patient page that was opened leads to the samples.
+bool NK2100Reader::readOpenedPage() {
+    HeaderFile file;
     std::string reason;
-    if (!page.open(filePath().c_str(), &reason)) {
-        refuse(1, reason);
-        return {};
-    }
-    const HeaderBlock head = HeaderBlock::readFrom(page, nk::pnt::log.offset);
-    std::string found;
-    if (nk::deviceOf(valueOf(head, nk::signature)) == nk::Device::none)
-        refuse(3, "its first 16 bytes are no signature of a device of the EEG-1100 / 2100 family");
-    else if (found = companion(filePath(), ".EEG", valueOf(head, nk::pnt::samples)); found.empty())
-        refuse(1, "there is no .EEG beside this patient page, so there are no samples");
-    return found;
+    if (!file.open(filePath().c_str(), &reason))
+        return refuse(1, reason);
+    HeaderBlock& page = m_state->page;
+    page = file.read("patient page", 0, nk::pnt::readBytes);
+    if (!file.fault().empty())
+        return refuse(2, file.fault());
+    if (nk::deviceOf(valueOf(page, nk::signature)) == nk::Device::none)
+        return refuse(3, "its first 16 bytes are no signature of a device of the EEG-1100 / 2100 "
+                         "family");
+    m_state->samples = companion(filePath(), ".EEG", valueOf(page, nk::pnt::samples));
+    return !m_state->samples.empty() ||
+           refuse(1, "there is no .EEG beside this patient page, so there are no samples");
 }
 
-bool NK2100Reader::describeBlocks(FlatRecording& recording) {
+// The one beside the samples. False when the recording was opened by the page of another one.
+bool NK2100Reader::readCompanionPage(const HeaderBlock& head) {
+    HeaderBlock& page = m_state->page;
+    const bool opened = m_state->samples != filePath();
+    const auto leaveOut = [&](const std::string& why) {
+        report(Severity::warning, "the .PNT beside it is left out: " + why);
+        page = {};
+        return true;
+    };
+    if (!opened) {
+        const std::string path = companion(filePath(), ".PNT", valueOf(head, nk::eeg::patientPage));
+        HeaderFile file;
+        std::string reason;
+        if (path.empty() || path == m_state->samples)
+            return true;
+        if (!file.open(path.c_str(), &reason))
+            return leaveOut(reason);
+        page = file.read("patient page", 0, nk::pnt::readBytes);
+        if (!file.fault().empty())
+            return leaveOut(file.fault());
+        if (nk::deviceOf(valueOf(page, nk::signature)) == nk::Device::none)
+            return leaveOut("it is no patient page");
+    }
+    if (belongTogether(page, head))
+        return true;
+    const std::string other = "it is the patient page of another recording";
+    return opened ? refuse(2, other + " than the .EEG beside it") : leaveOut(other);
+}
+
+bool NK2100Reader::describeBlocks(const HeaderBlock& head, FlatRecording& recording) {
     const std::int64_t size = recording.samples.size();
-    nk::WaveBlocks found = nk::findWaveBlocks(recording.samples);
+    nk::WaveBlocks found = nk::findWaveBlocks(head, recording.samples);
     if (!found.fault.empty()) {
-        const auto mark = valueOf(HeaderBlock::readFrom(recording.samples, nk::eeg::usualBlock, 1),
-                                  nk::eeg::mark);
+        const auto mark =
+            valueOf(recording.samples.read("waveform block of the .EEG", nk::eeg::usualBlock, 1),
+                    nk::eeg::mark);
         return mark == 1 || size <= nk::eeg::usualBlock
                    ? fail(2, found.fault)
                    : fail(3, "the byte at offset 6142 is " + std::to_string(mark) +
@@ -181,8 +208,8 @@ bool NK2100Reader::describeBlocks(FlatRecording& recording) {
     const nk::WaveBlock& first = found.blocks.front();
     FlatTrack track{first.frameBytes(), 1, 0.0, {}, {}};
     if (found.controlBlocks > 1)
-        report(Severity::note, "it has " + std::to_string(found.controlBlocks) +
-                                   " control blocks: what they list is shown one after another");
+        report(Severity::warning, "it has " + std::to_string(found.controlBlocks) +
+                                      " control blocks: what they list is shown one after another");
     for (std::size_t i = 0; i < found.blocks.size(); ++i) {
         const nk::WaveBlock& block = found.blocks[i];
         const std::string place = "waveform block " + std::to_string(i + 1) + " (offset " +
@@ -218,12 +245,11 @@ bool NK2100Reader::describeBlocks(FlatRecording& recording) {
     recording.rate = first.rate;
     recording.tracks.push_back(std::move(track));
     m_state->blocks = std::move(found.blocks);
-    setStart(recording);
+    setStart(head, recording);
     return true;
 }
 
-void NK2100Reader::setStart(FlatRecording& recording) {
-    const HeaderBlock head = HeaderBlock::readFrom(recording.samples, nk::headBytes);
+void NK2100Reader::setStart(const HeaderBlock& head, FlatRecording& recording) {
     const std::string text = valueOf(head, nk::eeg::start);
     const auto part = [&](std::size_t position) { return nk::digitsAt(text, position, 2); };
     CalendarTime& start = recording.start;
@@ -255,34 +281,18 @@ void NK2100Reader::setStart(FlatRecording& recording) {
     }
 }
 
-// False when the recording was opened by the page of another one.
-bool NK2100Reader::readPatientPage(FlatRecording& recording) {
-    const HeaderBlock head = HeaderBlock::readFrom(recording.samples, nk::headBytes);
+void NK2100Reader::describePatient(const HeaderBlock& head, FlatRecording& recording) {
+    const HeaderBlock& page = m_state->page;
     PatientRec& patient = recording.patient;
     if (const std::string name = valueOf(head, nk::eeg::patientName); !name.empty())
         patient.setName(name);
-    const bool opened = m_state->samples != filePath();
-    const std::string path =
-        opened ? filePath() : companion(filePath(), ".PNT", valueOf(head, nk::eeg::patientPage));
-    if (path.empty() || path == m_state->samples)
-        return true;
-    const HeaderBlock page = headOf(path, nk::pnt::readBytes);
-    if (nk::deviceOf(valueOf(page, nk::signature)) == nk::Device::none) {
-        report(Severity::warning, "the .PNT beside it is left out: it is no patient page");
-        return true;
-    }
-    if (!belongTogether(page, head)) {
-        const char* other = "it is the patient page of another recording";
-        if (opened)
-            return refuse(2, std::string(other) + " than the .EEG beside it");
-        report(Severity::warning, std::string("the .PNT beside it is left out: ") + other);
-        return true;
-    }
+    if (page.bytes().empty())
+        return;
     m_state->logName = valueOf(page, nk::pnt::log);
     if (page.bytes().size() < static_cast<std::size_t>(nk::pnt::leastBytes)) {
         report(Severity::warning, "the patient page is left out: it ends after " +
                                       std::to_string(page.bytes().size()) + " bytes");
-        return true;
+        return;
     }
     if (const std::string name = valueOf(page, nk::pnt::name); !name.empty())
         patient.setName(name);
@@ -295,13 +305,16 @@ bool NK2100Reader::readPatientPage(FlatRecording& recording) {
     const std::string sex = valueOf(page, nk::pnt::sex);
     const char first = sex.empty() ? '\0' : lowerCase(sex.front());
     copyText(patient.sex, first == 'm' ? "M" : first == 'f' || first == 'w' ? "F" : "");
-    return true;
 }
 
-void NK2100Reader::nameChannels(FlatRecording& recording) {
+bool NK2100Reader::nameChannels(FlatRecording& recording) {
     nk::InputNames names;
+    HeaderFile file;
     const std::string path = companionFile(m_state->samples, ".21E");
-    if (path.empty() || !names.read(path.c_str()))
+    const bool named = !path.empty() && file.open(path.c_str()) && names.read(file);
+    if (!file.fault().empty())
+        return refuse(2, "of the .21E beside it: " + file.fault());
+    if (!named)
         report(Severity::warning,
                std::string(path.empty() ? "there is no .21E with the names of electrodes beside it"
                                         : "the .21E beside it holds no names of electrodes") +
@@ -309,6 +322,7 @@ void NK2100Reader::nameChannels(FlatRecording& recording) {
     const std::vector<int>& codes = m_state->blocks.front().codes;
     for (std::size_t i = 0; i < codes.size(); ++i)
         recording.channels[i].grid1 = names.nameOf(codes[i]);
+    return true;
 }
 
 void NK2100Reader::readEventFile(const FlatRecording& recording) {

@@ -8,6 +8,8 @@
 
 namespace kvsig {
 
+class HeaderBlock;
+
 /// Nihon Kohden recordings of the EEG-1100 / 2100 family ("NihonKohden 2100 (*.pnt)"): opened by
 /// the patient page (.PNT) or the samples (.EEG), with the names of the .21E and the events of the
 /// .LOG beside them. EEG-1200A is refused.
@@ -28,11 +30,12 @@ class KVSIG_API NK2100Reader : public FlatReader {
     struct State;
 
     bool fail(int code, const std::string& what);
-    std::string samplesPath();
-    bool describeBlocks(FlatRecording& recording);
-    void setStart(FlatRecording& recording);
-    void nameChannels(FlatRecording& recording);
-    bool readPatientPage(FlatRecording& recording);
+    bool readOpenedPage();
+    bool readCompanionPage(const HeaderBlock& head);
+    bool describeBlocks(const HeaderBlock& head, FlatRecording& recording);
+    void setStart(const HeaderBlock& head, FlatRecording& recording);
+    bool nameChannels(FlatRecording& recording);
+    void describePatient(const HeaderBlock& head, FlatRecording& recording);
     void readEventFile(const FlatRecording& recording);
 
     std::unique_ptr<State> m_state; ///< of the latest describe()

@@ -1,6 +1,7 @@
 #include "kvsig/readers/NervusChannels.h"
 
 #include "kvsig/readers/NervusLayout.h"
+#include "kvsig/util/Limits.h"
 
 #include <algorithm>
 #include <set>
@@ -9,9 +10,7 @@
 namespace kvsig::nervus {
 namespace {
 
-constexpr std::int64_t mostChannels = 32767;
 constexpr std::int64_t changesAtOnce = 1024;
-constexpr std::size_t mostPackets = 65536;
 
 /// A packet's place in its section.
 struct Place {
@@ -24,14 +23,14 @@ struct Packet {
     std::int64_t said = 0;
 };
 
-Packet readPacket(const File& file, const Section& section, Place place) {
+Packet readPacket(const HeaderFile& file, const Section& section, Place place) {
     const HeaderBlock head =
         section.read(file, place.offset, std::min(place.size, series::channels));
     Packet packet;
     packet.said = valueOf(head, series::channelCount);
     const std::int64_t room = std::min(place.size, section.length - place.offset);
-    const std::int64_t fit =
-        std::min({packet.said, mostChannels, (room - series::channels) / series::channelBytes});
+    const std::int64_t fit = std::min({packet.said, std::int64_t{mostChannels},
+                                       (room - series::channels) / series::channelBytes});
     if (fit < 1)
         return packet;
     const HeaderBlock table =
@@ -47,13 +46,14 @@ Packet readPacket(const File& file, const Section& section, Place place) {
 }
 
 // Where the list of changes says that packets of channels stand.
-std::vector<Place> listedPackets(const File& file, const Container& container,
+std::vector<Place> listedPackets(const HeaderFile& file, const Container& container,
                                  std::vector<std::string>& oddities) {
     const Section& changes = container.section(changeTag);
     const std::int64_t length = container.section(seriesTag).length;
     std::vector<Place> places;
     std::set<std::uint64_t> seen;
-    for (std::int64_t at = 0; at < changes.length; at += changesAtOnce * change::bytes) {
+    for (std::int64_t at = 0; at < changes.length && file.fault().empty();
+         at += changesAtOnce * change::bytes) {
         const HeaderBlock entries = changes.read(file, at, changesAtOnce * change::bytes);
         const auto held = static_cast<std::int64_t>(entries.bytes().size());
         for (std::int64_t i = 0; i + change::bytes <= held; i += change::bytes) {
@@ -69,30 +69,33 @@ std::vector<Place> listedPackets(const File& file, const Container& container,
                 places.push_back(
                     {static_cast<std::int64_t>(offset),
                      std::cmp_less(size, length) ? static_cast<std::int64_t>(size) : length});
-            if (places.size() + oddities.size() > mostPackets)
+            if (places.size() + oddities.size() > mostChannelPackets)
                 return places;
         }
     }
     return places;
 }
 
+// Of a packet that was cut, `complete` false, only what it holds can differ.
 std::string differenceOf(const std::vector<ChannelFacts>& first,
-                         const std::vector<ChannelFacts>& other) {
-    if (first.size() != other.size())
+                         const std::vector<ChannelFacts>& other, bool complete) {
+    if (complete && first.size() != other.size())
         return std::to_string(other.size()) + " channels after " + std::to_string(first.size());
     const auto alike = [](const ChannelFacts& a, const ChannelFacts& b) {
         return a.label == b.label && a.reference == b.reference && a.rate == b.rate &&
                a.resolution == b.resolution;
     };
-    const auto differing = std::mismatch(first.begin(), first.end(), other.begin(), alike).first;
-    return differing == first.end()
+    const auto differing =
+        std::mismatch(first.begin(), first.end(), other.begin(), other.end(), alike).first;
+    const auto held = static_cast<std::ptrdiff_t>(std::min(first.size(), other.size()));
+    return differing - first.begin() == held
                ? std::string()
                : "channel " + std::to_string(differing - first.begin() + 1) + " in another way";
 }
 
 } // namespace
 
-ChannelTable readChannels(const File& file, const Container& container) {
+ChannelTable readChannels(const HeaderFile& file, const Container& container) {
     ChannelTable table;
     const auto failed = [&table](int error, const std::string& fault) {
         table.error = error;
@@ -114,6 +117,7 @@ ChannelTable readChannels(const File& file, const Container& container) {
             "no change lists its channels: they are taken from the start of their section");
     }
     std::int64_t bytes = 0;
+    bool isCut = false; // the packet that the table is of
     for (std::size_t i = 0; i < places.size(); ++i) {
         const std::string place = "packet " + std::to_string(i + 1) + " of its channels";
         Packet packet = readPacket(file, section, places[i]);
@@ -124,14 +128,21 @@ ChannelTable readChannels(const File& file, const Container& container) {
         if (fit < packet.said)
             table.oddities.push_back(place + " says " + std::to_string(packet.said) +
                                      " channels and holds " + std::to_string(fit));
-        if (i == 0) {
+        // The table is that of the first packet that describes any.
+        if (table.channels.empty()) {
             table.channels = std::move(packet.channels);
+            isCut = fit < packet.said;
             continue;
         }
-        const std::string difference = differenceOf(table.channels, packet.channels);
-        if (fit == packet.said && !difference.empty())
+        const std::string difference =
+            differenceOf(table.channels, packet.channels, fit == packet.said && !isCut);
+        if (!difference.empty())
             return failed(3, place + " describes " + difference +
                                  ": recordings whose channels change are not read");
+        if (isCut && packet.channels.size() > table.channels.size()) {
+            table.channels = std::move(packet.channels);
+            isCut = fit < packet.said;
+        }
     }
     if (table.channels.empty())
         return failed(2, "no channel is described in its " + std::to_string(places.size()) +

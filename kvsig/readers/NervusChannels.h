@@ -25,6 +25,6 @@ struct ChannelTable {
 };
 
 /// The channels of the recording. All packets must say the same but for offsets.
-[[nodiscard]] ChannelTable readChannels(const File& file, const Container& container);
+[[nodiscard]] ChannelTable readChannels(const HeaderFile& file, const Container& container);
 
 } // namespace kvsig::nervus

@@ -1,6 +1,7 @@
 #include "kvsig/readers/NervusContainer.h"
 
 #include "kvsig/readers/NervusLayout.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/Text.h"
 
 #include <algorithm>
@@ -21,22 +22,33 @@ bool isWanted(const std::string& name) {
            name == seriesTag || name == patientTag;
 }
 
+// What is read of the file up to the end of its tags; 0 when it is no such table.
+std::int64_t bytesUpToTags(const HeaderBlock& head) {
+    const std::int64_t count = valueOf(head, tagCount);
+    return count <= mostTags ? tags + count * tagBytes : 0;
+}
+
 // Tag names with their section numbers.
-std::vector<std::pair<std::string, std::uint32_t>> tagsOf(const File& file) {
-    const HeaderBlock head = HeaderBlock::readFrom(file, tags);
-    const std::int64_t count = std::min<std::int64_t>(valueOf(head, tagCount), mostTags);
-    const HeaderBlock table = HeaderBlock::readFrom(file, tags, count * tagBytes);
+std::vector<std::pair<std::string, std::uint32_t>> tagsOf(const HeaderBlock& head) {
     std::vector<std::pair<std::string, std::uint32_t>> found;
-    for (std::int64_t i = 0; i < count; ++i)
-        found.emplace_back(valueOf(table, tag::name, i * tagBytes),
-                           valueOf(table, tag::section, i * tagBytes));
+    for (std::int64_t base = tags; base < bytesUpToTags(head); base += tagBytes)
+        found.emplace_back(valueOf(head, tag::name, base), valueOf(head, tag::section, base));
     return found;
+}
+
+bool hasContainerTags(const HeaderBlock& head) {
+    const auto found = tagsOf(head);
+    return valueOf(head, indexPointer) != 0 &&
+           std::any_of(found.begin(), found.end(), [](const auto& entry) {
+               return entry.first == segmentTag || entry.first == changeTag;
+           });
 }
 
 /// Goes through the blocks of the main index.
 class IndexWalk {
   public:
-    IndexWalk(const File& file, Container& container) : m_file(file), m_container(container) {}
+    IndexWalk(const HeaderFile& file, Container& container)
+        : m_file(file), m_container(container) {}
 
     void wants(std::uint32_t number, const std::string& name) { m_names.emplace(number, name); }
     void run(std::int64_t first, std::int64_t entries);
@@ -46,7 +58,7 @@ class IndexWalk {
     void take(const HeaderBlock& entries);
     void takePiece(const std::string& name, std::uint64_t offset, std::int64_t length);
 
-    const File& m_file;
+    const HeaderFile& m_file;
     Container& m_container;
     std::map<std::uint64_t, std::string> m_names;
     std::map<std::int64_t, std::int64_t> m_visited; ///< ends of blocks by their starts
@@ -55,7 +67,8 @@ class IndexWalk {
 void IndexWalk::run(std::int64_t first, std::int64_t entries) {
     const std::int64_t size = m_file.size();
     std::int64_t left = entries;
-    for (std::int64_t at = first; left > 0 && m_container.fault.empty();) {
+    for (std::int64_t at = first;
+         left > 0 && m_container.fault.empty() && m_file.fault().empty();) {
         const std::string place = "index block " + std::to_string(m_visited.size() + 1) +
                                   " (offset " + std::to_string(at) + ")";
         const auto stop = [&](const std::string& why) {
@@ -66,9 +79,11 @@ void IndexWalk::run(std::int64_t first, std::int64_t entries) {
         if (at < 0 || at > size - index::entries)
             return stop(" leaves the file of " + std::to_string(size) + " bytes");
         const std::uint64_t count =
-            valueOf(HeaderBlock::readFrom(m_file, at, index::entries), index::count);
+            valueOf(m_file.read("index block", at, index::entries), index::count);
         const std::int64_t room = (size - at - index::entries) / index::entryBytes;
-        if (count == 0 || std::cmp_greater(count, room))
+        if (m_visited.size() >= mostIndexBlocks)
+            return stop(" is one too many");
+        if (std::cmp_greater(count, room))
             return stop(" says " + std::to_string(count) + " entries, there is room for " +
                         std::to_string(room));
         const auto held = static_cast<std::int64_t>(count);
@@ -84,10 +99,10 @@ void IndexWalk::run(std::int64_t first, std::int64_t entries) {
                                            " count by the header");
         const std::int64_t taken = std::min(held, left);
         for (std::int64_t i = 0; i < taken; i += entriesAtOnce)
-            take(HeaderBlock::readFrom(m_file, at + index::entries + i * index::entryBytes,
-                                       std::min(entriesAtOnce, taken - i) * index::entryBytes));
+            take(m_file.read("entries of the index", at + index::entries + i * index::entryBytes,
+                             std::min(entriesAtOnce, taken - i) * index::entryBytes));
         left -= taken;
-        const HeaderBlock next = HeaderBlock::readFrom(m_file, end, 8);
+        const HeaderBlock next = m_file.read("end of an index block", end, 8);
         const auto pointer = valueOf(next, NumberField<std::int64_t>{"", 0});
         if (left > 0 && pointer == 0) {
             m_container.oddities.push_back("its index ends before " + std::to_string(left) +
@@ -123,6 +138,7 @@ void IndexWalk::take(const HeaderBlock& entries) {
 void IndexWalk::takePiece(const std::string& name, std::uint64_t offset, std::int64_t length) {
     const std::int64_t size = m_file.size();
     Section& section = m_container.sections[name];
+    section.name = name;
     if (section.cut)
         return;
     const std::int64_t room =
@@ -164,22 +180,22 @@ void Section::add(Piece piece) {
     length += piece.length;
 }
 
-HeaderBlock Section::read(const File& file, std::int64_t offset, std::int64_t bytes) const {
+HeaderBlock Section::read(const HeaderFile& file, std::int64_t offset, std::int64_t bytes) const {
     if (offset < 0 || offset >= length || bytes <= 0)
         return {};
     const std::int64_t wanted = std::min(bytes, length - offset);
-    std::vector<std::byte> joined(static_cast<std::size_t>(wanted));
+    std::vector<std::byte> joined;
     auto piece = static_cast<std::size_t>(std::upper_bound(starts.begin(), starts.end(), offset) -
                                           starts.begin() - 1);
-    std::int64_t done = 0;
-    for (; done < wanted; ++piece) {
+    for (std::int64_t done = 0; done < wanted; ++piece) {
         const std::int64_t within = offset + done - starts[piece];
         const std::int64_t part = std::min(wanted - done, pieces[piece].length - within);
-        if (file.readAt(pieces[piece].offset + within, joined.data() + done, part) < part)
+        const HeaderBlock block = file.read("section " + name, pieces[piece].offset + within, part);
+        joined.insert(joined.end(), block.bytes().begin(), block.bytes().end());
+        if (std::cmp_less(block.bytes().size(), part))
             break;
         done += part;
     }
-    joined.resize(static_cast<std::size_t>(done));
     return HeaderBlock(std::move(joined));
 }
 
@@ -190,16 +206,11 @@ const Section& Container::section(const std::string& name) const {
 }
 
 bool isContainer(const File& file) {
-    const HeaderBlock head = HeaderBlock::readFrom(file, tags);
-    if (valueOf(head, indexPointer) == 0 || std::cmp_greater(valueOf(head, tagCount), mostTags))
-        return false;
-    const auto found = tagsOf(file);
-    return std::any_of(found.begin(), found.end(), [](const auto& entry) {
-        return entry.first == segmentTag || entry.first == changeTag;
-    });
+    const std::int64_t bytes = bytesUpToTags(HeaderBlock::readFrom(file, tags));
+    return hasContainerTags(HeaderBlock::readFrom(file, bytes));
 }
 
-Container readContainer(const File& file) {
+Container readContainer(const HeaderFile& file) {
     Container made;
     const auto failed = [&made](int error, const std::string& fault) {
         made.error = error;
@@ -207,7 +218,7 @@ Container readContainer(const File& file) {
         return std::move(made);
     };
     const std::int64_t size = file.size();
-    const HeaderBlock head = HeaderBlock::readFrom(file, headBytes);
+    const HeaderBlock head = file.read("header", 0, headBytes);
     if (size < tags)
         return failed(2, "the file ends after " + std::to_string(size) +
                              " bytes, inside the header of at least " + std::to_string(headBytes));
@@ -221,14 +232,14 @@ Container readContainer(const File& file) {
     if (size < headBytes)
         return failed(2, "the file ends after " + std::to_string(size) +
                              " bytes, inside the header of at least " + std::to_string(headBytes));
-    if (!isContainer(file))
+    if (!hasContainerTags(head))
         return failed(3, "none of its " + std::to_string(valueOf(head, tagCount)) +
                              " tags is that of segments or changes: it is no container of a "
                              "Nervus or NicoletOne recording");
     IndexWalk walk(file, made);
     std::map<std::uint32_t, std::string> owners;
     std::map<std::string, std::uint32_t> seen;
-    for (const auto& [name, number] : tagsOf(file)) {
+    for (const auto& [name, number] : tagsOf(head)) {
         if (!isWanted(name))
             continue;
         if (const auto known = seen.emplace(name, number).first; known->second != number) {

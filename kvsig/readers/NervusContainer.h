@@ -1,7 +1,6 @@
 #pragma once
 
-#include "kvsig/readers/HeaderBlock.h"
-#include "kvsig/util/File.h"
+#include "kvsig/readers/HeaderFile.h"
 
 #include <cstdint>
 #include <map>
@@ -16,6 +15,7 @@ struct Section {
         std::int64_t offset = 0; ///< in the file
         std::int64_t length = 0;
     };
+    std::string name; ///< of its tag
     std::vector<Piece> pieces;
     std::vector<std::int64_t> starts; ///< of each piece in the stream
     std::int64_t length = 0;
@@ -23,7 +23,8 @@ struct Section {
 
     void add(Piece piece);
     /// Bytes of the stream, as many of them as there are.
-    [[nodiscard]] HeaderBlock read(const File& file, std::int64_t offset, std::int64_t bytes) const;
+    [[nodiscard]] HeaderBlock read(const HeaderFile& file, std::int64_t offset,
+                                   std::int64_t bytes) const;
 };
 
 /// The sections of a file by the names of their tags, as far as a recording needs them.
@@ -40,6 +41,6 @@ struct Container {
 /// Whether the file has the tags of such a container.
 [[nodiscard]] bool isContainer(const File& file);
 
-[[nodiscard]] Container readContainer(const File& file);
+[[nodiscard]] Container readContainer(const HeaderFile& file);
 
 } // namespace kvsig::nervus

@@ -5,6 +5,7 @@
 #include "kvsig/readers/NervusContainer.h"
 #include "kvsig/readers/NervusLayout.h"
 #include "kvsig/readers/NervusRecords.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/NeighbourFile.h"
 #include "kvsig/util/NumberText.h"
 #include "kvsig/util/Saturate.h"
@@ -23,8 +24,6 @@ using Severity = OpenFinding::Severity;
 
 constexpr std::int64_t sampleBytes = 2;
 constexpr FlatInteger storedSample{sampleBytes, true, false};
-constexpr std::int64_t mostSegments = 65536;
-constexpr std::size_t mostStarts = std::size_t{1} << 22; // of segments in all channels
 constexpr double mostSegmentSamples = 1099511627776.0; // 2^40: sums of all segments stay in 64 bits
 constexpr double nearlyWhole = 0.01;                   // samples
 
@@ -171,8 +170,7 @@ bool NervusReader::describeChannels(FlatRecording& recording) {
             channel.grid1 = "Ch" + std::to_string(i + 1);
         if (channel.grid2.empty())
             channel.name = channel.grid1;
-        calibrate(channel,
-                  {"uV", facts.resolution, 0.0, storedSample.least(), storedSample.greatest()});
+        calibrateMicrovolts(channel, facts.resolution);
         recording.rate = std::max(recording.rate, facts.rate);
         recording.tracks.push_back(std::move(track));
         recording.channels.push_back(std::move(channel));
@@ -186,7 +184,7 @@ bool NervusReader::describeChannels(FlatRecording& recording) {
 // the last piece of a file that was not closed is often shorter than announced.
 bool NervusReader::countSamples(FlatRecording& recording) {
     auto& segments = recording.segments;
-    if (segments.size() * m_state->kept.size() > mostStarts)
+    if (segments.size() * m_state->kept.size() > mostSegmentStarts)
         return refuse(2, std::to_string(segments.size()) + " segments of " +
                              std::to_string(m_state->kept.size()) +
                              " channels are more than can be read");
@@ -260,7 +258,7 @@ void NervusReader::listEvents(std::vector<FlatEvent>& events) {
         const double clock = moment.secondsFromDayOf(made.start) + happening.extraSeconds;
         if (const auto sample = sampleAt(clock))
             events.push_back({*sample, happening.text, {}, happening.duration});
-        return events.size() < mostFlatEvents;
+        return events.size() < mostEvents;
     });
 }
 

@@ -1,11 +1,11 @@
 #include "kvsig/readers/NervusRecords.h"
 
 #include "kvsig/readers/NervusLayout.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/Saturate.h"
 #include "kvsig/util/Text.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <utility>
 
@@ -16,8 +16,6 @@ constexpr double epochDay = 25569;  // 1970-01-01
 constexpr double lastDay = 2958466; // of the year 9999, exclusive
 constexpr double secondsPerDay = 86400;
 constexpr double ticks = 1e5; // per second; finer than that a date of eight bytes is not
-constexpr std::int64_t mostPatientBytes = std::int64_t{1} << 20;
-constexpr std::int64_t longestText = 1024; // characters; far more than an event shows
 
 struct TextTarget {
     std::uint64_t id;
@@ -51,7 +49,7 @@ std::string joined(const std::string& name, const std::string& text) {
 std::string textOf(const HeaderBlock& packet) {
     const std::uint64_t said = valueOf(packet, event::textLength);
     const std::int64_t units =
-        std::cmp_less(said, longestText) ? static_cast<std::int64_t>(said) : longestText;
+        std::cmp_less(said, longestEventText) ? static_cast<std::int64_t>(said) : longestEventText;
     const std::string text = valueOf(packet, WideField{event::text, units});
     const std::string label = valueOf(packet, event::label);
     const std::string type = guidAt(packet, event::type);
@@ -74,18 +72,12 @@ CalendarTime momentOf(double days) {
         day += 1;
         second = 0.0;
     }
-    const std::chrono::sys_days date{std::chrono::days{saturate<int>(day - epochDay)}};
-    const std::chrono::year_month_day parts{date};
-    const auto minutes = saturate<int>(second / 60.0);
-    return {static_cast<int>(parts.year()),
-            static_cast<int>(static_cast<unsigned>(parts.month())),
-            static_cast<int>(static_cast<unsigned>(parts.day())),
-            minutes / 60,
-            minutes % 60,
-            std::max(0.0, std::round((second - 60.0 * minutes) * ticks) / ticks)};
+    CalendarTime moment = CalendarTime::onDay(saturate<std::int64_t>(day - epochDay), second);
+    moment.second = std::max(0.0, std::round(moment.second * ticks) / ticks);
+    return moment;
 }
 
-std::string readPatient(const File& file, const Container& container, PatientRec& patient) {
+std::string readPatient(const HeaderFile& file, const Container& container, PatientRec& patient) {
     const Section& section = container.section(patientTag);
     if (section.length == 0)
         return {};
@@ -125,10 +117,10 @@ std::string readPatient(const File& file, const Container& container, PatientRec
     return {};
 }
 
-void forEachEvent(const File& file, const Container& container,
+void forEachEvent(const HeaderFile& file, const Container& container,
                   const std::function<bool(const Happening&)>& take) {
     const Section& section = container.section(eventTag);
-    for (std::int64_t at = 0; at < section.length;) {
+    for (std::int64_t at = 0; at < section.length && file.fault().empty();) {
         const HeaderBlock head = section.read(file, at, event::headBytes);
         const std::uint64_t said = valueOf(head, event::length);
         if (guidAt(head, event::mark) != event::markGuid || said < event::headBytes ||
@@ -136,7 +128,7 @@ void forEachEvent(const File& file, const Container& container,
             return;
         const auto length = static_cast<std::int64_t>(said);
         const HeaderBlock packet =
-            section.read(file, at, std::min(length, event::text + 2 * longestText));
+            section.read(file, at, std::min(length, event::text + 2 * longestEventText));
         at += length;
         if (length < event::leastBytes)
             continue;

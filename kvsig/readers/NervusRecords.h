@@ -13,7 +13,7 @@ namespace kvsig::nervus {
 [[nodiscard]] CalendarTime momentOf(double days);
 
 /// Fills in what the section of the patient says; an odd thing in words, or nothing.
-[[nodiscard]] std::string readPatient(const File& file, const Container& container,
+[[nodiscard]] std::string readPatient(const HeaderFile& file, const Container& container,
                                       PatientRec& patient);
 
 /// What happened during the recording.
@@ -25,7 +25,7 @@ struct Happening {
 };
 
 /// Hands out the events in file order until `take` returns false.
-void forEachEvent(const File& file, const Container& container,
+void forEachEvent(const HeaderFile& file, const Container& container,
                   const std::function<bool(const Happening&)>& take);
 
 } // namespace kvsig::nervus

@@ -1,6 +1,7 @@
 #include "kvsig/readers/NeuroscanEvents.h"
 
 #include "kvsig/readers/NeuroscanHeader.h"
+#include "kvsig/util/Limits.h"
 
 #include <algorithm>
 #include <utility>
@@ -53,12 +54,12 @@ std::string eventText(const HeaderBlock& block, std::int64_t base) {
 
 } // namespace
 
-EventTable readTable(const File& file, const TablePlace& place) {
+EventTable readTable(const HeaderFile& file, const TablePlace& place) {
     EventTable table;
     const std::int64_t size = file.size();
     if (place.offset >= size)
         return table;
-    const HeaderBlock head = HeaderBlock::readFrom(file, place.offset, tableHead);
+    const HeaderBlock head = file.read("event table", place.offset, tableHead);
     const int type = valueOf(head, tableType);
     if (type < 1 || type > 3) {
         table.oddities.push_back(sentenceOf(head, tableType, 0, place.offset) +
@@ -80,11 +81,10 @@ EventTable readTable(const File& file, const TablePlace& place) {
     const std::int64_t count = std::min(said, room) / recordBytes;
     constexpr std::int64_t batch = 1 << 14;
     std::int64_t pauses = 0, firstPause = 0;
-    for (std::int64_t done = 0; done < count && table.events.size() < mostFlatEvents;
-         done += batch) {
+    for (std::int64_t done = 0; done < count && table.events.size() < mostEvents; done += batch) {
         const std::int64_t part = std::min(batch, count - done);
-        const HeaderBlock records = HeaderBlock::readFrom(
-            file, place.offset + tableHead + done * recordBytes, part * recordBytes);
+        const HeaderBlock records = file.read(
+            "list of events", place.offset + tableHead + done * recordBytes, part * recordBytes);
         for (std::int64_t base = 0; base < part * recordBytes; base += recordBytes) {
             const std::int64_t at = valueOf(records, eventPlace, base);
             const std::int64_t sample = type == 3         ? at

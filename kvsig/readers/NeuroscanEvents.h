@@ -1,7 +1,6 @@
 #pragma once
 
 #include "kvsig/readers/FlatRecording.h"
-#include "kvsig/util/File.h"
 
 #include <cstdint>
 #include <string>
@@ -22,6 +21,6 @@ struct EventTable {
     std::vector<std::string> oddities; ///< one sentence each
 };
 
-[[nodiscard]] EventTable readTable(const File& file, const TablePlace& place);
+[[nodiscard]] EventTable readTable(const HeaderFile& file, const TablePlace& place);
 
 } // namespace kvsig::neuroscan

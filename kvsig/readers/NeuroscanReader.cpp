@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <optional>
 #include <utility>
 
@@ -18,21 +19,16 @@ namespace {
 using namespace neuroscan;
 using Severity = OpenFinding::Severity;
 
-constexpr std::int64_t largestGroup = std::int64_t{1} << 20;
-
-HeaderBlock headerOf(const FlatRecording& recording) {
-    return HeaderBlock::readFrom(recording.samples, headerBytes);
-}
-
-std::string idOf(const File& file) {
-    return valueOf(HeaderBlock::readFrom(file, version.width), version);
-}
+constexpr std::int64_t longBlock = std::int64_t{1} << 20; // bytes of all channels
 
 bool isRiff(const std::string& id) { return id.starts_with("RIFF") || id.starts_with("RF64"); }
 
 bool hasEnding(const char* path, std::string_view ending) {
     return equalNoCase(nameEnding(viewOf(path)), ending);
 }
+
+constexpr const char* averages =
+    ": averages and epochs have this header too and are a variant that is not read";
 
 // A number of `digits` digits at `at`, which moves behind it and the separator.
 std::optional<int> numberAt(const std::string& text, std::size_t& at, std::size_t least,
@@ -57,7 +53,8 @@ struct NeuroscanReader::Places {
     std::int64_t end = 0;       ///< of the samples
     bool hasEvents = false;     ///< `end` is an event table's offset
     int bytes = 2;              ///< of a sample
-    std::int64_t frames = 0;
+    std::int64_t room = 0;      ///< frames up to `end`
+    std::int64_t frames = 0;    ///< of these that are samples
 
     [[nodiscard]] std::int64_t frameBytes() const { return channels * bytes; }
 };
@@ -69,7 +66,7 @@ bool NeuroscanReader::isFileType(const char* path) {
     File file;
     if (!file.open(path))
         return false;
-    const std::string id = idOf(file);
+    const std::string id = valueOf(HeaderBlock::readFrom(file, version.width), version);
     return id == "Version 3.0" || (isRiff(id) && hasEnding(path, ".cnt"));
 }
 
@@ -79,22 +76,22 @@ bool NeuroscanReader::describe(FlatRecording& recording) {
     if (!recording.samples.open(filePath().c_str(), &reason))
         return refuse(1, reason);
     Places places;
-    if (!isReadVariant(recording) || !findPlaces(recording, places))
+    const HeaderBlock header = recording.samples.read("header", 0, headerBytes);
+    if (!isReadVariant(header, recording.samples.size()) ||
+        !findPlaces(header, recording.samples, places))
         return false;
-    const HeaderBlock header = headerOf(recording);
     recording.rate = valueOf(header, commonRate);
     describeChannels(recording, places);
-    describePatient(recording);
-    describeTracks(recording, places);
+    describePatient(header, recording);
+    describeTracks(header, recording, places);
     recording.segments.push_back({places.frames, recording.start.secondOfDay()});
-    if (places.hasEvents)
+    if (places.hasEvents && recording.samples.fault().empty())
         readEventTable(recording, places);
     return true;
 }
 
-bool NeuroscanReader::isReadVariant(const FlatRecording& recording) {
-    const std::string id = idOf(recording.samples);
-    const std::int64_t size = recording.samples.size();
+bool NeuroscanReader::isReadVariant(const HeaderBlock& header, std::int64_t size) {
+    const std::string id = valueOf(header, version);
     if (isRiff(id))
         return refuse(3,
                       "this .cnt is a RIFF container, another maker's format, which is not read");
@@ -103,7 +100,6 @@ bool NeuroscanReader::isReadVariant(const FlatRecording& recording) {
                              " bytes, inside the header of " + std::to_string(headerBytes));
     if (id != "Version 3.0")
         return refuse(3, "its version (offset 0) is not \"Version 3.0\", the one that is read");
-    const HeaderBlock header = headerOf(recording);
     if (valueOf(header, acquisition) == 2)
         return refuse(3, sentenceOf(header, acquisition) +
                              ": recordings of the DC amplifier are a variant that is not read");
@@ -111,16 +107,13 @@ bool NeuroscanReader::isReadVariant(const FlatRecording& recording) {
         report(Severity::warning, sentenceOf(header, acquisition) + ", usual is 1");
     const bool elsewhere =
         hasEnding(filePath().c_str(), ".avg") || hasEnding(filePath().c_str(), ".eeg");
-    if (elsewhere || (valueOf(header, eventTable) == 0 && size <= fourGiB))
-        return refuse(3, sentenceOf(header, eventTable) +
-                             ": averages and epochs have this header too and are a variant that "
-                             "is not read");
-    return true;
+    return (!elsewhere && (valueOf(header, eventTable) != 0 || size > fourGiB)) ||
+           refuse(3, sentenceOf(header, eventTable) + averages);
 }
 
-bool NeuroscanReader::findPlaces(const FlatRecording& recording, Places& places) {
-    const HeaderBlock header = headerOf(recording);
-    const std::int64_t size = recording.samples.size();
+bool NeuroscanReader::findPlaces(const HeaderBlock& header, const HeaderFile& file,
+                                 Places& places) {
+    const std::int64_t size = file.size();
     places.channels = valueOf(header, numberOfChannels);
     places.data = headerBytes + channelBytes * places.channels;
     if (places.channels == 0)
@@ -136,35 +129,38 @@ bool NeuroscanReader::findPlaces(const FlatRecording& recording, Places& places)
     if (constexpr std::uint32_t mostUpper = 0xFFFF; // beyond it lies no file
         size > fourGiB && valueOf(header, previousFile) <= mostUpper)
         places.announced += fourGiB * valueOf(header, previousFile);
-    places.bytes = sampleBytes(recording, places);
+    places.bytes = sampleBytes(header, file, places);
     const auto inside = [&](std::int64_t offset) { return offset > places.data && offset <= size; };
     const std::int64_t count = valueOf(header, numberOfSamples);
     if (size > fourGiB && !inside(places.announced))
         places.announced = places.data + places.frameBytes() * count;
     places.hasEvents = inside(places.announced);
     places.end = places.hasEvents ? places.announced : size;
+    // Of a continuous recording it was cut off; averages have none.
+    if (!places.hasEvents && valueOf(header, acquisition) != 1)
+        return refuse(3, sentenceOf(header, acquisition) + " and the event table (offset " +
+                             std::to_string(places.announced) + ") is not inside the file" +
+                             averages);
     if (!places.hasEvents)
         report(Severity::warning, "the event table (offset " + std::to_string(places.announced) +
                                       ") is not inside the file of " + std::to_string(size) +
                                       " bytes: samples are read to its end, without events");
-    places.frames = wholeFrames(places.data, places.end, places.frameBytes());
-    if (count > 0 && count < places.frames) {
+    places.room = wholeFrames(places.data, places.end, places.frameBytes());
+    places.frames = count > 0 ? std::min(count, places.room) : places.room;
+    if (places.frames < places.room)
         report(Severity::note, sentenceOf(header, numberOfSamples) + ", there is room for " +
-                                   std::to_string(places.frames) + ": the first are shown");
-        places.frames = count;
-    }
+                                   std::to_string(places.room) + ": the first are shown");
     return true;
 }
 
 // No plain field tells.
-int NeuroscanReader::sampleBytes(const FlatRecording& recording, const Places& places) {
-    const HeaderBlock header = headerOf(recording);
+int NeuroscanReader::sampleBytes(const HeaderBlock& header, const HeaderFile& file,
+                                 const Places& places) {
     const std::int64_t next = valueOf(header, nextFile);
     int byTrailer = 0;
     bool isMarked = false;
-    if (next > 0 && next + trailerWide.offset < recording.samples.size()) {
-        const HeaderBlock trailer =
-            HeaderBlock::readFrom(recording.samples, next, trailerWide.offset + 1);
+    if (next > 0 && next + trailerWide.offset < file.size()) {
+        const HeaderBlock trailer = file.read("trailer", next, trailerWide.offset + 1);
         const int mark = valueOf(trailer, trailerWide);
         byTrailer = mark == 1 ? 4 : mark == 0 ? 2 : 0;
         isMarked = valueOf(trailer, trailerMark) == "NSI TFF";
@@ -187,34 +183,42 @@ int NeuroscanReader::sampleBytes(const FlatRecording& recording, const Places& p
 }
 
 void NeuroscanReader::describeChannels(FlatRecording& recording, const Places& places) {
-    const HeaderBlock header = HeaderBlock::readFrom(recording.samples, places.data);
+    const HeaderBlock records =
+        recording.samples.read("list of channels", headerBytes, places.channels * channelBytes);
     for (std::int64_t i = 0; i < places.channels; ++i) {
-        const std::int64_t base = headerBytes + i * channelBytes;
+        const std::int64_t base = i * channelBytes;
         FlatChannel channel;
         channel.place = i * places.bytes;
         channel.integer.bytes = places.bytes;
-        channel.grid1 = valueOf(header, label, base);
+        channel.grid1 = valueOf(records, label, base);
         channel.grid2 = "Ref";
-        const double microvolts = static_cast<double>(valueOf(header, sensitivity, base)) *
-                                  static_cast<double>(valueOf(header, calibrationFactor, base)) /
+        const double microvolts = static_cast<double>(valueOf(records, sensitivity, base)) *
+                                  static_cast<double>(valueOf(records, calibrationFactor, base)) /
                                   unitsPerMicrovolt;
-        calibrate(channel, {"uV", microvolts, static_cast<double>(valueOf(header, baseline, base)),
-                            channel.integer.least(), channel.integer.greatest()});
-        if (valueOf(header, bad, base) == 1)
+        calibrateMicrovolts(channel, microvolts, valueOf(records, baseline, base));
+        if (valueOf(records, bad, base) == 1)
             report(Severity::note, "channel " + std::to_string(i + 1) + " is marked as bad");
         recording.channels.push_back(std::move(channel));
     }
 }
 
-void NeuroscanReader::describeTracks(FlatRecording& recording, const Places& places) {
-    const FlatPiece all{places.data, places.frames};
-    if (!standsInBlocks(recording, places)) {
-        recording.tracks.push_back({places.frameBytes(), 1, 0.0, {all}, {}});
-        return;
+// Blocks are as long as the room for them, whatever of it is shown: only the recording's own last
+// one may be shorter, and then each channel's part of it is.
+void NeuroscanReader::describeTracks(const HeaderBlock& header, FlatRecording& recording,
+                                     Places& places) {
+    const bool blocks = standsInBlocks(header, recording, places);
+    const std::int64_t together = blocks ? valueOf(header, channelOffset) / places.bytes : 1;
+    const bool isWhole = places.hasEvents || places.room == valueOf(header, numberOfSamples);
+    if (const std::int64_t rest = places.room % together; rest > 0 && !isWhole) {
+        report(Severity::warning, "its last " + std::to_string(rest) +
+                                      " samples are left out: they are of a block of " +
+                                      std::to_string(together) + " that was cut");
+        places.room -= rest;
+        places.frames = std::min(places.frames, places.room);
     }
-    const std::int64_t together = valueOf(headerOf(recording), channelOffset) / places.bytes;
-    if (together <= largestGroup / places.frameBytes()) {
-        recording.tracks.push_back({places.frameBytes(), together, 0.0, {all}, {}});
+    if (together <= std::max(longBlock / places.frameBytes(), std::int64_t{1})) {
+        recording.tracks.push_back(
+            {places.frameBytes(), together, 0.0, {{places.data, places.room}}, {}});
         return;
     }
     // Of long blocks each channel's run is read alone.
@@ -223,8 +227,8 @@ void NeuroscanReader::describeTracks(FlatRecording& recording, const Places& pla
         track.frameBytes = places.bytes;
         recording.channels[static_cast<std::size_t>(c)].track = static_cast<int>(c);
         recording.channels[static_cast<std::size_t>(c)].place = 0;
-        for (std::int64_t first = 0; first < places.frames; first += together) {
-            const std::int64_t count = std::min(together, places.frames - first);
+        for (std::int64_t first = 0; first < places.room; first += together) {
+            const std::int64_t count = std::min(together, places.room - first);
             track.pieces.push_back(
                 {places.data + first * places.frameBytes() + c * count * places.bytes, count});
         }
@@ -233,9 +237,9 @@ void NeuroscanReader::describeTracks(FlatRecording& recording, const Places& pla
 
 // The channel offset says so, but not always rightly. A signal changes little from sample to
 // sample: the order of samples in which it does is the true one.
-bool NeuroscanReader::standsInBlocks(const FlatRecording& recording, const Places& places) {
+bool NeuroscanReader::standsInBlocks(const HeaderBlock& header, const FlatRecording& recording,
+                                     const Places& places) {
     constexpr std::int64_t most = std::int64_t{1} << 18, enough = 4096;
-    const HeaderBlock header = headerOf(recording);
     const std::int64_t offset = valueOf(header, channelOffset);
     if (offset <= 1 || places.channels < 2 || offset % places.bytes != 0)
         return false;
@@ -245,13 +249,14 @@ bool NeuroscanReader::standsInBlocks(const FlatRecording& recording, const Place
     const std::int64_t count =
         std::min({places.frames * places.channels, enough * places.channels, most});
     const HeaderBlock block =
-        HeaderBlock::readFrom(recording.samples, places.data, count * places.bytes);
+        recording.samples.read("first samples", places.data, count * places.bytes);
     std::vector<std::int32_t> values(static_cast<std::size_t>(count));
     FlatInteger integer;
     integer.bytes = places.bytes;
     const auto held = static_cast<std::int64_t>(block.bytes().size()) / places.bytes;
     decode({integer, block.bytes().data(), places.bytes, held, 0}, values.data(), 1);
-    // The mean step from value i to value i + apart, at the borders of runs left out.
+    // The mean step from value i to value i + apart, at the borders of runs left out; without any
+    // there is nothing that speaks for that order.
     const auto meanStep = [&](std::int64_t apart, std::int64_t run) {
         double sum = 0.0;
         std::int64_t steps = 0;
@@ -262,7 +267,8 @@ bool NeuroscanReader::standsInBlocks(const FlatRecording& recording, const Place
                             values[static_cast<std::size_t>(i)]);
             ++steps;
         }
-        return steps > 0 ? sum / static_cast<double>(steps) : 0.0;
+        return steps > 0 ? sum / static_cast<double>(steps)
+                         : std::numeric_limits<double>::infinity();
     };
     const double asFrames = meanStep(places.channels, 0);
     const double asBlocks = meanStep(1, together);
@@ -275,8 +281,7 @@ bool NeuroscanReader::standsInBlocks(const FlatRecording& recording, const Place
     return blocks;
 }
 
-void NeuroscanReader::describePatient(FlatRecording& recording) {
-    const HeaderBlock header = headerOf(recording);
+void NeuroscanReader::describePatient(const HeaderBlock& header, FlatRecording& recording) {
     PatientRec& patient = recording.patient;
     if (const std::string name = valueOf(header, patientName);
         !name.empty() && name != "Unspecified")
@@ -322,9 +327,11 @@ void NeuroscanReader::describePatient(FlatRecording& recording) {
         report(Severity::note, "its date (offset 225) is not whole, so the day is not known");
 }
 
-void NeuroscanReader::readEventTable(const FlatRecording& recording, const Places& places) {
+void NeuroscanReader::readEventTable(FlatRecording& recording, const Places& places) {
     EventTable table =
         readTable(recording.samples, {places.end, places.data, places.frameBytes(), places.frames});
+    if (const std::string fault = recording.samples.takeFault(); !fault.empty())
+        table = {{}, {"its events are left out: " + fault}};
     for (const std::string& oddity : table.oddities)
         report(Severity::warning, oddity);
     m_events = std::move(table.events);

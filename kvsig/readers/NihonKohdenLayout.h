@@ -19,6 +19,7 @@ inline constexpr NumberField<std::uint8_t> blockCount{"number of blocks", 0x91};
 inline constexpr NumberField<std::uint32_t> blockAddress{"block address", 0x92};
 inline constexpr std::int64_t headBytes = 0x92;
 inline constexpr std::int64_t addressStep = 20; ///< an address and 16 bytes of text
+inline constexpr std::int64_t mostTableBytes = 255 * addressStep;
 
 /// .EEG
 namespace eeg {

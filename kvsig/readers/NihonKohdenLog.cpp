@@ -1,7 +1,7 @@
 #include "kvsig/readers/NihonKohdenLog.h"
 
+#include "kvsig/readers/HeaderFile.h"
 #include "kvsig/readers/NihonKohdenLayout.h"
-#include "kvsig/util/File.h"
 
 #include <algorithm>
 #include <set>
@@ -30,12 +30,12 @@ std::int64_t addressAt(const HeaderBlock& head, int index) {
 }
 
 // Empty when there is no whole block head behind the file's.
-HeaderBlock logBlock(const File& file, std::int64_t address) {
-    const HeaderBlock head = HeaderBlock::readFrom(file, address, log::entries);
+HeaderBlock logBlock(const HeaderFile& file, std::int64_t address) {
+    const HeaderBlock head = file.read("log block", address, log::entries);
     if (address < headBytes || head.bytes().size() < static_cast<std::size_t>(log::entries))
         return {};
-    return HeaderBlock::readFrom(file, address,
-                                 log::entries + valueOf(head, log::entryCount) * log::entryBytes);
+    return file.read("log block", address,
+                     log::entries + valueOf(head, log::entryCount) * log::entryBytes);
 }
 
 // Text up to the first NUL, its blanks kept: a continuation may follow.
@@ -72,7 +72,7 @@ void readEntries(const HeaderBlock& block, const HeaderBlock& sub, std::vector<L
 } // namespace
 
 std::vector<LogEntry> readLog(const char* path, std::vector<std::string>& faults) {
-    File file;
+    HeaderFile file;
     std::string reason;
     std::vector<LogEntry> entries;
     if (!file.open(path, &reason)) {
@@ -80,8 +80,12 @@ std::vector<LogEntry> readLog(const char* path, std::vector<std::string>& faults
         return entries;
     }
     const HeaderBlock head =
-        HeaderBlock::readFrom(file, headBytes + (log::subBlocks + log::mostBlocks) * addressStep);
+        file.read("table", 0, headBytes + (log::subBlocks + log::mostBlocks) * addressStep);
     const int said = valueOf(head, blockCount);
+    if (!file.fault().empty()) {
+        faults.push_back(file.fault());
+        return entries;
+    }
     if (deviceOf(valueOf(head, signature)) == Device::none || file.size() < headBytes) {
         faults.push_back("it is no event file of a Nihon Kohden recording");
         return entries;
@@ -120,6 +124,8 @@ std::vector<LogEntry> readLog(const char* path, std::vector<std::string>& faults
         }
         readEntries(block, sub, entries);
     }
+    if (!file.fault().empty())
+        faults.push_back(file.fault());
     return entries;
 }
 

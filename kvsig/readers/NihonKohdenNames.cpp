@@ -1,7 +1,6 @@
 #include "kvsig/readers/NihonKohdenNames.h"
 
-#include "kvsig/readers/HeaderBlock.h"
-#include "kvsig/util/File.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/NumberText.h"
 #include "kvsig/util/Text.h"
 
@@ -13,7 +12,6 @@
 namespace kvsig::nk {
 namespace {
 
-constexpr std::int64_t mostBytes = std::int64_t{1} << 20; // of an electrode file; usual are 4 KiB
 constexpr int lastCode = 255;
 
 constexpr std::array headNames = {"FP1", "FP2", "F3",  "F4",  "C3", "C4", "P3", "P4", "O1",
@@ -64,11 +62,8 @@ std::string_view trimmed(std::string_view text) {
 bool isMillivoltCode(int code) { return within(code, dcInputs) || within(code, markInputs); }
 
 // Lines "NNNN=name", NNNN the decimal code; of several for a code the first counts.
-bool InputNames::read(const char* path) {
-    File file;
-    if (!file.open(path))
-        return false;
-    const HeaderBlock block = HeaderBlock::readFrom(file, mostBytes);
+bool InputNames::read(const HeaderFile& file) {
+    const HeaderBlock block = file.read("text", 0, mostElectrodeFileBytes);
     std::string text;
     for (const std::byte byte : block.bytes())
         text.push_back(static_cast<char>(byte));

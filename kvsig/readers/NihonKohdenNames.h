@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kvsig/readers/HeaderFile.h"
+
 #include <map>
 #include <string>
 
@@ -12,8 +14,8 @@ namespace kvsig::nk {
 class InputNames {
   public:
     /// Takes the names of an electrode file (.21E), which override the device's own. False when it
-    /// cannot be read or holds no names of electrodes.
-    bool read(const char* path);
+    /// holds no names of electrodes.
+    bool read(const HeaderFile& file);
 
     [[nodiscard]] std::string nameOf(int code) const;
 

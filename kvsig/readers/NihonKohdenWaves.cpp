@@ -8,8 +8,6 @@
 namespace kvsig::nk {
 namespace {
 
-constexpr std::int64_t mostTableBytes = 255 * addressStep;
-
 // Two decimal digits in a byte; -1 when they are none.
 int decimalAt(const HeaderBlock& block, std::int64_t offset) {
     const int byte = valueOf(block, NumberField<std::uint8_t>{"", offset});
@@ -26,9 +24,9 @@ CalendarTime timeOf(const HeaderBlock& block) {
 }
 
 // A block, or the sentence why there is none.
-std::string readWaveBlock(const File& file, std::int64_t offset, WaveBlock& block) {
+std::string readWaveBlock(const HeaderFile& file, std::int64_t offset, WaveBlock& block) {
     constexpr std::int64_t mostBytes = eeg::waveHeadBytes + 255 * eeg::codeStep;
-    const HeaderBlock head = HeaderBlock::readFrom(file, offset, mostBytes);
+    const HeaderBlock head = file.read("waveform block of the .EEG", offset, mostBytes);
     const auto held = static_cast<std::int64_t>(head.bytes().size());
     const std::int64_t channels = valueOf(head, eeg::channelCount);
     const std::string leaves = "the waveform block at offset " + std::to_string(offset) +
@@ -55,7 +53,7 @@ std::string readWaveBlock(const File& file, std::int64_t offset, WaveBlock& bloc
 
 } // namespace
 
-WaveBlocks findWaveBlocks(const File& file) {
+WaveBlocks findWaveBlocks(const HeaderBlock& head, const HeaderFile& file) {
     WaveBlocks found;
     const auto failed = [&found](const std::string& fault) {
         found.blocks.clear();
@@ -63,13 +61,12 @@ WaveBlocks findWaveBlocks(const File& file) {
         return found;
     };
     const std::int64_t size = file.size();
-    const HeaderBlock head = HeaderBlock::readFrom(file, headBytes + mostTableBytes);
     found.controlBlocks = valueOf(head, blockCount);
     std::set<std::int64_t> starts = {0, size};
     for (std::int64_t i = 0; i < found.controlBlocks; ++i) {
         const std::int64_t address = valueOf(head, blockAddress, i * addressStep);
-        const HeaderBlock control =
-            HeaderBlock::readFrom(file, address, eeg::waveAddress.offset + mostTableBytes);
+        const HeaderBlock control = file.read("control block of the .EEG", address,
+                                              eeg::waveAddress.offset + mostTableBytes);
         const std::int64_t waves = valueOf(control, eeg::waveCount);
         const std::string place = "control block " + std::to_string(i + 1) + " of " +
                                   std::to_string(found.controlBlocks) + " (offset " +

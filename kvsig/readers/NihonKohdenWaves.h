@@ -1,7 +1,7 @@
 #pragma once
 
 #include "kvsig/readers/CalendarTime.h"
-#include "kvsig/util/File.h"
+#include "kvsig/readers/HeaderFile.h"
 
 #include <cstdint>
 #include <string>
@@ -33,7 +33,8 @@ struct WaveBlocks {
     std::string fault; ///< why they cannot be read; empty when they can
 };
 
-/// Follows the tables of a sample file (.EEG).
-[[nodiscard]] WaveBlocks findWaveBlocks(const File& file);
+/// Follows the tables of a sample file (.EEG), which its head begins: headBytes + mostTableBytes of
+/// it, or the whole file.
+[[nodiscard]] WaveBlocks findWaveBlocks(const HeaderBlock& head, const HeaderFile& file);
 
 } // namespace kvsig::nk

@@ -59,15 +59,20 @@ std::vector<const DRFactory*> unreadableByName(const char* path) {
     return fitting;
 }
 
-// The type of one file, which exists.
+bool isFile(const std::string& path) { return File().open(path.c_str()); }
+
+// The type of one file. A content test fails where there is none, so that only what goes by the
+// name alone has to ask.
 ReaderType typeOfFile(const char* path) {
+    const std::string_view name = baseName(path);
     for (const DRFactory* factory : dataReaderManager().factories())
-        if (fitsFilePattern(baseName(path), viewOf(factory->pattern)) &&
-            knowsContent(factory->type, path))
+        if (fitsFilePattern(name, viewOf(factory->pattern)) && knowsContent(factory->type, path))
             return factory->type;
     for (const ContentTest& test : contentTests())
         if (test.isFileType(path))
             return test.type;
+    if (!isFile(path))
+        return noReaderType;
     const auto fitting = unreadableByName(path);
     const bool one = !fitting.empty() &&
                      std::all_of(fitting.begin(), fitting.end(), [&](const DRFactory* factory) {
@@ -75,8 +80,6 @@ ReaderType typeOfFile(const char* path) {
                      });
     return one ? fitting.front()->type : noReaderType;
 }
-
-bool isFile(const std::string& path) { return File().open(path.c_str()); }
 
 // Both paths of "a*b"; empty when there is no '*'.
 std::optional<std::pair<std::string, std::string>> pairOfPaths(std::string_view path) {
@@ -111,10 +114,10 @@ std::string undetectedFile(const char* path) {
 
 int DetectFileType(const char* path) {
     const std::string file(viewOf(path));
-    if (isFile(file))
-        return typeOfFile(file.c_str());
     const auto paths = pairOfPaths(file);
-    if (!paths || !isFile(paths->first) || !isFile(paths->second))
+    if (!paths || isFile(file))
+        return typeOfFile(file.c_str());
+    if (!isFile(paths->first) || !isFile(paths->second))
         return noReaderType;
     const ReaderType first = typeOfFile(paths->first.c_str());
     const ReaderType second = typeOfFile(paths->second.c_str());

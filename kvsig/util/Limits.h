@@ -19,7 +19,32 @@ inline constexpr std::int64_t mostInspectedBytes = std::int64_t{256} << 20;
 // Channels.
 
 /// The interface counts channels in 16 bits; higher numbers in channel maps are ignored.
-inline constexpr int largestMappedChannel = 32767;
+inline constexpr int mostChannels = 32767;
+
+// Headers of recordings.
+
+/// Segments, starts of segments in all channels, and runs of data blocks without a pause:
+/// recordings of more are refused.
+inline constexpr std::int64_t mostSegments = 65536;
+inline constexpr std::size_t mostSegmentStarts = std::size_t{1} << 22;
+inline constexpr std::size_t mostBlockRuns = std::size_t{1} << 20;
+/// Bytes of the samples that may stand together, channel by channel.
+inline constexpr std::int64_t mostGroupBytes = std::int64_t{64} << 20;
+/// Blocks of an index, which may be empty, and packets of channels that are followed.
+inline constexpr std::size_t mostIndexBlocks = std::size_t{1} << 20;
+inline constexpr std::size_t mostChannelPackets = 65536;
+/// Bytes of a patient's record, and of a file with names of electrodes, that are looked at.
+inline constexpr std::int64_t mostPatientBytes = std::int64_t{1} << 20;
+inline constexpr std::int64_t mostElectrodeFileBytes = std::int64_t{1} << 20;
+
+// Events.
+
+/// Where a list of events ends.
+inline constexpr std::size_t mostEvents = std::size_t{1} << 20;
+/// Bytes of a packet in a file of events.
+inline constexpr std::int64_t longestEventPacket = std::int64_t{1} << 20;
+/// Characters of an event's text that are looked at; far more than an event shows.
+inline constexpr std::int64_t longestEventText = 1024;
 
 // INI-style texts.
 

@@ -12,6 +12,9 @@ namespace {
 // The sign of a NaN says nothing.
 constexpr const char* notANumber = "nan";
 
+/// Whole numbers of so many digits are exact in 64 bits, and in a double.
+constexpr std::size_t exactDigits = 15;
+
 bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 std::string_view withoutLeadingBlanks(std::string_view text) {
@@ -47,6 +50,34 @@ double outOfRangeValue(std::string_view number) {
     return negative ? -value : value;
 }
 
+struct PlainNumber {
+    bool negative = false;
+    bool hasPoint = false;
+    std::int64_t digits = 0;
+    double power = 1.0; ///< of ten, that the digits are divided by
+};
+
+// Most numbers in headers are a few digits, at most with a point: those that fit into `exactDigits`
+// are read here, the whole text or nothing.
+bool scanPlain(std::string_view text, PlainNumber& number) {
+    number.negative = !text.empty() && text.front() == '-';
+    if (number.negative)
+        text.remove_prefix(1);
+    if (text.empty() || text.size() > exactDigits)
+        return false;
+    for (const char c : text) {
+        if (isDigit(c)) {
+            number.digits = 10 * number.digits + (c - '0');
+            number.power = number.hasPoint ? 10.0 * number.power : 1.0;
+        } else if (c == '.' && !number.hasPoint) {
+            number.hasPoint = true;
+        } else {
+            return false;
+        }
+    }
+    return true;
+}
+
 // Reads the number and tells how many characters it took; 0 when there is none.
 std::size_t scanDouble(std::string_view text, double& value) {
     std::size_t skipped = 0;
@@ -56,6 +87,12 @@ std::size_t scanDouble(std::string_view text, double& value) {
     }
     if (!startsNumber(text))
         return 0;
+    // Digits and power are exact, so the quotient is rounded once, as that of a full reading.
+    if (PlainNumber number; scanPlain(text, number)) {
+        const double magnitude = static_cast<double>(number.digits) / number.power;
+        value = number.negative ? -magnitude : magnitude;
+        return skipped + text.size();
+    }
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     const auto length = static_cast<std::size_t>(end - text.data());
     if (error == std::errc::result_out_of_range)
@@ -89,6 +126,8 @@ std::int64_t leadingInteger(std::string_view text) {
     text = withoutLeadingBlanks(text);
     if (text.size() > 1 && text.front() == '+' && text[1] != '-')
         text.remove_prefix(1);
+    if (PlainNumber number; scanPlain(text, number) && !number.hasPoint)
+        return number.negative ? -number.digits : number.digits;
     std::int64_t value = 0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
     if (result.ec == std::errc::result_out_of_range)

@@ -6,18 +6,25 @@
 
 namespace kvsig {
 
-void copyText(char* dest, std::size_t size, std::string_view source) {
+namespace {
+
+void copyWhole(char* dest, std::size_t size, std::string_view source) {
     if (!dest || size == 0)
         return;
-    source = source.substr(0, source.find('\0'));
     const std::size_t length = std::min(source.size(), size - 1);
     if (length > 0)
         std::memmove(dest, source.data(), length);
     dest[length] = '\0';
 }
 
+} // namespace
+
+void copyText(char* dest, std::size_t size, std::string_view source) {
+    copyWhole(dest, size, source.substr(0, source.find('\0')));
+}
+
 void copyText(char* dest, std::size_t size, const char* source) {
-    copyText(dest, size, viewOf(source));
+    copyWhole(dest, size, viewOf(source));
 }
 
 std::string lowerCase(std::string_view text) {

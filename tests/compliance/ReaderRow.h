@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kvsig/kernel/DataReader.h"
+#include "support/TempDir.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -8,6 +9,7 @@
 #include <memory>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace kvsig::test {
@@ -23,9 +25,19 @@ struct SampleRecording {
     long storedSampleCount = 0; ///< from here on samples read as zeros
     long chunkEnd = 0;          ///< from here on a chunk read finds nothing; sampleCount when 0
     double startClock = 0.0;    ///< seconds since midnight
+    double pauseAt = 0.0;       ///< seconds of samples before the recorder's only pause
+    double pause = 0.0;         ///< seconds; 0 without
     std::string attributes;     ///< read before the file is opened, unless it is empty
+    std::vector<std::pair<std::string, std::string>> companions; ///< names and bytes
     /// The raw count of a stored sample.
     std::function<std::int32_t(int channel, long index)> raw;
+
+    /// Writes all files and returns the path of the recording.
+    [[nodiscard]] std::string writeTo(const TempDir& dir) const {
+        for (const auto& [name, content] : companions)
+            dir.write(name, content);
+        return dir.write(fileName, bytes);
+    }
 };
 
 /// A format in the compliance kit. A new format adds its rows and nothing else.

@@ -158,6 +158,40 @@ TEST_P(ChangingFile, AReplacedFileIsReadOnAsItWas) {
     EXPECT_EQ(seconds(*reader, 0, 40), written(0, 40));
 }
 
+class ShrinkingRecording : public testing::TestWithParam<test::ReaderRow> {};
+
+TEST_P(ShrinkingRecording, ShowsWhatIsThereAndZeros) {
+    const test::TempDir dir;
+    const test::SampleRecording file = GetParam().sample();
+    const std::string path = file.writeTo(dir);
+    const auto reader = GetParam().reader();
+    ASSERT_TRUE(reader->open(path.c_str()));
+    const auto all = [&] {
+        reader->flushPages(false);
+        return rawOf(*reader, file.channels - 1, 0, file.sampleCount - 1);
+    };
+    const auto sound = all();
+    const std::size_t header = file.boundaries.back();
+    const std::vector<std::int32_t> zeros(sound.size(), 0);
+    fs::resize_file(path, header + (file.bytes.size() - header) * 3 / 4);
+    const auto cut = all();
+    for (std::size_t i = 0; i < sound.size(); ++i)
+        ASSERT_TRUE(cut[i] == sound[i] || (i > sound.size() / 2 && cut[i] == 0)) << i;
+    EXPECT_NE(cut, sound);
+    fs::resize_file(path, header);
+    EXPECT_EQ(all(), zeros);
+    fs::resize_file(path, 0);
+    EXPECT_EQ(all(), zeros);
+    test::readAround(*reader);
+    static_cast<void>(file.writeTo(dir));
+    EXPECT_EQ(all(), sound) << "it is back";
+    fs::resize_file(path, 0);
+    EXPECT_FALSE(reader->open(path.c_str()));
+}
+
+INSTANTIATE_TEST_SUITE_P(Formats, ShrinkingRecording, testing::ValuesIn(test::flatRows()),
+                         [](const auto& row) { return std::string(row.param.name); });
+
 INSTANTIATE_TEST_SUITE_P(Kinds, ChangingFile, testing::Values(edf(), raw()),
                          [](const auto& kind) { return std::string(kind.param.name); });
 

@@ -40,7 +40,7 @@ class ReadFaultsOf : public testing::TestWithParam<test::ReaderRow> {
 
     const test::TempDir dir;
     const test::SampleRecording file = GetParam().sample();
-    const std::string path = dir.write(file.fileName, file.bytes);
+    const std::string path = file.writeTo(dir);
 };
 
 TEST_P(ReadFaultsOf, InterruptedAndShortReadsGiveTheSameSamples) {
@@ -72,6 +72,43 @@ TEST_P(ReadFaultsOf, AHeaderThatCannotBeReadIsRefusedInWords) {
         else
             EXPECT_GT(std::string(reader->lastErrorText()).size(), path.size() + 2) << call;
         test::readAround(*reader);
+    }
+}
+
+// One read alone fails: nothing else than what the file says is shown for it.
+TEST_P(ReadFaultsOf, AFailureThatPassesShowsNothingElse) {
+    const auto facts = [](DataReader& reader) {
+        std::ostringstream all;
+        all << reader.sampleCount() << ' ' << reader.samplingRate() << ' '
+            << reader.getClockTime(0.0) << ' ' << reader.getClockTime(reader.duration());
+        for (int c = 0; c < reader.channelCount(); ++c)
+            all << '\n'
+                << reader.channelName(c) << ',' << reader.channelUnits(c) << ','
+                << reader.channelType(c) << ',' << reader.calibration(c) << ','
+                << reader.physioLow(c) << ',' << reader.physioHigh(c) << ',' << reader.digitalLow(c)
+                << ',' << reader.digitalHigh(c);
+        return all.str();
+    };
+    const auto sound = newReader();
+    ASSERT_TRUE(sound->open(path.c_str()));
+    int reads = 0;
+    {
+        const ReadFaults faults({});
+        ASSERT_TRUE(newReader()->open(path.c_str()));
+        reads = ReadFaults::calls();
+    }
+    for (int call = 0; call < reads; ++call) {
+        SCOPED_TRACE(call);
+        const auto reader = newReader();
+        {
+            const ReadFaults faults({.failFrom = call, .failures = 1});
+            if (!reader->open(path.c_str()))
+                continue;
+        }
+        ASSERT_EQ(facts(*reader), facts(*sound));
+        for (int c = 0; c < file.channels; ++c)
+            ASSERT_EQ(rawOf(*reader, c, 0, file.sampleCount - 1),
+                      rawOf(*sound, c, 0, file.sampleCount - 1));
     }
 }
 

@@ -153,7 +153,7 @@ TEST_F(DataSourceTest, MissingSamplesAreZerosAndCountsAreNotBelieved) {
         int answered, delivered;
     };
     for (const auto& [answered, delivered] : {Case{40, 40}, {0, 0}, {-3, 0}, {500, 100}}) {
-        source.answer = [answered](int) { return answered; };
+        source.answer = [answered = answered](int) { return answered; };
         source.flushCache();
         int count = -1;
         Samples expected = ramp(100, 199);
@@ -178,7 +178,7 @@ TEST_F(DataSourceTest, FilteredCountsAreThoseBehindTheRunIn) {
     };
     for (const auto& [answered, filtered, delivered] :
          {Case{60, 60, 45}, {15, 15, 0}, {12, 12, 0}, {0, 0, 0}, {-3, 0, 0}, {900, 115, 100}}) {
-        source.answer = [answered](int) { return answered; };
+        source.answer = [answered = answered](int) { return answered; };
         int count = -1;
         const Samples got = read(source, 100, 199, 1.0, &count);
         EXPECT_EQ(count, delivered);

@@ -221,6 +221,24 @@ TEST(FlatReader, SlowChannelsAreRepeatedSegmentBySegment) {
         EXPECT_EQ(rawOf(reader, 0, i, i), Counts{static_cast<std::int32_t>(i)});
 }
 
+// 29 of 100 Hz: 0.29 * 100 is a little less than 29.
+TEST(FlatReader, SlowChannelsTurnOverWhereWholeRatesSay) {
+    Bytes bytes;
+    for (int i = 0; i < 1000; ++i)
+        bytes.add(static_cast<std::int16_t>(i));
+    for (const double rate : {100.0, 200.0, 400.0}) {
+        ScriptedFlatReader reader(bytes.str(), [rate](FlatRecording& recording) {
+            recording.rate = rate;
+            recording.tracks = {{2, 1, 0.0, {{0, 1000}}, {}}, {2, 1, 29.0, {{0, 290}}, {}}};
+            recording.channels = {channelOf({}, 0), channelOf({}, 0, 1)};
+            recording.segments = {{1000, 0.0}};
+        });
+        const Counts shown = rawOf(reader, 1, 0, 999);
+        for (int i = 0; i < 1000; ++i)
+            ASSERT_EQ(shown[static_cast<std::size_t>(i)], i * 29 / static_cast<int>(rate));
+    }
+}
+
 TEST(FlatReader, PausesAreAnchorsAndEventsKeepTheirSamples) {
     ScriptedFlatReader reader(std::string(200, '\1'), [](FlatRecording& recording) {
         oneChannel(recording, {}, 100);

@@ -1,11 +1,11 @@
 #include "kvsig/readers/MicromedReader.h"
 
-#include "kvsig/kernel/ClientEvent.h"
 #include "kvsig/registry/FrontDoor.h"
+#include "support/LogCapture.h"
 #include "support/MicromedFile.h"
 #include "support/Opened.h"
+#include "support/ReaderFixture.h"
 
-#include <deque>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -14,31 +14,20 @@ namespace {
 
 using test::Bytes;
 using test::MicromedFile;
+using test::poked;
+using test::tells;
+using test::u16;
+using test::u32;
+using test::u8;
 using test::valuesOf;
+using testing::AllOf;
+using testing::ElementsAre;
 using testing::HasSubstr;
 
-struct Micromed : testing::Test {
-    bool opens(const std::string& bytes) {
-        return reader.open(dir.write("EEG_1.TRC", bytes).c_str());
-    }
-    bool opens(const MicromedFile& file) { return opens(file.bytes()); }
-    std::string finding(std::size_t index) {
-        return index < reader.openFindings().size() ? reader.openFindings()[index].text : "none";
-    }
-    std::vector<std::string> events() {
-        std::deque<ClientEvent> read;
-        reader.readEvents(read);
-        std::vector<std::string> texts;
-        for (const ClientEvent& event : read)
-            texts.push_back(std::to_string(event.sample) + "+" +
-                            std::to_string(std::lround(event.duration * 1000)) + " " +
-                            event.stateText);
-        return texts;
-    }
+struct Micromed : test::ReaderFixture<MicromedReader> {
+    Micromed() : ReaderFixture("EEG_1.TRC") {}
 
     static constexpr double start = 23 * 3600 + 5 * 60 + 7;
-    test::TempDir dir;
-    MicromedReader reader;
 };
 
 TEST_F(Micromed, ChannelsAreFoundAndCalibratedThroughTheirElectrodes) {
@@ -100,7 +89,7 @@ TEST_F(Micromed, SamplesHaveOneTwoOrFourBytes) {
                         static_cast<double>(file.stored(0, i) - c.facts.ground) * 6400 /
                             (c.facts.high - c.facts.low + 1),
                         1e-3);
-        EXPECT_EQ(reader.openFindings().size(), c.findings) << c.bytes;
+        EXPECT_EQ(findings().size(), c.findings) << c.bytes;
     }
 }
 
@@ -112,6 +101,15 @@ TEST_F(Micromed, PiecesOfACutRecordingKeepTheirClock) {
     EXPECT_EQ(reader.getClockTime(0.0), start + 5);
     EXPECT_EQ(reader.getClockTime(1.5), start + 20.5);
     EXPECT_EQ(reader.getClockTime(2.75), start + 900.25);
+    // What was cut off before the first piece may pass midnight: the recording starts behind it.
+    ASSERT_TRUE(opens(MicromedFile(file).piece(700'000, 0).piece(8'640'000, 100)));
+    EXPECT_EQ(reader.getClockTime(0.0), start + 7000 - 86400);
+    EXPECT_EQ(reader.getClockTime(1.5), start + 0.5);
+    EXPECT_STREQ(reader.patientRec()->testDate, "2026.07.05");
+    EXPECT_STREQ(reader.patientRec()->testTime, "01:01:47");
+    dir.write("eeg_1.evt", "<EventFile><Events><Event><Begin>2026-07-05T23:05:07.5</Begin>"
+                           "</Event></Events></EventFile>");
+    EXPECT_EQ(events(), std::vector<std::string>{"150 "});
     ASSERT_TRUE(opens(MicromedFile(file).piece(500, 0).piece(2000, 300)));
     EXPECT_EQ(reader.sampleTimeCount(), 1) << "a piece behind the end";
     for (const auto& [first, second] : {std::pair(0, 0), {100, 50}, {7, 100}}) {
@@ -119,7 +117,7 @@ TEST_F(Micromed, PiecesOfACutRecordingKeepTheirClock) {
                               .piece(0, static_cast<std::uint32_t>(first))
                               .piece(900, static_cast<std::uint32_t>(second))));
         EXPECT_EQ(reader.getClockTime(2.5), start + 2.5);
-        EXPECT_EQ(reader.openFindings().size(), first + second > 0 ? 1U : 0U);
+        EXPECT_EQ(findings().size(), first + second > 0 ? 1U : 0U);
     }
 }
 
@@ -129,9 +127,9 @@ TEST_F(Micromed, EventsOfAllZonesAndOfTheFileBesideIt) {
     file.note(0, "begin").note(50, "eyes closed").note(900, "behind").note(0, "").note(60, "never");
     file.flag(10, 35).flag(0, 0).flag(40, 20).event('A', 3, 120, 170).event('B', 9, 0, 7);
     file.trigger(0, 0).trigger(77, 4096).trigger(300, 5).trigger(299, 6);
-    const std::vector<std::string> own = {"0+0 begin",         "0+70 EVENT B 9",   "10+250 Flag",
-                                          "40+0 Flag",         "50+0 eyes closed", "77+0 4096",
-                                          "120+500 EVENT A 3", "299+0 6"};
+    const std::vector<std::string> own = {"0 begin",           "0+70 EVENT B 9", "10+250 Flag",
+                                          "40 Flag",           "50 eyes closed", "77 4096",
+                                          "120+500 EVENT A 3", "299 6"};
     ASSERT_TRUE(opens(file));
     EXPECT_EQ(events(), own);
     dir.write("eeg_1.evt", "<EventFile><Events><Event><Begin>2026-07-04T23:05:09.5</Begin>"
@@ -143,68 +141,65 @@ TEST_F(Micromed, EventsOfAllZonesAndOfTheFileBesideIt) {
     ASSERT_TRUE(opens(file));
     std::vector<std::string> all = own;
     all.insert(all.end() - 1, "250+500 a & b left");
+    test::LogCapture log;
     EXPECT_EQ(events(), all);
+    EXPECT_THAT(log.take(), tells("1 events are left out, whose Begin is no date and time"));
     for (const char* damaged : {"", "<EventFile><Events>", "<a/>", "\xFF\xFE"}) {
         dir.write("eeg_1.evt", damaged);
         ASSERT_TRUE(opens(file));
         EXPECT_EQ(events(), own) << damaged;
     }
     // A zone that leaves the file is none.
-    std::string cut = file.bytes();
-    cut.replace(176 + 14 * 16 + 8, 4, std::string("\xFF\xFF\xFF\xFF", 4));
     dir.write("eeg_1.evt", "<a/>");
-    ASSERT_TRUE(opens(cut));
+    ASSERT_TRUE(opens(poked(file.piece(500, 0).bytes(), 176 + 14 * 16 + 8, u32(~0U))));
     EXPECT_EQ(events().size(), own.size() - 2);
+    EXPECT_THAT(findings(), ElementsAre(AllOf(HasSubstr("zone TRIGGER (offset 4294967295"),
+                                              HasSubstr("its events are left out"))));
+    ASSERT_TRUE(opens(poked(file.bytes(), 176 + 4 * 16 + 12, u32(~0U))));
+    EXPECT_EQ(reader.getClockTime(0.0), start);
+    EXPECT_THAT(findings(), ElementsAre(HasSubstr("bytes: pauses are not shown")));
 }
 
 TEST_F(Micromed, OtherVariantsAndLyingHeadersAreRefused) {
     const std::string good = MicromedFile().channel({"a"}).channel({"b"}).bytes();
-    const auto poked = [&](std::size_t offset, Bytes bytes) {
-        return std::string(good).replace(offset, bytes.size(), bytes.str());
-    };
-    const auto byte = [](int value) { return Bytes().add(static_cast<std::uint8_t>(value)); };
-    const auto word = [](int value) { return Bytes().add(static_cast<std::uint16_t>(value)); };
-    const auto wide = [](std::uint32_t value) { return Bytes().add(value); };
     const std::size_t order = MicromedFile::zoneStart("ORDER");
     const std::size_t labels = MicromedFile::zoneStart("LABCOD");
-    const struct {
-        std::string bytes;
-        int error;
-        const char* sentence;
-    } cases[] = {
-        {poked(175, byte(0)), 3, "header type (offset 175) is 0: a System 1 recording"},
-        {poked(175, byte(2)), 3, "a System 2 recording"},
-        {poked(175, byte(3)), 3, "an early System 98 recording"},
-        {poked(175, byte(9)), 3, "header type (offset 175) is 9"},
-        {poked(0, Bytes().add("GALILEO EEG TRACE FILE")), 3, "Galileo trace file"},
-        {poked(150, word(1)), 3, "compressed recordings"},
-        {poked(144, word(6)), 3, "2 channels of 2 bytes take 4: a variant"},
-        {poked(labels + 44, word(2)), 3, "channels of several rates"},
-        {poked(176, Bytes().add("ORDEN")), 2, "are not ORDER and LABCOD"},
-        {poked(142, word(0)), 2, "number of channels (offset 142) is 0"},
-        {poked(148, word(3)), 2, "bytes of a sample (offset 148) is 3"},
-        {poked(146, word(0)), 2, "basic sampling rate (offset 146) is 0"},
-        {poked(138, wide(200)), 2, "offset of the first sample (offset 138) is 200"},
-        {poked(138, wide(0xFFFFFFFF)), 2, "is 4294967295"},
-        {poked(184, wide(0xFFFFFFF0)), 2, "zone ORDER of 0 bytes"},
-        {poked(200, wide(0xFFFFFFF0)), 2, "zone LABCOD leaves the file"},
-        {poked(order, word(0xFFFF)), 2, "is 65535, whose record leaves the file"},
-        {poked(labels + 18, wide(0xFFFFFFFF)), 2, "one below the minimum"},
+    refuses({
+        {poked(good, 175, u8(0)), 3, "header type (offset 175) is 0: a System 1 recording"},
+        {poked(good, 175, u8(2)), 3, "a System 2 recording"},
+        {poked(good, 175, u8(3)), 3, "an early System 98 recording"},
+        {poked(good, 175, u8(9)), 3, "header type (offset 175) is 9"},
+        {poked(good, 0, "GALILEO EEG TRACE FILE"), 3, "Galileo trace file"},
+        {poked(good, 150, u16(1)), 3, "compressed recordings"},
+        {poked(good, 144, u16(6)), 3, "2 channels of 2 bytes take 4: a variant"},
+        {poked(good, labels + 44, u16(2)), 3, "channels of several rates"},
+        {poked(good, 176, "ORDEN"), 2, "are not ORDER and LABCOD"},
+        {poked(good, 142, u16(0)), 2, "number of channels (offset 142) is 0"},
+        {poked(good, 148, u16(3)), 2, "bytes of a sample (offset 148) is 3"},
+        {poked(good, 146, u16(0)), 2, "basic sampling rate (offset 146) is 0"},
+        {poked(good, 138, u32(200)), 2, "offset of the first sample (offset 138) is 200"},
+        {poked(good, 138, u32(0xFFFFFFFF)), 2, "is 4294967295"},
+        {poked(good, 184, u32(0xFFFFFFF0)), 2, "zone ORDER of 0 bytes"},
+        {poked(good, 200, u32(0xFFFFFFF0)), 2, "zone LABCOD (offset 4294967280) is not between"},
+        {poked(good, 200, u32(0)), 2, "zone LABCOD (offset 0) is not between"},
+        {poked(good, order, u16(0xFFFF)), 2, "is 65535, whose record leaves the file"},
+        {poked(good, labels + 18, u32(0xFFFFFFFF)), 2, "one below the minimum"},
         {good.substr(0, MicromedFile::dataOffset() + 3), 2, "no samples"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_FALSE(opens(c.bytes)) << c.sentence;
-        EXPECT_EQ(reader.getLastError(), c.error) << c.sentence;
-        EXPECT_THAT(reader.lastErrorText(), HasSubstr(c.sentence));
-    }
-    // The front door leads here, so that the user gets the sentence.
-    for (const std::size_t i : {0U, 4U}) {
+    });
+    // The front door leads here, so that the user gets the sentence; titles do not count.
+    const std::string anonymous = poked(good, 0, std::string(32, 'x'));
+    for (const auto& [bytes, sentence] :
+         {std::pair(poked(good, 175, u8(0)), "a System 1 recording"),
+          {poked(anonymous, 175, u8(3)), "an early System 98 recording"},
+          {poked(good, 0, "GALILEO EEG TRACE FILE"), "Galileo trace file"}}) {
         std::string error;
-        EXPECT_FALSE(openReader(dir.write("old.trc", cases[i].bytes).c_str(), 0, &error));
-        EXPECT_THAT(error, HasSubstr(cases[i].sentence));
+        EXPECT_FALSE(openReader(dir.write("old.trc", bytes).c_str(), 0, &error));
+        EXPECT_THAT(error, HasSubstr(sentence));
     }
-    ASSERT_TRUE(opens(poked(0, Bytes().put(0, "anonymous", 32)))) << "its title does not count";
+    ASSERT_TRUE(opens(anonymous));
     EXPECT_TRUE(MicromedReader::isFileType(dir.file("EEG_1.TRC").c_str()));
+    ASSERT_TRUE(opens(poked(good, 204, u32(0)))) << "nor does the length of LABCOD";
+    EXPECT_STREQ(reader.grid1(1), "b");
 }
 
 } // namespace

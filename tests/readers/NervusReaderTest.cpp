@@ -3,45 +3,34 @@
 #include "kvsig/registry/FrontDoor.h"
 #include "support/NervusFile.h"
 #include "support/Opened.h"
+#include "support/ReaderFixture.h"
 
-#include <deque>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace kvsig {
 namespace {
 
+using test::f64;
 using test::NervusFile;
 using test::oleDays;
+using test::poked;
 using test::rampCount;
 using test::rawOf;
+using test::tells;
+using test::u32;
+using test::u64;
+using test::u8;
 using test::valuesOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-std::string number(std::uint64_t value, std::size_t bytes) {
-    return test::Bytes().add(value).str().substr(0, bytes);
-}
-
-struct Nervus : testing::Test {
+struct Nervus : test::ReaderFixture<NervusReader> {
+    Nervus() : ReaderFixture("Rec.e") {}
+    using ReaderFixture::opens;
     bool opens(const NervusFile& file) { return opens(file.make().bytes); }
-    bool opens(const std::string& bytes) { return reader.open(dir.write("Rec.e", bytes).c_str()); }
-    std::vector<std::string> findings() {
-        std::vector<std::string> texts;
-        for (const OpenFinding& finding : reader.openFindings())
-            texts.push_back(finding.text);
-        return texts;
-    }
-    std::vector<std::string> events() {
-        std::deque<ClientEvent> read;
-        reader.readEvents(read);
-        std::vector<std::string> texts;
-        for (const ClientEvent& event : read)
-            texts.push_back(std::to_string(event.sample) + " " + event.stateText);
-        return texts;
-    }
     // 100, 32 and 100 Hz; 12.5 s and 8 s, a night between them.
     static NervusFile sample() {
         return NervusFile()
@@ -54,8 +43,6 @@ struct Nervus : testing::Test {
 
     static inline const double first = oleDays(2019, 12, 31, 86390.5);
     static inline const double second = oleDays(2020, 1, 1, 30000);
-    test::TempDir dir;
-    NervusReader reader;
 };
 
 TEST_F(Nervus, SegmentsFollowEachOtherAtEveryChannelsRate) {
@@ -87,35 +74,32 @@ TEST_F(Nervus, TheIndexIsReadAsFarAsItIsSound) {
     const NervusFile::Made made = sample().entriesPerBlock(5).make();
     const std::size_t block2 = made.places.at("index") + 16 + 24 * 5; // block of the index
     const std::size_t next = block2 - 8;
-    const auto poked = [&](std::size_t offset, const std::string& bytes) {
-        return std::string(made.bytes).replace(offset, bytes.size(), bytes);
-    };
-    const auto refuses = [&](const std::string& bytes, const char* sentence) {
-        EXPECT_FALSE(opens(bytes)) << sentence;
-        EXPECT_EQ(reader.getLastError(), 2);
-        EXPECT_THAT(reader.lastErrorText(), HasSubstr(sentence));
-    };
-    refuses(poked(next, number(made.places.at("index"), 8)), "the index goes round");
-    refuses(poked(next, number(block2 - 40, 8)), "no channel is described");
-    refuses(poked(24, number(0xFFFFFFFF, 4)), "section of segments has 0 bytes");
-    refuses(poked(172208, number(0, 4)), "number of index entries (offset 172208) is 0");
+    refuses({{poked(made.bytes, next, u64(made.places.at("index"))), 2, "the index goes round"},
+             {poked(made.bytes, next, u64(block2 - 40)), 2, "no channel is described"},
+             {poked(made.bytes, 24, u32(~0U)), 2, "section of segments has 0 bytes"},
+             {poked(made.bytes, 172208, u32(0)), 2, "index entries (offset 172208) is 0"}});
     // A later block is lost: what was listed before it is shown.
     const std::size_t fifth = made.places.at("index") + 4 * (16 + 24 * 5);
     for (const auto& [offset, bytes, sentence] :
-         {std::tuple(fifth - 8, number(1ULL << 63, 8), "leaves the file"),
-          std::tuple(fifth - 8, number(0, 8), "may still have been written"),
-          std::tuple(fifth, number(~0ULL, 8), "says 18446744073709551615 entries"),
-          std::tuple(fifth, number(0, 8), "says 0 entries"),
-          std::tuple(std::size_t{172208}, number(18, 4), "of which only 3 count")}) {
-        ASSERT_TRUE(opens(poked(offset, bytes))) << reader.lastErrorText();
-        EXPECT_THAT(findings(), Contains(HasSubstr(sentence)));
-        EXPECT_THAT(findings(), Contains(HasSubstr("of the announced 20.5 s")));
+         {std::tuple(fifth - 8, u64(1ULL << 63), "leaves the file"),
+          std::tuple(fifth - 8, u64(0), "may still have been written"),
+          std::tuple(fifth, u64(~0ULL), "says 18446744073709551615 entries"),
+          std::tuple(fifth, u64(0), "may still have been written"), // and leads nowhere
+          std::tuple(std::size_t{172208}, u32(18), "of which only 3 count")}) {
+        ASSERT_TRUE(opens(poked(made.bytes, offset, bytes))) << reader.lastErrorText();
+        EXPECT_THAT(findings(), tells(sentence));
+        EXPECT_THAT(findings(), tells("of the announced 20.5 s"));
         EXPECT_GT(reader.sampleCount(), 99);
         EXPECT_LT(reader.sampleCount(), 400);
         for (long i = 0; i < reader.sampleCount(); ++i)
             ASSERT_EQ(rawOf(reader, 2, i, i)[0], rampCount(2, i));
     }
-    ASSERT_TRUE(opens(poked(172208, number(99999, 4))));
+    // A block without entries leads on.
+    std::string longer = poked(made.bytes, fifth - 8, u64(made.bytes.size()));
+    ASSERT_TRUE(opens(longer + u64(0) + u64(fifth)));
+    EXPECT_EQ(reader.sampleCount(), 2050);
+    EXPECT_THAT(findings(), IsEmpty());
+    ASSERT_TRUE(opens(poked(made.bytes, 172208, u32(99999))));
     EXPECT_EQ(reader.sampleCount(), 2050);
     EXPECT_THAT(findings(), ElementsAre(HasSubstr("may still have been written")));
 }
@@ -130,10 +114,7 @@ TEST_F(Nervus, PiecesThatLieShowNoWrongSample) {
             at += 24;
         return at + 24 * piece;
     };
-    const auto poked = [&](std::size_t offset, const std::string& bytes) {
-        return std::string(made.bytes).replace(offset, bytes.size(), bytes);
-    };
-    ASSERT_TRUE(opens(poked(entryOf(6) + 8, number(~0ULL, 8)))); // the third second of Fp1
+    ASSERT_TRUE(opens(poked(made.bytes, entryOf(6) + 8, u64(~0ULL)))); // the third second of Fp1
     EXPECT_EQ(reader.sampleCount(), 200);
     EXPECT_EQ(rawOf(reader, 2, 199, 199)[0], rampCount(2, 199));
     EXPECT_THAT(findings(), ElementsAre(HasSubstr("section 0 is cut"), HasSubstr("channel 1 has")));
@@ -142,12 +123,12 @@ TEST_F(Nervus, PiecesThatLieShowNoWrongSample) {
         std::string bytes;
         const char* sentence;
     } cases[] = {
-        {entryOf(6) + 20, number(199, 4), "which are no whole samples"},
+        {entryOf(6) + 20, u32(199), "which are no whole samples"},
         {entryOf(6) + 8, made.bytes.substr(entryOf(3) + 8, 8), "overlap"},
-        {entryOf(6), number(108, 1), "of the announced"},
+        {entryOf(6), u8(108), "of the announced"},
     };
     for (const auto& c : cases) {
-        const bool opened = opens(poked(c.offset, c.bytes));
+        const bool opened = opens(poked(made.bytes, c.offset, c.bytes));
         EXPECT_THAT(opened ? findings().back() : std::string(reader.lastErrorText()),
                     HasSubstr(c.sentence));
     }
@@ -170,9 +151,9 @@ TEST_F(Nervus, ChannelsThatEndEarlyEndTheRecording) {
     EXPECT_EQ(reader.channelCount(), 2);
     EXPECT_THAT(findings(), ElementsAre(HasSubstr("channel 3 is left out: there are no samples")));
     NervusFile::Made made = sample().make();
-    made.bytes.replace(made.places.at("SegmentStream") + 16, 8, test::Bytes().add(2.0).str());
+    made.bytes.replace(made.places.at("SegmentStream") + 16, 8, f64(2.0));
     ASSERT_TRUE(opens(made.bytes));
-    EXPECT_THAT(findings(), Contains(HasSubstr("channel 1 holds 1050 samples more than")));
+    EXPECT_THAT(findings(), tells("channel 1 holds 1050 samples more than"));
 }
 
 TEST_F(Nervus, PacketsOfChannelsMustAgree) {
@@ -185,17 +166,25 @@ TEST_F(Nervus, PacketsOfChannelsMustAgree) {
     const NervusFile::Made made = sample().make();
     const std::size_t change = made.places.at("InfoChangeStream") + 60 + 3 - 12; // in two pieces
     const std::size_t packet = made.places.at(NervusFile::series) + 9;
-    const auto poked = [&](std::size_t offset, const std::string& bytes) {
-        return std::string(made.bytes).replace(offset, bytes.size(), bytes);
-    };
-    EXPECT_FALSE(opens(poked(change + 32, number(1ULL << 40, 8))));
+    EXPECT_FALSE(opens(poked(made.bytes, change + 32, u64(1ULL << 40))));
     EXPECT_THAT(reader.lastErrorText(), HasSubstr("offset 1099511627776 is outside their section"));
-    ASSERT_TRUE(opens(poked(packet + 752, number(~0ULL, 4))));
+    ASSERT_TRUE(opens(poked(made.bytes, packet + 752, u32(~0ULL))));
     EXPECT_EQ(reader.channelCount(), 3);
     EXPECT_THAT(findings().at(0), HasSubstr("says 4294967295 channels and holds 3"));
-    ASSERT_TRUE(opens(poked(change + 40, number(760 + 552 * 2 + 551, 8))));
+    ASSERT_TRUE(opens(poked(made.bytes, change + 40, u64(760 + 552 * 2 + 551))));
     EXPECT_EQ(reader.channelCount(), 2);
-    EXPECT_FALSE(opens(poked(change + 40, number(760 + 551, 8))));
+    const NervusFile::Made two = sample().packet(50).make(); // of 760 + 3 * 552 bytes each
+    const std::size_t entries = two.places.at("InfoChangeStream") + 60 + 3 - 12;
+    // The second is cut behind its first channel, whose rate is another one.
+    EXPECT_FALSE(opens(poked(two.bytes, entries + 80 + 40, u64(760 + 552))));
+    EXPECT_EQ(reader.getLastError(), 3);
+    // The first holds no whole channel: the second describes them.
+    ASSERT_TRUE(opens(poked(two.bytes, entries + 40, u64(760 + 551))));
+    EXPECT_EQ(reader.channelCount(), 3);
+    EXPECT_EQ(reader.samplingRate(), 100.0);
+    EXPECT_EQ(reader.storedSamplingRate(0), 50.0);
+    EXPECT_THAT(findings(), tells("packet 1 of its channels says 3 channels and holds 0"));
+    EXPECT_FALSE(opens(poked(made.bytes, change + 40, u64(760 + 551))));
     EXPECT_THAT(reader.lastErrorText(), HasSubstr("no channel is described"));
 
     ASSERT_TRUE(opens(sample().unlisted()));
@@ -211,7 +200,7 @@ TEST_F(Nervus, OddChannelsAreToldOrLeftOut) {
                                 .make();
     // The fourth record's rate, behind the gap between the section's two pieces.
     made.bytes.replace(made.places.at(NervusFile::series) + 9 + 3 + 760 + 552 * 3 + 272, 8,
-                       test::Bytes().add(HUGE_VAL).str());
+                       f64(HUGE_VAL));
     ASSERT_TRUE(opens(made.bytes));
     EXPECT_EQ(reader.channelCount(), 4);
     EXPECT_THAT(findings(),
@@ -262,63 +251,46 @@ TEST_F(Nervus, EventsStandAtTheirSamples) {
                                 .event(NervusFile::annotation, first, -1, 0, "before")
                                 .event(NervusFile::annotation, std::nan(""), 0, 0, "never");
     ASSERT_TRUE(opens(file));
-    EXPECT_THAT(events(), ElementsAre("150 eyes closed", "1250 Seizure: left", "1250 in the pause",
-                                      "2049 own type", "2050 Event"));
-    std::deque<ClientEvent> read;
-    reader.readEvents(read);
-    EXPECT_EQ(read[0].duration, 0.5);
-    EXPECT_EQ(read[3].duration, 0.0);
+    EXPECT_THAT(events(), ElementsAre("150+500 eyes closed", "1250+8000 Seizure: left",
+                                      "1250 in the pause", "2049 own type", "2050 Event"));
     const NervusFile::Made made = file.make();
     for (const std::uint64_t length : {0ULL, 23ULL, 100ULL, 1ULL << 62, ~0ULL}) {
         std::string lies = made.bytes;
-        lies.replace(made.places.at("Events") + 16, 8, number(length, 8));
+        lies.replace(made.places.at("Events") + 16, 8, u64(length));
         ASSERT_TRUE(opens(lies));
         EXPECT_THAT(events(), IsEmpty()) << length;
     }
     std::string lies = made.bytes;
-    lies.replace(made.places.at("Events") + 128, 8, number(~0ULL, 8));
+    lies.replace(made.places.at("Events") + 128, 8, u64(~0ULL));
     ASSERT_TRUE(opens(lies));
-    EXPECT_THAT(events(), Contains("150 eyes closed")) << "what of the text is in the packet";
+    EXPECT_THAT(events(), Contains("150+500 eyes closed")) << "what of the text is in the packet";
 }
 
 TEST_F(Nervus, OtherVariantsAndLyingHeadersAreRefused) {
     const NervusFile::Made made = sample().make();
-    const auto poked = [&](std::size_t offset, const std::string& bytes) {
-        return std::string(made.bytes).replace(offset, bytes.size(), bytes);
-    };
     const std::size_t segments = made.places.at("SegmentStream");
-    const auto seconds = [](double value) { return test::Bytes().add(value).str(); };
-    const struct {
-        std::string bytes;
-        int error;
-        const char* sentence;
-    } cases[] = {
-        {poked(24, number(0, 4)), 3, "older Nervus generation"},
-        {poked(172, number(0, 4)), 2, "number of tags (offset 172) is 0"},
-        {poked(172, number(~0ULL, 4)), 2, "is 4294967295, 1 to 2048"},
-        {poked(172, number(6, 4)), 2, "of 3 channels none can be shown"},
-        {poked(176, std::string(168, 'x')), 3, "none of its 9 tags"},
-        {poked(176 + 84 * 6 + 80, number(107, 4)), 2, "tags 0 and 1 share section 107"},
-        {poked(176 + 84 * 7, "0"), 2, "two tags 0"},
+    refuses({
+        {poked(made.bytes, 24, u32(0)), 3, "older Nervus generation"},
+        {poked(made.bytes, 172, u32(0)), 2, "number of tags (offset 172) is 0"},
+        {poked(made.bytes, 172, u32(~0ULL)), 2, "is 4294967295, 1 to 2048"},
+        {poked(made.bytes, 172, u32(6)), 2, "of 3 channels none can be shown"},
+        {poked(made.bytes, 176, std::string(168, 'x')), 3, "none of its 9 tags"},
+        {poked(made.bytes, 176 + 84 * 6 + 80, u32(107)), 2, "tags 0 and 1 share section 107"},
+        {poked(made.bytes, 176 + 84 * 7, "0"), 2, "two tags 0"},
         {made.bytes.substr(0, 170), 2, "ends after 170 bytes"},
         {made.bytes.substr(0, 172000), 2, "ends after 172000 bytes"},
-        {poked(segments + 16, seconds(-1)), 2, "segment 1 lasts -1 s"},
-        {poked(segments + 16, seconds(std::nan(""))), 2, "segment 1 lasts nan s"},
+        {poked(made.bytes, segments + 16, f64(-1)), 2, "segment 1 lasts -1 s"},
+        {poked(made.bytes, segments + 16, f64(std::nan(""))), 2, "segment 1 lasts nan s"},
         {NervusFile().channel({}).segment(first, 0).make().bytes, 2, "none can be shown"},
         {NervusFile().channel({}).make().bytes, 2, "section of segments has 0 bytes"},
         {made.bytes.substr(0, made.places.at("data")), 2, "no samples"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_FALSE(opens(c.bytes)) << c.sentence;
-        EXPECT_EQ(reader.getLastError(), c.error) << c.sentence;
-        EXPECT_THAT(reader.lastErrorText(), HasSubstr(c.sentence));
-    }
+    });
     std::string error;
-    EXPECT_FALSE(openReader(dir.write("old.e", poked(24, number(0, 4))).c_str(), 0, &error));
+    EXPECT_FALSE(openReader(dir.write("old.e", poked(made.bytes, 24, u32(0))).c_str(), 0, &error));
     EXPECT_THAT(error, HasSubstr("older Nervus generation"));
-    ASSERT_TRUE(opens(poked(segments + 16, seconds(1e300))));
+    ASSERT_TRUE(opens(poked(made.bytes, segments + 16, f64(1e300))));
     EXPECT_EQ(reader.sampleCount(), 2050);
-    ASSERT_TRUE(opens(poked(segments, seconds(1e300))));
+    ASSERT_TRUE(opens(poked(made.bytes, segments, f64(1e300))));
     EXPECT_EQ(reader.getClockTime(0.0), 0.0);
     EXPECT_THAT(findings().at(0), HasSubstr("2 of 2 segments have no date"));
 }

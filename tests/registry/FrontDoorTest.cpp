@@ -238,7 +238,8 @@ TEST(ReaderPtr, HoldsExactlyOneReferenceEach) {
         ReaderPtr second = first;
         EXPECT_EQ(reader->references, 2);
         const ReaderPtr moved = std::move(first);
-        second = second;
+        const ReaderPtr& itself = second;
+        second = itself;
         EXPECT_EQ(reader->references, 2);
         second = ReaderPtr(new Counted(alive));
         EXPECT_EQ(reader->references, 1);

@@ -56,6 +56,24 @@ class Bytes {
     std::string m_bytes;
 };
 
+/// The bytes of a number of so many bits.
+inline std::string u8(std::uint64_t value) {
+    return Bytes().add(static_cast<std::uint8_t>(value)).str();
+}
+inline std::string u16(std::uint64_t value) {
+    return Bytes().add(static_cast<std::uint16_t>(value)).str();
+}
+inline std::string u32(std::uint64_t value) {
+    return Bytes().add(static_cast<std::uint32_t>(value)).str();
+}
+inline std::string u64(std::uint64_t value) { return Bytes().add(value).str(); }
+inline std::string f64(double value) { return Bytes().add(value).str(); }
+
+/// The bytes with some of them replaced.
+inline std::string poked(std::string bytes, std::size_t offset, const std::string& by) {
+    return bytes.replace(offset, by.size(), by);
+}
+
 /// A count that differs from channel to channel and from sample to sample and changes its sign, so
 /// that a swap or a shift shows.
 inline std::int32_t rampCount(int channel, std::int64_t index, std::int32_t period = 30011) {

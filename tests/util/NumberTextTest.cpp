@@ -2,10 +2,14 @@
 
 #include "kvsig/util/Saturate.h"
 
+#include <bit>
+#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <limits>
+#include <random>
+#include <string>
 
 namespace kvsig {
 namespace {
@@ -43,6 +47,28 @@ TEST(NumberText, ReadsWholeNumbers) {
     EXPECT_EQ(value, 42.0);
     EXPECT_TRUE(wholeDouble(" 1.5 ", value));
     EXPECT_EQ(value, 1.5);
+}
+
+TEST(NumberText, ShortDecimalsAreRoundedLikeLongOnes) {
+    std::minstd_rand random(7);
+    for (int i = 0; i < 20000; ++i) {
+        std::string text(1 + random() % 18, '0');
+        for (char& c : text)
+            c = static_cast<char>('0' + random() % 10);
+        if (random() % 4 != 0)
+            text[random() % text.size()] = '.';
+        if (text == ".")
+            continue;
+        text.insert(0, random() % 2 == 0 ? "-" : "");
+        double full = 0.0;
+        std::from_chars(text.data(), text.data() + text.size(), full);
+        EXPECT_EQ(std::bit_cast<std::uint64_t>(leadingDouble(text)),
+                  std::bit_cast<std::uint64_t>(full))
+            << text;
+        std::int64_t whole = 0;
+        std::from_chars(text.data(), text.data() + text.size(), whole);
+        EXPECT_EQ(leadingInteger(text), whole) << text;
+    }
 }
 
 TEST(NumberText, ReadsDottedTriples) {
