@@ -10,6 +10,12 @@ install(
   ARCHIVE COMPONENT development
   FILE_SET HEADERS
   COMPONENT development)
+# What the licences ask to go along: that of kvsig, and those of the headers that the command is
+# compiled from. The packages carry them as Debian has it (KvsigPackages.cmake).
+install(FILES LICENSE DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT licence)
+if(KVSIG_BUILD_TOOL)
+  install(FILES tool/NOTICE DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT licence)
+endif()
 install(FILES ${KVSIG_SHARED_FILES} DESTINATION "${CMAKE_INSTALL_DATADIR}/kvsig" COMPONENT data)
 
 set(package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/kvsig")

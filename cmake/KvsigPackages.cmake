@@ -24,6 +24,16 @@ function(kvsig_debian_package component name section description depends)
   set(${prefix}_PACKAGE_SECTION "${section}" PARENT_SCOPE)
   set(${prefix}_DESCRIPTION "${description}" PARENT_SCOPE)
   set(${prefix}_PACKAGE_DEPENDS "${depends}" PARENT_SCOPE)
+  set(copyright "${PROJECT_BINARY_DIR}/copyright/${name}")
+  file(READ "${PROJECT_SOURCE_DIR}/LICENSE" licence)
+  if(component STREQUAL "tool")
+    file(READ "${PROJECT_SOURCE_DIR}/tool/NOTICE" notice)
+    string(APPEND licence "\n" "${notice}")
+  endif()
+  file(CONFIGURE OUTPUT "${copyright}" CONTENT "${licence}" @ONLY)
+  # Only with the component: an installation as a whole has LICENSE and NOTICE.
+  install(FILES "${copyright}" DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/doc/${name}"
+          COMPONENT "${component}" RENAME copyright EXCLUDE_FROM_ALL)
 endfunction()
 
 kvsig_debian_package(library ${library_package} libs "The shared library."

@@ -1,55 +1,41 @@
-// A format of the program's own. A reader says its own facts, and everything that works with
-// recordings works with it: montages, filters, pairs, the type list of an open dialog.
-//
-// A .toy file is a line "toy RATE CHANNELS", then frames of one signed byte per channel, in
-// microvolts.
+// A format of the program's own: montages, filters, pairs and type lists work with its reader. A
+// .toy file is a line "toy RATE", then frames of two signed bytes, C3 and C4 in microvolts.
 #include "kvsig/kvsig.h"
 
-#include <cstdlib>
 #include <fstream>
 #include <iostream>
-#include <vector>
 
-class ToyReader : public kvsig::DataReader {
-  public:
+struct ToyReader : kvsig::DataReader {
+    std::ifstream file;
     bool openFile() override {
-        m_file = std::ifstream(filePath(), std::ios::binary);
+        file = std::ifstream(filePath(), std::ios::binary);
         std::string word;
         double rate = 0;
-        int channels = 0;
-        if (!(m_file >> word >> rate >> channels) || word != "toy" || rate <= 0 || channels < 1)
-            return refuse(2, "its first line is not \"toy RATE CHANNELS\"");
-        m_file.get();
-        setHeaderLength(static_cast<long>(m_file.tellg()));
+        if (!(file >> word >> rate) || word != "toy" || rate <= 0 || file.get() != '\n')
+            return refuse(2, "its first line is not \"toy RATE\"");
+        setHeaderLength(static_cast<long>(file.tellg()));
         setSamplingRate(rate);
-        setChannelCount(channels);
+        setChannelCount(2);
         return true;
     }
     bool readSampleInfo() override {
-        m_file.seekg(0, std::ios::end);
-        setMaxDataIndex((static_cast<long>(m_file.tellg()) - headerLength()) / channelCount() - 1);
+        file.seekg(0, std::ios::end);
+        setMaxDataIndex((static_cast<long>(file.tellg()) - headerLength()) / 2 - 1);
         return true;
     }
     int getSampleChunk(long firstSample, short* buffer) override {
-        std::vector<char> bytes(static_cast<std::size_t>(chunkPts()) *
-                                static_cast<std::size_t>(channelCount()));
-        m_file.clear();
-        m_file.seekg(headerLength() + firstSample * channelCount());
-        m_file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-        for (std::streamsize i = 0; i < m_file.gcount(); ++i)
-            *buffer++ = static_cast<signed char>(bytes[static_cast<std::size_t>(i)]);
-        return static_cast<int>(m_file.gcount()) / channelCount();
+        file.clear();
+        file.seekg(headerLength() + 2 * firstSample);
+        int count = 0;
+        for (char byte = 0; count < 2 * chunkPts() && file.get(byte); ++count)
+            buffer[count] = static_cast<signed char>(byte);
+        return count / 2; // frames
     }
-    void close() override { m_file.close(); }
-
-  protected:
+    void close() override { file.close(); }
     const char* _grid1(int channel) override { return channel == 0 ? "C3" : "C4"; }
     const char* _grid2(int) override { return "Ref"; }
     double _calibration(int) override { return 1.0; } // microvolts per count
     double _dcOffset(int) override { return 0.0; }
-
-  private:
-    std::ifstream m_file;
 };
 
 struct ToyFactory : kvsig::DRFactory {
@@ -62,17 +48,13 @@ int main(int argc, char** argv) {
     factory.name = "Toy (*.toy)";
     factory.pattern = "*.toy";
     kvsig::dataReaderManager().registerFactory(&factory);
-
     std::string error;
     const kvsig::ReaderPtr reader = kvsig::openReader(argc > 1 ? argv[1] : "", 0, &error);
-    if (!reader) {
-        std::cerr << error << "\n";
-        return EXIT_FAILURE;
-    }
-    for (int channel = 0; channel < reader->channelCount(); ++channel) {
+    for (int channel = 0; reader && channel < reader->channelCount(); ++channel) {
         float value = 0;
         reader->getData(channel, 1, 1, &value, 1.0, 0);
         std::cout << reader->channelName(channel) << ": " << value << " uV\n";
     }
-    return EXIT_SUCCESS;
+    std::cerr << error << (reader ? "" : "\n");
+    return reader ? 0 : 1;
 }

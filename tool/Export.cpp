@@ -152,7 +152,8 @@ void addExportCommand(CLI::App& app, int& exitCode) {
         ->group("Output");
     command
         ->add_option("-o,--output", options->output,
-                     "File to write, or folder for several (default: standard output)")
+                     "File to write, or folder for several; one that ends in / is made "
+                     "(default: standard output)")
         ->type_name("PATH")
         ->group("Output");
     command

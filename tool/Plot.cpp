@@ -109,8 +109,10 @@ void addPlotCommand(CLI::App& app, int& exitCode) {
                     "0:30 \\\n"
                     "    --low-filter 1 --high-filter 70 --notch 50 --sensitivity 7");
     command
-        ->add_option("-o,--output", options->output,
-                     "Picture to write, .svg, .png or .pdf, or folder for several")
+        ->add_option(
+            "-o,--output", options->output,
+            "Picture to write, .svg, .png or .pdf, or folder for several; one that ends in / is "
+            "made")
         ->type_name("PATH")
         ->group("Output")
         ->required();

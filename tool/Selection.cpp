@@ -5,6 +5,7 @@
 #include "tool/Words.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <optional>
 
 namespace kvsig::tool {
@@ -31,10 +32,22 @@ std::unique_ptr<Selection> openSelection(const SelectionJob& job, const std::str
     return selection->rows.select(signals, job.keepsGaps) ? std::move(selection) : nullptr;
 }
 
+// The folder that a "/" at the end of the output asks for.
+bool makeFolder(const std::string& output) {
+    std::error_code fault;
+    if (output.ends_with('/'))
+        std::filesystem::create_directories(output, fault);
+    if (fault)
+        complain(output + ": cannot be made: " + fault.message());
+    return !fault;
+}
+
 int writeSelection(const SelectionJob& job, const Selection& selection, const std::string& path,
                    LongWork& work) {
     if (job.check && !job.check(selection))
         return exitWrongUsage;
+    if (!makeFolder(job.output))
+        return exitFailed;
     Output output;
     if (output.open(path) && job.write(selection, output, work) && output.commit())
         return !job.finish || job.finish(selection, path) ? exitWell : exitFailed;

@@ -14,6 +14,7 @@ namespace kvsig {
 /// nothing, iterGetPosition() is -1.
 class KVSIG_API FIRFilter : public Filter {
   public:
+    /// Undesigned.
     explicit FIRFilter(FilterType type = lowPass) : Filter(type) {}
 
     /// Whether there are taps. A type that cannot be designed still gets its taps, all 0, from

@@ -15,6 +15,7 @@ namespace kvsig {
 /// time.
 class KVSIG_API Filter {
   public:
+    /// What the filter does; a list holds several.
     enum FilterType : std::int32_t { lowPass = 0, highPass = 1, notch = 2, list = 3 };
 
     virtual ~Filter();
@@ -45,16 +46,21 @@ class KVSIG_API Filter {
     /// Samples that the filter wants after a block, to be thrown away after filtering.
     virtual int nPstPts() const = 0;
 
+    /// @{
     /// The weights of the transfer function; an index out of range gives 0.
     virtual int nNumerWeights() const = 0;
     virtual double getNumerWeight(int index) const = 0;
     virtual int nDenomWeights() const = 0;
     virtual double getDenomWeight(int index) const = 0;
+    /// @}
 
+    /// The kind of filter.
     FilterType type() const { return m_type; }
+    /// As design() was given it.
     double freqCutoff() const { return m_cutoff; }
     /// Transition width; for a notch its second frequency.
     double freqTransition() const { return m_transition; }
+    /// Stop-band attenuation in dB.
     double attenuation() const { return m_attenuation; }
 
     /// Equal settings: type, cutoff, transition and attenuation. Stream state, weights and the
@@ -62,10 +68,15 @@ class KVSIG_API Filter {
     bool operator==(const Filter& other) const;
 
   protected:
+    /// A filter is made by its kind alone and designed afterwards.
     explicit Filter(FilterType type = lowPass) : m_type(type) {}
+    /// @{
+    /// Copies have the same settings and stream state.
     Filter(const Filter&) = default;
     Filter& operator=(const Filter&) = default;
+    /// @}
 
+    /// Keeps what design() was given.
     void setParameters(double cutoff, double transition, double attenuation);
 
   private:

@@ -32,6 +32,7 @@ struct KVSIG_API FilterAttr {
     /// infinite).
     void setTimeConstantAsText(const char* text);
 
+    /// All four values are equal.
     friend bool operator==(const FilterAttr& a, const FilterAttr& b) {
         return a.use == b.use && a.cutoff == b.cutoff && a.second == b.second && a.third == b.third;
     }

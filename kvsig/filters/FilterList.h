@@ -48,14 +48,20 @@ class KVSIG_API FilterList : public Filter {
 
     /// Appends `filter` to the chain; null and the list itself are ignored.
     void addNext(Filter* filter);
+    /// @{
     /// The filters held, in order of application; null outside 0..count() - 1.
     int count() const { return static_cast<int>(m_filters.size()); }
     Filter* filter(int index) const;
+    /// @}
+
     /// Empties the list; deletes the filters when it owns them.
     void removeAll();
 
+    /// @{
+    /// Whether the list owns its filters.
     bool deleteList() const { return m_deleteList; }
     void setDeleteList(bool deleteList) { m_deleteList = deleteList; }
+    /// @}
 
   private:
     std::vector<Filter*> m_filters;

@@ -19,6 +19,7 @@ class KVSIG_API IIRFilter : public Filter {
     /// The most that nPrePts() answers.
     static constexpr int maxPrePts = 1 << 22;
 
+    /// Undesigned.
     explicit IIRFilter(FilterType type = lowPass) : Filter(type) {}
 
     int isDesigned() const override;

@@ -23,6 +23,7 @@ class SourceMontage;
 /// of IDataReader are documented there.
 class KVSIG_API DataReader : public IDataReader {
   public:
+    /// @{
     /// Defaults of a channel record.
     static const std::int16_t m_defChannelType;
     static const char* const m_defChannelUnits;
@@ -30,6 +31,7 @@ class KVSIG_API DataReader : public IDataReader {
     static const std::int32_t m_defDigitalLow;
     static const double m_defPhysioHigh;
     static const double m_defPhysioLow;
+    /// @}
 
     /// The file type that an attribute file names, copied to `out` (size - 1 characters at most);
     /// false when it names none.
@@ -138,8 +140,9 @@ class KVSIG_API DataReader : public IDataReader {
     virtual ~DataReader();
 
   protected:
-    // What the file itself says of a channel. loadChannelInfo() copies the answers into the channel
-    // table; texts may live in shared buffers, they are copied at once.
+    /// @{
+    /// What the file itself says of a channel. loadChannelInfo() copies the answers into the
+    /// channel table; texts may live in shared buffers, they are copied at once.
     virtual int _isMapReferential();
     virtual const char* _refGrid();
     virtual const char* _grid1(int channel) = 0;
@@ -153,6 +156,8 @@ class KVSIG_API DataReader : public IDataReader {
     virtual double _physioLow(int channel);
     virtual std::int32_t _digitalHigh(int channel);
     virtual std::int32_t _digitalLow(int channel);
+    /// @}
+
     /// Samples from one chunk to the next.
     virtual int _minReadPts();
 
@@ -160,25 +165,40 @@ class KVSIG_API DataReader : public IDataReader {
     /// The byte-addressed chunk read: `bytePos` counts from the first sample of the recording as if
     /// it were stored in frames. Returns bytes, 0 at the end.
     virtual int getChunk(long bytePos, short* buffer, int bytes);
+    /// Fills `montage` with a montage that the recording holds; here nothing.
     virtual void montageApply(SourceMontage& montage, const char* name);
+    /// Gives channels without a record in the channel table one of defaults.
     virtual bool setDefChannelInfo();
+    /// Fills the channel table from what the file says: part of open(). While a channel map is in
+    /// force the names stay.
     virtual bool loadChannelInfo();
+    /// Puts the channel map of a section in force; false without such a section.
     virtual bool readChannelMap(std::istream& stream, const char* section);
+    /// Appends a time anchor, its time moved past the last one's by whole days; one that has no
+    /// finite time, or whose sample is not behind the last one's, is ignored.
     virtual void addSampleTime(SampleTime& anchor);
-    virtual const char* channelMapName();
-    virtual long maxDataIndex();
-    virtual long nPoints();
-    virtual double xStart();
-    virtual double xEnd();
+    virtual const char* channelMapName(); ///< The channel map's name as it was set.
+    virtual long maxDataIndex();          ///< The last sample's index; -1 without samples.
+    virtual long nPoints();               ///< maxDataIndex() + 1.
+    virtual double xStart();              ///< Seconds of the first sample: 0.
+    virtual double xEnd();                ///< Seconds at which the last sample ends.
+    /// What is added after the calibration; kept, not applied.
     virtual double dcOffset(int channel);
+    /// @{
+    /// What a format's openFile() found: channels, hertz, bytes before the first sample. Values
+    /// that do not fit saturate.
     virtual void setChannelCount(int count);
     virtual void setSamplingRate(double hertz);
     virtual void setHeaderLength(long bytes);
-    virtual void setPaths(const char* text);
-    virtual std::vector<PathInfo> getPaths();
+    /// @}
+    virtual void setPaths(const char* text);  ///< Splits a list of paths at ';'.
+    virtual std::vector<PathInfo> getPaths(); ///< The paths that setPaths() gave.
+    /// @{
+    /// How far a recording is moved against another, in samples; here there is none.
     virtual bool hasSampleLag();
     virtual long getSampleLag();
     virtual void setSampleLag(long lag);
+    /// @}
 
     /// The samples that the file really holds; differs from sampleCount() only where the kernel's
     /// own count is deliberately another.
@@ -221,6 +241,7 @@ class KVSIG_API DataReader : public IDataReader {
   protected:
     /// The page that holds a sample, read if need be; null where there is none.
     DataPage* pageAtIndex(long index);
+    /// Fills `page` with the frames from sample `index` on.
     bool readPageAtIndex(DataPage* page, long index);
 
     /// Stores that the attribute file's section "FileInfo" has no such key, logs it and returns
@@ -231,6 +252,7 @@ class KVSIG_API DataReader : public IDataReader {
     void keepChannelNames();
     /// These names; default ones for channels without; null out of range.
     const ChannelRecord* keptNames(int channel);
+    /// Sets the last sample's index: a format's readSampleInfo() does.
     void setMaxDataIndex(long index);
     /// No samples, no pages and no page length any more: what was open before must not answer for
     /// another file.

@@ -14,7 +14,7 @@ namespace kvsig {
 
 /// Answer of the host record queries.
 struct HostRecord {
-    std::int32_t words[5] = {};
+    std::int32_t words[5] = {}; ///< zeros unless a reader knows better
 };
 
 /// {68D0E561-3BBF-11D4-809D-006008184043}
@@ -34,103 +34,147 @@ inline constexpr IID IID_IDataReader{
 /// their first and last index, both inclusive.
 class IDataReader : public IUnknown {
   public:
-    virtual int fileType() = 0;
-    virtual void setFileType(int type) = 0;
+    virtual int fileType() = 0;             ///< The format's number (registry/types/ReaderType.h).
+    virtual void setFileType(int type) = 0; ///< Stamped by the allocation.
     /// At most 259 characters of the path.
     virtual const char* fileName() = 0;
-    virtual void setFileName(const char* name) = 0;
+    virtual void setFileName(const char* name) = 0; ///< Where openFile() looks; open() sets it.
     /// Bytes before the first sample.
     virtual long headerLength() = 0;
-    virtual short channelCount() = 0;
+    virtual short channelCount() = 0; ///< Channels that the recording presents.
+    /// @{
     /// The files that make up the recording; part numbers run from 0.
     virtual int fileCount() = 0;
     virtual const char* partFileName(int part) = 0;
     virtual long partSampleCount(int part) = 0;
     virtual double partDuration(int part) = 0;
+    /// @}
+
     /// Hertz, common to all channels of getData().
     virtual double samplingRate() = 0;
-    virtual long sampleCount() = 0;
+    virtual long sampleCount() = 0; ///< Samples of each channel at samplingRate().
     /// Seconds; 0 when there are no samples or the rate is not greater than 0.
     virtual double duration() = 0;
     /// Nonzero when all scalp channels were recorded against one reference.
     virtual int isMapReferential() = 0;
     /// Name of the common reference electrode.
     virtual const char* refGrid() = 0;
+    /// The channel's rate as getData() gives it, hertz.
     virtual double channelSamplingRate(int channel) = 0;
-    virtual long channelSampleCount(int channel) = 0;
+    virtual long channelSampleCount(int channel) = 0; ///< The channel's samples at that rate.
     /// 1: microvolts; 100: another unit, mapped linearly from digital to physical limits.
     virtual short channelType(int channel) = 0;
+    /// A finer kind, as the format has it; 0 for none.
     virtual short channelSubType(int channel) = 0;
-    virtual const char* channelUnits(int channel) = 0;
-    virtual const char* grid1(int channel) = 0;
-    virtual const char* grid2(int channel) = 0;
+    virtual const char* channelUnits(int channel) = 0; ///< Units of the physical limits.
+    virtual const char* grid1(int channel) = 0;        ///< The electrode.
+    virtual const char* grid2(int channel) = 0;        ///< What it was recorded against.
+    /// @{
     /// First channel whose grid 1 or grid 2 has this name (letter case ignored), or -1.
     virtual int indexOfG1(const char* name) = 0;
     virtual int indexOfG2(const char* name) = 0;
-    virtual const char* channelName(int channel) = 0;
+    /// @}
+    virtual const char* channelName(int channel) = 0; ///< The name to show.
     /// Physical units per raw count.
     virtual double calibration(int channel) = 0;
+    /// @{
+    /// The physical limits and the raw counts that stand for them.
     virtual double physioHigh(int channel) = 0;
     virtual double physioLow(int channel) = 0;
     virtual std::int32_t digitalHigh(int channel) = 0;
     virtual std::int32_t digitalLow(int channel) = 0;
+    /// @}
+
+    /// @{
+    /// A mark that the host sets and reads: the channel is to be shown as zeros.
     virtual bool zeroChannel(int channel) = 0;
     virtual void setZeroChannel(int channel, bool zero) = 0;
+    /// @}
+
+    /// @{
     /// When set, grids and names are channel numbers (from 1) instead of the stored texts.
     virtual bool gridNamesAsNumbers() = 0;
     virtual void setGridNamesAsNumbers(bool numbers) = 0;
+    /// @}
+
+    /// What the format can do; the library itself never asks.
     virtual std::uint32_t miscFlags() const = 0;
+    /// The host's request to edit; false where there is nothing to edit.
     virtual bool onEdit() = 0;
     /// Generic host access by item number: 1 has sample lag, 2 sample lag, 3 paths (`value` is a
     /// const char*), 1000 write attribute file (`value` is a std::ostream*), 1001 address of a
     /// double holding the dc offset of channel `a`. Unknown items answer their own number.
     virtual std::intptr_t getItem(int item, int a, int b) = 0;
+    /// Items 2, 3 and 1000; others are ignored.
     virtual void setItem(int item, int a, int b, std::uintptr_t value) = 0;
     /// Opens a recording; on failure getLastError() is 1 (file cannot be opened), 2 (no usable
     /// channels or samples) or 3 (unsupported variant).
     virtual bool open(const char* path) = 0;
+    /// Opens fileName() and parses its header: the format's part of open().
     virtual bool openFile() = 0;
-    virtual void close() = 0;
-    virtual int getLastError() = 0;
-    virtual void setLastError(int code) = 0;
+    virtual void close() = 0;                ///< Closes the file; open() may follow.
+    virtual int getLastError() = 0;          ///< Of the last open(); 0 for none.
+    virtual void setLastError(int code) = 0; ///< Sets what getLastError() answers.
+    /// @{
     /// Samples of one chunk, and the read of one: whole frames, sample by sample, channel within
     /// sample, 16-bit or 32-bit by bytesPerSample(); returns the number of frames, 0 at the end.
     virtual int chunkPts() = 0;
     virtual int getSampleChunk(long firstSample, short* buffer) = 0;
+    /// @}
+
     /// Writes samples `first`..`last` (inclusive) of a channel, calibrated and multiplied by
     /// `gain`, to `out` (last - first + 1 floats), or adds them when `accumulate` is nonzero.
     /// Samples before 0 and past the end are zeros. Returns the number of values produced,
     /// zeros included; 0 for an empty range and for one of more than 2^31 - 1 samples.
     virtual int getData(int channel, long first, long last, float* out, double gain,
                         int accumulate) = 0;
+    /// Takes length and start anew from the file: part of open().
     virtual bool readSampleInfo() = 0;
+    /// The anchors of the time base: clock times of samples, in their order.
     virtual int sampleTimeCount() = 0;
+    /// Fills `out`; out of range it stays as it is.
     virtual void getSampleTime(int index, SampleTime& out) = 0;
+    /// @{
     /// Seconds since midnight of the recording day <-> seconds from sample 0.
     virtual double getClockTime(double elapsed) = 0;
     virtual double getElapsedTime(double clock) = 0;
+    /// @}
+
+    /// Reads the patient record from the file; false when there is none to read.
     virtual bool getPatientRec() = 0;
-    virtual bool hasPatientInfo() = 0;
+    virtual bool hasPatientInfo() = 0; ///< Whether patientInfo() has something to write.
+    /// Writes the patient record as labelled lines.
     virtual bool patientInfo(std::ostream& stream, bool flag) = 0;
     /// The reader's own record.
     virtual PatientRec* patientRec() = 0;
     /// `out`: at least 68 bytes. False when no name is known.
     virtual bool getPatientName(char* out) = 0;
+    /// Writes file, duration, channels and rate as labelled lines.
     virtual bool testInfo(std::ostream& stream) = 0;
     /// Appends the recording's events and returns how many.
     virtual int readEvents(std::deque<ClientEvent>& events) = 0;
+    /// @{
+    /// Offers an event of the host to the reader, or to one channel; true when something changed.
     virtual bool updateState(const ClientEvent& event) = 0;
     virtual bool updateState(const ClientEvent& event, int channel) = 0;
+    /// @}
+
+    /// @{
     /// Montages stored in the recording.
     virtual int montageCount() = 0;
     virtual const char* montageName(int index) = 0;
-    virtual int montageIndex(const char* name) = 0;
+    /// @}
+    virtual int montageIndex(const char* name) = 0; ///< By name, letter case ignored; -1 for none.
+    /// Writes a montage as a section of derivations; false when there is none.
     virtual bool montageDefn(int index, std::ostream& stream) = 0;
+    /// @{
     /// The page cache: pages at most, samples per page, and the duration that sets them (seconds).
     virtual short getMaxPages() = 0;
     virtual void setMaxPages(short count) = 0;
     virtual int getPagePts() = 0;
     virtual void setPageDuration(double seconds) = 0;
+    /// @}
+
     /// Drops all pages, or only the last one when it is incomplete (a recording that grows).
     virtual void flushPages(bool incompleteOnly) = 0;
     /// Channel maps give electrode names to channel numbers. Named ones are kept in the map file,
@@ -166,9 +210,13 @@ class IDataReader : public IUnknown {
     /// Writes what readAttributeFile() reads, montages left out. A stored map in force is written
     /// by its name, any other with all its names. False when the stream has failed.
     virtual bool writeAttributeFile(std::ostream& stream) = 0;
+    /// @{
+    /// Queries of the host that the library itself never asks; 1 unless a reader knows better.
     virtual int hostFlag() = 0;
     virtual int hostItemFlag(int a, int b, int c) = 0;
     virtual int hostChannelFlag(int a, int b) = 0;
+    /// @}
+
     /// Nonzero while a channel map is in force.
     virtual int hasChannelMap() = 0;
     /// Puts a stored map in force; "(Default)" takes the map away. Any name that is not stored
@@ -178,9 +226,12 @@ class IDataReader : public IUnknown {
     virtual int bytesPerSample() = 0;
     /// True when the recording names its electrodes T7, T8, P7, P8.
     virtual bool isMap1010() = 0;
+    /// @{
+    /// More of them; 0 and zeros unless a reader knows better.
     virtual std::uint32_t miscFlags2() const = 0;
     virtual HostRecord hostRecordA(int index) = 0;
     virtual HostRecord hostRecordB(int index) = 0;
+    /// @}
 
   protected:
     ~IDataReader() = default;

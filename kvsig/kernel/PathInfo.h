@@ -8,7 +8,7 @@ namespace kvsig {
 
 /// One entry of a reader's path list.
 struct PathInfo {
-    char path[261] = "";
+    char path[261] = ""; ///< cut to 260 characters
 };
 
 /// Splits a list of paths at ';'. Empty entries are left out, long ones cut to 260 characters.

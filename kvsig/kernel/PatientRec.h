@@ -13,22 +13,22 @@ namespace kvsig {
 /// The patient record of a recording: terminated 8-bit texts, all empty in a fresh record.
 /// It never goes to the log or into error texts.
 struct PatientRec {
-    char first[32]; ///< first name; the start of the whole name when `fullName` is set
-    char mi[3];     ///< middle initial
-    char last[32];
+    char first[32];        ///< first name; the start of the whole name when `fullName` is set
+    char mi[3];            ///< middle initial
+    char last[32];         ///< last name
     std::int16_t fullName; ///< nonzero: one whole name runs over first, mi and last (67 bytes)
-    char sex[8];
-    char hand[8];
-    char birthDate[12];
-    char id[20];
-    char testDate[12];
-    char testTime[15];
-    char physician[40];
-    char technician[40];
-    char medications[200];
-    char history[200];
-    char comments1[200];
-    char comments2[200];
+    char sex[8];           ///< as the recording writes it
+    char hand[8];          ///< handedness
+    char birthDate[12];    ///< a date as text
+    char id[20];           ///< the patient's number
+    char testDate[12];     ///< date of the recording
+    char testTime[15];     ///< start of the recording
+    char physician[40];    ///< of the recording
+    char technician[40];   ///< who recorded
+    char medications[200]; ///< as noted
+    char history[200];     ///< as noted
+    char comments1[200];   ///< free text
+    char comments2[200];   ///< more of it
     // Further fields, filled by the format readers that have them.
     char rawPatient[81];   ///< patient identification as it stands in the file
     char rawRecording[81]; ///< recording identification as it stands in the file

@@ -10,6 +10,7 @@ namespace kvsig {
 /// A weighted sum of reader channels; montages use it for average references.
 class KVSIG_API AvgSource : public DataSource {
   public:
+    /// Without channels nothing is delivered: see setAvgChannels().
     explicit AvgSource(IDataReader& reader);
     /// A plain average: every weight is 1 / channels.size().
     AvgSource(IDataReader& reader, const std::vector<int>& channels);
@@ -29,11 +30,17 @@ class KVSIG_API AvgSource : public DataSource {
     void setName(const char* name) override;
     int _getData(long first, long last, float* buf, double scale) override;
 
+    /// @{
+    /// Channels of the reader, and the weight of each.
     [[nodiscard]] const std::vector<int>& getAvgChannels() const { return m_channels; }
     [[nodiscard]] const std::vector<double>& getWeights() const { return m_weights; }
+    /// @}
+
+    /// @{
     /// Both empty the cache. A channel without a weight counts with weight 0.
     void setAvgChannels(const std::vector<int>& channels);
     void setWeights(const std::vector<double>& weights);
+    /// @}
 
     /// Takes over settings, channels and weights of another average.
     void copyAttributes(const AvgSource& other);

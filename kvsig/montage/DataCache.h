@@ -11,8 +11,8 @@ namespace kvsig {
 class KVSIG_API DataCache {
   public:
     DataCache() = default;
-    DataCache(const DataCache& other);
-    DataCache& operator=(const DataCache& other);
+    DataCache(const DataCache& other);            ///< Copies have a block of their own.
+    DataCache& operator=(const DataCache& other); ///< The same.
     ~DataCache() = default;
 
     std::int32_t nFirst = -1; ///< first sample held; -1 together with nLast when empty
@@ -23,7 +23,7 @@ class KVSIG_API DataCache {
 
     /// Samples held.
     [[nodiscard]] std::int32_t length() const;
-    [[nodiscard]] bool holds(long sample) const;
+    [[nodiscard]] bool holds(long sample) const; ///< Whether the sample is among those held.
     /// Makes room for `count` floats; never shrinks. What is held is lost when the block grows.
     bool reserve(std::int32_t count);
 

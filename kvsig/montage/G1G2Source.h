@@ -29,9 +29,15 @@ class KVSIG_API G1G2Source : public DataSource {
     void setName(const char* name) override;
     int _getData(long first, long last, float* buf, double scale) override;
 
+    /// @{
+    /// As they were given: -1 for none, channel 2 perhaps with averageBit.
     [[nodiscard]] int channel1() const { return m_channel1; }
     [[nodiscard]] int channel2() const { return m_channel2; }
+    /// @}
 
+    /// @{
+    /// The scale of a polygraphic channel as the host draws it, see PolyScale; it changes no
+    /// sample.
     [[nodiscard]] bool showScaling() const { return m_scale.showScaling; }
     [[nodiscard]] bool transparentScale() const { return m_scale.transparentScale; }
     [[nodiscard]] double polyMinimum() const { return m_scale.minimum; }
@@ -40,12 +46,15 @@ class KVSIG_API G1G2Source : public DataSource {
     void setTransparentScale(bool transparent) { m_scale.transparentScale = transparent; }
     void setPolyMinimum(double minimum) { m_scale.minimum = minimum; }
     void setPolyMaximum(double maximum) { m_scale.maximum = maximum; }
+    /// @}
 
+    /// @{
     /// The reader's description of channel 1.
     [[nodiscard]] short channelType() const;
     [[nodiscard]] const char* channelUnits() const;
     [[nodiscard]] double defaultPolyMinimum() const;
     [[nodiscard]] double defaultPolyMaximum() const;
+    /// @}
 
     /// Takes over settings and scale of another source; not its channels or name.
     void copyAttributes(const G1G2Source& other);

@@ -44,14 +44,17 @@ class KVSIG_API SourceMontage : public MontageBase, public MontageContext {
     SourceMontage(const SourceMontage&) = delete;
     SourceMontage& operator=(const SourceMontage&) = delete;
 
-    virtual IDataReader* reader();
-    virtual const char* name();
+    virtual IDataReader* reader(); ///< Null before setReader().
+    virtual const char* name();    ///< What createMontage() or setName() gave it.
     /// The reference that isReferential() found; empty when it found none.
     virtual const char* ref();
+    /// @{
     /// These three act on every row; flushCache() on the averages as well.
     virtual void flushCache();
     virtual void setUseCache(bool use);
     virtual void setUseFilter(bool use);
+    /// @}
+
     /// Sources made before keep the reader that they were made for.
     virtual void setReader(IDataReader* reader);
     /// At most 31 characters are kept.
@@ -89,7 +92,7 @@ class KVSIG_API SourceMontage : public MontageBase, public MontageContext {
     /// The first row of that display name. Without one, for an electrode of the reader, the first
     /// row named by the electrode against its recording reference; else -1.
     virtual int indexOfFullName(const char* name);
-    virtual int indexOfAvgRef(const char* name);
+    virtual int indexOfAvgRef(const char* name); ///< The first average of that name, or -1.
     /// What a row's channel 2 is for a reference of that name: an average (its index with
     /// G1G2Source::averageBit set), else a channel of the reader, else -1.
     virtual int idOfChannel2(const char* name);
@@ -135,6 +138,7 @@ class KVSIG_API SourceMontage : public MontageBase, public MontageContext {
     /// called after a change of settings.
     void updateFilters();
 
+    /// @{
     /// Settings in hertz. What is called the low filter in the field is the high-pass.
     [[nodiscard]] FilterAttr lowPass() const { return m_lowPassAttr; }
     [[nodiscard]] FilterAttr highPass() const { return m_highPassAttr; }
@@ -142,7 +146,9 @@ class KVSIG_API SourceMontage : public MontageBase, public MontageContext {
     void setLowPass(FilterAttr attr) { m_lowPassAttr = attr; }
     void setHighPass(FilterAttr attr) { m_highPassAttr = attr; }
     void setNotch(FilterAttr attr) { m_notchAttr = attr; }
+    /// @}
 
+    /// @{
     /// Rows in display order, and averages, the places of deleted ones counted; null out of range
     /// and where an average was deleted. Rows keep samples of an average in
     /// their caches: after its setWeights() or setAvgChannels(), call flushCache().
@@ -150,6 +156,7 @@ class KVSIG_API SourceMontage : public MontageBase, public MontageContext {
     [[nodiscard]] DataSource* source(int index) const;
     [[nodiscard]] int avgRefCount() const;
     [[nodiscard]] AvgSource* avgRef(int index) const;
+    /// @}
 
     /// Averages that a montage can hold: as many as a row's channel 2 can tell apart.
     static constexpr int maxAverages = 0x1000;

@@ -10,22 +10,23 @@ namespace kvsig {
 
 /// Display and filter settings of a source.
 struct SourceSettings {
-    std::int32_t displayValue = 0;
-    bool flag = false;
-    bool followMontage = true; ///< the montage-wide filters apply, not the source's own
-    std::int32_t intValue = 0;
-    FilterAttr lowPass;  ///< the source's own high filter, hertz
-    FilterAttr highPass; ///< the source's own low filter, hertz
+    std::int32_t displayValue = 0; ///< sensitivity, microvolts per millimetre; 0: none
+    bool flag = false;             ///< the host's own
+    bool followMontage = true;     ///< the montage-wide filters apply, not the source's own
+    std::int32_t intValue = 0;     ///< the host's own
+    FilterAttr lowPass;            ///< the source's own high filter, hertz
+    FilterAttr highPass;           ///< the source's own low filter, hertz
 
+    /// All of them are equal.
     friend bool operator==(const SourceSettings&, const SourceSettings&) = default;
 };
 
 /// Scale of a polygraphic channel as the host draws it.
 struct PolyScale {
-    bool showScaling = false;
-    bool transparentScale = false;
-    double minimum = 0.0;
-    double maximum = 0.0;
+    bool showScaling = false;      ///< the scale is drawn
+    bool transparentScale = false; ///< a way of drawing it
+    double minimum = 0.0;          ///< value at its lower end, in the channel's units
+    double maximum = 0.0;          ///< value at its upper end
 };
 
 /// True when a definition must carry the settings: they are not the defaults.

@@ -65,7 +65,7 @@ class KVSIG_API EDF90Reader : public DataReader {
 
     /// The 16-byte label of a file signal, without trailing blanks.
     [[nodiscard]] std::string signalLabel(std::int64_t fileSignal) const;
-    [[nodiscard]] bool mixedRates() const;
+    [[nodiscard]] bool mixedRates() const; ///< Whether signals shown as channels differ in rate.
 
   private:
     struct State;

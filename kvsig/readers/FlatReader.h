@@ -17,6 +17,8 @@ struct FlatRecording;
 /// in any number of pieces, of 8, 16 or 32 bits, signed or not, in either byte order, at one rate
 /// or several. A format parses its headers in describe() and hands over a FlatRecording (see
 /// kvsig/readers/FlatRecording.h); samples, anchors, calibration, patient and events then work.
+/// That header is not installed: readers of the library derive from this class, a host's from
+/// DataReader.
 ///
 /// Pages have 32-bit values where 16 bits do not carry what is stored less its zero; nothing is
 /// ever clipped. A description whose samples leave the file is refused.

@@ -26,8 +26,11 @@ class KVSIG_API SyncReader : public IDataReader {
     SyncReader(const SyncReader&) = delete;
     SyncReader& operator=(const SyncReader&) = delete;
 
+    /// @{
+    /// The members, as they were given.
     [[nodiscard]] IDataReader* first() const;
     [[nodiscard]] IDataReader* second() const;
+    /// @}
 
     /// Why open() failed, in one sentence that names the member's file; empty after success. Valid
     /// until the next call on this reader.

@@ -11,6 +11,7 @@ namespace kvsig {
 /// other, and openFile() fails with error 3 and a sentence that names the format.
 class KVSIG_API UnsupportedReader : public DataReader {
   public:
+    /// `formatName` is what the refusal calls the format.
     explicit UnsupportedReader(std::string formatName);
 
     bool openFile() override;

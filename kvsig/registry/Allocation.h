@@ -8,6 +8,7 @@
 
 namespace kvsig {
 
+/// @{
 /// A new, unopened reader for a file, with its type and file name stamped on it. The host opens it
 /// next, by the reader's own fileName(): of a layout (types 13 and 45) that is the data file which
 /// the layout names, not the layout; DataReader::filePath() gives it uncut. openReader() does all
@@ -18,6 +19,7 @@ namespace kvsig {
 /// never destroys them. `fileName` then becomes the first path. The second form works on a copy.
 [[nodiscard]] KVSIG_API IDataReader* _KrnlAllocReaderEx(ReaderType type, CString& fileName);
 [[nodiscard]] KVSIG_API IDataReader* _KrnlAllocReaderEx(ReaderType type, const char* fileName);
+/// @}
 
 /// The same in an owning handle; a null result comes with a sentence that says why, without the
 /// file's name.

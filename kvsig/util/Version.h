@@ -10,6 +10,7 @@ struct LibraryVersion {
     int abi;             ///< the number at the end of the SONAME
 };
 
+/// The library that the program runs with.
 [[nodiscard]] KVSIG_API LibraryVersion libraryVersion();
 
 } // namespace kvsig

@@ -1,6 +1,7 @@
 #include "faults/Faults.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstddef>
 #include <sys/types.h>
 
@@ -25,6 +26,12 @@ struct Active {
             return false;
         errno = plan.code;
         return true;
+    }
+    // What a call that fails answers, if it comes to answer.
+    [[nodiscard]] int refusal() const {
+        if (plan.kills)
+            std::raise(SIGKILL);
+        return -1;
     }
     [[nodiscard]] std::size_t moved(std::size_t bytes) const {
         return plan.longestTransfer > 0
@@ -60,14 +67,22 @@ ssize_t __wrap_pread(int handle, void* buffer, size_t bytes, off_t offset) {
 ssize_t __real_pwrite(int handle, const void* data, size_t bytes, off_t offset);
 ssize_t __wrap_pwrite(int handle, const void* data, size_t bytes, off_t offset) {
     using kvsig::test::writes;
-    return writes.fails() ? -1 : __real_pwrite(handle, data, writes.moved(bytes), offset);
+    if (!writes.fails())
+        return __real_pwrite(handle, data, writes.moved(bytes), offset);
+    if (writes.plan.kills)
+        static_cast<void>(!__real_pwrite(handle, data, bytes / 2, offset));
+    return writes.refusal();
 }
 
 int __real_fsync(int handle);
-int __wrap_fsync(int handle) { return kvsig::test::writes.fails() ? -1 : __real_fsync(handle); }
+int __wrap_fsync(int handle) {
+    using kvsig::test::writes;
+    return writes.fails() ? writes.refusal() : __real_fsync(handle);
+}
 
 int __real_rename(const char* from, const char* to);
 int __wrap_rename(const char* from, const char* to) {
-    return kvsig::test::writes.fails() ? -1 : __real_rename(from, to);
+    using kvsig::test::writes;
+    return writes.fails() ? writes.refusal() : __real_rename(from, to);
 }
 }

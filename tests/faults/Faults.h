@@ -12,6 +12,7 @@ struct FaultPlan {
     int code = EIO;          ///< errno of these failures
     int longestTransfer = 0; ///< bytes that one call moves at most; 0 for no limit
     bool interrupts = false; ///< every second call fails with EINTR first
+    bool kills = false;      ///< the process dies in the middle of the call instead (writes)
 };
 
 /// Applies to reads, or to writes (write, pwrite, fsync, rename), while it lives.

@@ -235,6 +235,19 @@ TEST(Export, SeveralFilesGoToOneFolder) {
     EXPECT_EQ(dir.read("x.csv") + dir.read("out/a.csv"), "");
 }
 
+TEST(Export, AFolderIsMadeForTheFirstOutput) {
+    const TempDir dir;
+    threeSignals().writeTo(dir.file("a.edf"));
+    EXPECT_EQ(runCommand(dir, "export missing.edf -o new/").exitCode, 1);
+    EXPECT_FALSE(std::filesystem::exists(dir.file("new"))) << "there was nothing to write";
+    EXPECT_EQ(runCommand(dir, "export missing.edf a.edf -o new/deep/ --format raw").exitCode, 1);
+    EXPECT_NE(dir.read("new/deep/a.raw"), "");
+    EXPECT_NE(dir.read("new/deep/a.lay"), "");
+    const CommandResult run = runCommand(dir, "export a.edf -o a.edf/");
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_THAT(run.err, testing::StartsWith("kvsig: a.edf/: cannot be made: "));
+}
+
 // Root mean square of a sine at `hertz` after the command's filters, over a second in mid-file.
 double filteredRms(const std::string& options, double hertz) {
     const TempDir dir;

@@ -17,9 +17,12 @@ inline constexpr int gridNameSize = 16;
 /// Bytes that the output of NameFromG1G2() and NameFromDefn() never exceeds.
 inline constexpr int derivationNameSize = 512;
 
+/// @{
+/// Which of the kinds above a definition is; asked in this order they tell them apart.
 KVSIG_API bool IsGapDefn(const char* defn);
 KVSIG_API bool IsAvgDefn(const char* defn);
 KVSIG_API bool IsNumericDefn(const char* defn);
+/// @}
 
 /// Splits a bipolar definition and returns the number of names found: 0, 1 or 2.
 ///

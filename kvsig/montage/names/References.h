@@ -12,8 +12,8 @@ KVSIG_API int IndexOfDefRef(const char* name);
 
 /// An average reference: its display name and its definition ("A1+A2").
 struct AvgRefDefn {
-    const char* pszName;
-    const char* pszDefn;
+    const char* pszName; ///< as rows name it
+    const char* pszDefn; ///< as IsAvgDefn() knows it
 };
 
 /// The average references that every montage offers; ends with a row of null pointers.

@@ -18,10 +18,12 @@ KVSIG_API extern char szINIMontageFileXML[]; ///< "KVMontageTemplates.xml"
 KVSIG_API extern char szINITopoFile[];       ///< "kvtopo.ini"
 KVSIG_API extern char szINIUnkDataFile[];    ///< "kvunkdat.ini"
 
+/// @{
 /// Section names of attribute files.
 inline constexpr const char* pszINIFileInfo = "FileInfo";
 inline constexpr const char* pszINIChannelMap = "ChannelMap";
 inline constexpr const char* pszINIMontage = "Montage";
 inline constexpr const char* pszINIRecorded = "Recorded";
+/// @}
 
 } // namespace kvsig

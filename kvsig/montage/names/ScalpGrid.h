@@ -9,6 +9,8 @@ namespace kvsig {
 /// Where an electrode lies, as bits of ScalpGrid::nRegionBits. Rows between two regions carry the
 /// bits of both neighbours (FC = frontal + central).
 namespace region {
+/// @{
+/// One bit for each region.
 inline constexpr std::int32_t midline = 0x001;
 inline constexpr std::int32_t left = 0x002;
 inline constexpr std::int32_t right = 0x004;
@@ -19,15 +21,16 @@ inline constexpr std::int32_t parietal = 0x040;
 inline constexpr std::int32_t occipital = 0x080;
 inline constexpr std::int32_t anteriorFrontal = 0x100;
 inline constexpr std::int32_t circumference = 0x200; ///< the outer Fpz-T7-Oz ring
+/// @}
 } // namespace region
 
 /// A scalp electrode: its name and its region bits.
 struct ScalpGrid {
-    const char* pszName;
-    std::int32_t nRegionBits;
+    const char* pszName;      ///< as in "Fp1"
+    std::int32_t nRegionBits; ///< bits of region
 };
 
-inline constexpr int scalpGridCount = 78;
+inline constexpr int scalpGridCount = 78; ///< rows of Grid1020
 
 /// The scalp electrodes of the 10-20 and 10-10 systems. Both naming generations stand side by side
 /// (T3/T4/T5/T6 beside T7/T8/P7/P8), so that recordings labelled either way are recognised.

@@ -10,7 +10,7 @@
 
 namespace kvsig {
 
-using CString = std::string;
+using CString = std::string; ///< A path that an allocation may change.
 
 /// The registry: the formats in the order that the host prefers, and the readers made for them.
 ///
@@ -26,19 +26,28 @@ class KVSIG_API DataReaderManager {
     DataReaderManager& operator=(const DataReaderManager&) = delete;
     virtual ~DataReaderManager();
 
+    /// @{
     /// The file-type mode. 1, the initial one, enables all formats but XML layouts; 2 enables
     /// types 20 and 13 (and 1) alone; 4 enables all; others change no format's flags.
     virtual int getFileTypeFlag();
     virtual void setFileTypeFlag(int mode);
+    /// @}
+
     /// The enabled and listed records, in registry order.
     virtual std::vector<DRFactory*> listedFactories();
+    /// @{
     /// The first enabled and listed record of exactly that name, or of that type; null if none.
     virtual DRFactory* findFactoryByName(const char* name);
     virtual DRFactory* findFactoryByType(int type);
+    /// @}
+
+    /// @{
     /// Types of the enabled and listed records, ended by 0; and their names and patterns in turn,
     /// ended by two nulls. Both arrays are the registry's, valid until the next call of either.
     virtual int* getFileTypes();
     virtual const char** getFileTypeStrings();
+    /// @}
+
     /// The type of a type name as layouts write it; 0 when it is none. The name may be the
     /// beginning of a format's name, or begin with one of a few fixed names. Letter case is
     /// ignored.
@@ -46,12 +55,16 @@ class KVSIG_API DataReaderManager {
     /// Writes the first word of a format's name, or with wholeTypeName set in `type` the whole name
     /// (cut to typeNameSize - 1), to `buffer`. Returns 1, or 0 with an empty text.
     virtual int getFileTypeName(int type, char* buffer);
+    /// The tag of the first enabled and listed record of that type, or "".
     virtual const char* getPartnerTag(int type);
     /// Flags of the first enabled and listed record of that type, or 0.
     virtual unsigned long getStaticFlags(int type);
+    /// @{
     /// The names of all records; and the order in which the named ones are to come first.
     virtual std::vector<const char*> getSortOrder();
     virtual void setSortOrder(const std::vector<const char*>& names);
+    /// @}
+
     /// Appends a record. It stays the caller's and must outlive the registry, unless its owned flag
     /// is set. Null is ignored.
     virtual void registerFactory(DRFactory* factory);

@@ -10,8 +10,12 @@
 /// operations of DataReaderManager of the same purpose.
 namespace kvsig {
 
+/// @{
+/// The file-type mode: 1, the initial one, enables all formats but XML layouts, 4 enables all; see
+/// DataReaderManager::getFileTypeFlag().
 KVSIG_API int KrnlGetFileTypeFlag();
 KVSIG_API void KrnlSetFileTypeFlag(int mode);
+/// @}
 
 /// Types of the enabled and listed formats, ended by 0. Valid until the next call of this function
 /// or of KrnlGetFileTypeStrings().
@@ -24,10 +28,12 @@ KVSIG_API int KrnlGetFileType(const char* typeName);
 /// Number to type name; `buffer` holds at least 47 bytes. Returns 1, or 0 with an empty text.
 KVSIG_API int KrnlGetFileTypeName(ReaderType type, char* buffer);
 
+/// The tag of the first enabled and listed format of that type; "" for none, as all built-in ones.
 KVSIG_API const char* GetPartnerTag(int type);
 /// Bits of `mask` in the flags of the first enabled and listed format of that type.
 KVSIG_API unsigned long GetDataReaderStaticFlag(int type, unsigned long mask);
 
+/// The names of all formats in the order in which lists show them.
 KVSIG_API std::vector<const char*> GetDataReaderSortOrder();
 /// Named formats come first, in the order given; the others keep theirs.
 KVSIG_API void SetDataReaderSortOrder(const std::vector<const char*>& names);
