@@ -45,7 +45,7 @@ class RowsAtOnce {
     void filterPending();
     void filterLike(Pending& model);
 
-    static constexpr std::size_t mostPending = 2 * IIRCascade::mostRows;
+    static constexpr std::size_t mostPending = 2 * std::size_t{IIRCascade::mostRows};
 
     long m_first, m_last;
     double m_scale;

@@ -18,7 +18,7 @@ inline constexpr const char* wideEventId = "BREVENTS"; ///< .nev of 3.0
 
 /// A start time as eight numbers: year, month, day of week, day, hour, minute, second, millisecond.
 [[nodiscard]] inline CalendarTime startAt(const HeaderBlock& header, std::int64_t offset) {
-    const auto number = [&](int index) {
+    const auto number = [&](std::int64_t index) {
         return static_cast<int>(
             valueOf(header, NumberField<std::uint16_t>{"start", 2 * index}, offset));
     };

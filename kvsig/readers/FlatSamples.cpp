@@ -69,7 +69,7 @@ std::string FlatSamples::prepare(const FlatRecording& recording) {
     for (int c = 0; std::cmp_less(c, recording.channels.size()); ++c)
         m_tracks.at(at(recording.channels[at(c)].track)).channels.push_back(c);
     for (std::size_t i = 0; i < m_tracks.size(); ++i)
-        if (const std::string fault = prepareTrack(recording, i); !fault.empty())
+        if (std::string fault = prepareTrack(recording, i); !fault.empty())
             return fault;
     return {};
 }

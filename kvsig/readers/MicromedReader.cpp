@@ -148,8 +148,8 @@ bool MicromedReader::describe(FlatRecording& recording) {
     copyText(patient.birthDate, birth.dateText());
 
     const std::int64_t offset = valueOf(header, dataOffset);
-    const std::int64_t frameBytes =
-        std::int64_t{valueOf(header, numberOfChannels)} * valueOf(header, sampleBytes);
+    const std::int64_t frameBytes = std::max<std::int64_t>(
+        std::int64_t{valueOf(header, numberOfChannels)} * valueOf(header, sampleBytes), 1);
     const std::int64_t frames = wholeFrames(offset, size, frameBytes);
     if (const std::int64_t rest = offset < size ? (size - offset) % frameBytes : 0; rest > 0)
         report(Severity::note, "its last " + std::to_string(rest) +

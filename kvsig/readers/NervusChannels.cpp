@@ -93,6 +93,10 @@ std::string differenceOf(const std::vector<ChannelFacts>& first,
                : "channel " + std::to_string(differing - first.begin() + 1) + " in another way";
 }
 
+std::string changedText(const std::string& place, const std::string& difference) {
+    return place + " describes " + difference + ": recordings whose channels change are not read";
+}
+
 } // namespace
 
 ChannelTable readChannels(const HeaderFile& file, const Container& container) {
@@ -137,8 +141,7 @@ ChannelTable readChannels(const HeaderFile& file, const Container& container) {
         const std::string difference =
             differenceOf(table.channels, packet.channels, fit == packet.said && !isCut);
         if (!difference.empty())
-            return failed(3, place + " describes " + difference +
-                                 ": recordings whose channels change are not read");
+            return failed(3, changedText(place, difference));
         if (isCut && packet.channels.size() > table.channels.size()) {
             table.channels = std::move(packet.channels);
             isCut = fit < packet.said;

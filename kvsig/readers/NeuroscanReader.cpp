@@ -207,7 +207,8 @@ void NeuroscanReader::describeChannels(FlatRecording& recording, const Places& p
 void NeuroscanReader::describeTracks(const HeaderBlock& header, FlatRecording& recording,
                                      Places& places) {
     const bool blocks = standsInBlocks(header, recording, places);
-    const std::int64_t together = blocks ? valueOf(header, channelOffset) / places.bytes : 1;
+    const std::int64_t together =
+        blocks ? std::max<std::int64_t>(valueOf(header, channelOffset) / places.bytes, 1) : 1;
     const bool isWhole = places.hasEvents || places.room == valueOf(header, numberOfSamples);
     if (const std::int64_t rest = places.room % together; rest > 0 && !isWhole) {
         report(Severity::warning, "its last " + std::to_string(rest) +

@@ -99,7 +99,7 @@ std::string InputNames::nameOf(int code) const {
     const std::string& whole = reference->second;
     if (!whole.starts_with('$') || whole.size() == 1)
         return whole;
-    const std::string bare = whole.substr(1);
+    std::string bare = whole.substr(1);
     for (int other = 0; other <= lastCode; ++other) {
         const auto found = m_electrodes.find(other);
         if (equalNoCase(found == m_electrodes.end() ? deviceName(other) : found->second, bare))

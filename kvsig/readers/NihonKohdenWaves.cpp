@@ -29,8 +29,8 @@ std::string readWaveBlock(const HeaderFile& file, std::int64_t offset, WaveBlock
     const HeaderBlock head = file.read("waveform block of the .EEG", offset, mostBytes);
     const auto held = static_cast<std::int64_t>(head.bytes().size());
     const std::int64_t channels = valueOf(head, eeg::channelCount);
-    const std::string leaves = "the waveform block at offset " + std::to_string(offset) +
-                               " leaves the file of " + std::to_string(file.size()) + " bytes";
+    std::string leaves = "the waveform block at offset " + std::to_string(offset) +
+                         " leaves the file of " + std::to_string(file.size()) + " bytes";
     if (held < 1)
         return leaves;
     if (valueOf(head, eeg::mark) != 1)
