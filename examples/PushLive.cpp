@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -31,7 +32,8 @@ std::vector<short> deliver(long page) {
 
 int main() {
     // The file gives the recording its length; its samples come from the program.
-    const std::string file = std::filesystem::temp_directory_path() / "kvsig_live.raw";
+    const std::string name = "kvsig_live_" + std::to_string(std::random_device{}()) + ".raw";
+    const std::string file = std::filesystem::temp_directory_path() / name;
     std::ofstream(file).close();
     std::filesystem::resize_file(file, std::uintmax_t{4} * pages * pageSamples);
 
@@ -54,5 +56,7 @@ int main() {
         std::cout << "page " << page << ": " << montage.source(0)->name() << " ends at "
                   << values.back() << " uV\n";
     }
+    reader.close();
+    std::filesystem::remove(file);
     return EXIT_SUCCESS;
 }

@@ -95,7 +95,7 @@ TEST_F(Cost, OfMapFilesOfManySections) {
 }
 
 TEST_F(Cost, OfLayoutsOfManyNames) {
-    const std::string names = repeated(200000, [](std::size_t i) {
+    const std::string names = repeated(100000, [](std::size_t i) {
         return electrode(i) + "-R=" + std::to_string(i % 32767 + 1) + "\n";
     });
     const std::string path =

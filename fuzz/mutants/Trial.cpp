@@ -27,6 +27,9 @@ namespace fs = std::filesystem;
 constexpr std::array<const char*, 5> columns{"opened", "refused", "crashed", "hung > 5 s",
                                              "> 512 MiB"};
 
+// None that a sanitizer or a library ends a process with.
+constexpr int refusedCode = 42;
+
 // Descriptions of the folder and tables of true values are no recordings.
 bool isRecording(const fs::path& path) {
     return path.extension() != ".md" && path.extension() != ".txt";
@@ -79,7 +82,7 @@ class Scratch {
     ::setrlimit(RLIMIT_CPU, &seconds);
     ::alarm(12 * mostSeconds);
     const bool opened = subject.opensAndReads(path);
-    ::_exit(opened ? 0 : 1);
+    ::_exit(opened ? EXIT_SUCCESS : refusedCode);
 }
 
 long residentKilobytes(pid_t process) {
@@ -119,9 +122,9 @@ Outcome tryIn(const Subject& subject, const std::string& path, const std::string
     if (WIFSIGNALED(status))
         return WTERMSIG(status) == SIGXCPU || WTERMSIG(status) == SIGALRM ? Outcome::hung
                                                                           : Outcome::crashed;
-    if (WEXITSTATUS(status) > 1)
-        return Outcome::crashed;
-    return WEXITSTATUS(status) == 0 ? Outcome::opened : Outcome::refused;
+    if (WEXITSTATUS(status) == EXIT_SUCCESS)
+        return Outcome::opened;
+    return WEXITSTATUS(status) == refusedCode ? Outcome::refused : Outcome::crashed;
 }
 
 int runMutants(const Subject& subject, int count, char** arguments) {

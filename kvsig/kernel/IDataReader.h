@@ -128,7 +128,8 @@ class IDataReader : public IUnknown {
     /// zeros included; 0 for an empty range and for one of more than 2^31 - 1 samples.
     virtual int getData(int channel, long first, long last, float* out, double gain,
                         int accumulate) = 0;
-    /// Takes length and start anew from the file: part of open().
+    /// Takes length and start anew from the file, where the format can without being opened again:
+    /// part of open().
     virtual bool readSampleInfo() = 0;
     /// The anchors of the time base: clock times of samples, in their order.
     virtual int sampleTimeCount() = 0;

@@ -320,7 +320,10 @@ bool CyberkineticsReader::findCompanion(const FlatRecording& recording, bool isN
     HeaderFile file;
     std::string reason;
     auto& events = m_state->events;
-    if (file.open(m_state->eventFile.c_str(), &reason))
+    const bool opened = file.open(m_state->eventFile.c_str(), &reason);
+    if (!opened && isNeeded)
+        return refuse(1, "of the .nev beside it: " + reason);
+    if (opened)
         events = readEventHeader(file, reason);
     if (!events) {
         if (isNeeded && !file.fault().empty())

@@ -311,7 +311,10 @@ bool NK2100Reader::nameChannels(FlatRecording& recording) {
     nk::InputNames names;
     HeaderFile file;
     const std::string path = companionFile(m_state->samples, ".21E");
-    const bool named = !path.empty() && file.open(path.c_str()) && names.read(file);
+    std::string reason;
+    if (!path.empty() && !file.open(path.c_str(), &reason))
+        return refuse(1, "of the .21E beside it: " + reason);
+    const bool named = !path.empty() && names.read(file);
     if (!file.fault().empty())
         return refuse(2, "of the .21E beside it: " + file.fault());
     if (!named)

@@ -73,7 +73,7 @@ TEST_P(WriteFaultsOf, AFailureAtAnyCallKeepsTheOldFile) {
         }
 }
 
-TEST_P(WriteFaultsOf, InterruptedAndShortWritesAreCompleted) {
+TEST_P(WriteFaultsOf, ShortWritesAreCompleted) {
     rewind();
     ASSERT_TRUE(write());
     const std::string whole = content();

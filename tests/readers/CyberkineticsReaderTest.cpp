@@ -97,13 +97,27 @@ TEST_F(Blackrock, BlocksThatLieOrAreDamagedGiveWhatIsThere) {
     EXPECT_EQ(rawOf(reader, 1, 49, 49)[0], rampCount(1, 49));
     EXPECT_TRUE(findings().empty());
     // An empty block is no end, though the recording's own end is damaged or was not closed.
-    for (const auto& [said, missing] : {std::pair(-1L, 20UL), {0L, 0UL}}) {
-        const std::string bytes = made().block(800, 0).block(900, 20).block(2000, 20, said).bytes();
+    const auto empty = [&] { return made().block(800, 0); };
+    const struct {
+        BlackrockFile file;
+        std::size_t missing; // bytes of the last block
+        long samples;
+        int anchors;
+    } damaged[] = {{empty().block(900, 20).block(2000, 20), 20, 65, 3},
+                   {empty().block(900, 20).block(2000, 20, 0), 0, 70, 3},
+                   {empty().block(900, 20, 0), 0, 50, 2},
+                   {empty().block(900, 0).block(950, 20, 0), 0, 50, 2},
+                   {empty().block(900, 20), 20, 45, 2},
+                   {empty().block(900, 20).append(std::string(60, '\7')), 0, 50, 2},
+                   {empty().block(900, 20).append(std::string(7, '\1')), 0, 50, 2},
+                   {empty().block(900, 20).block(60, 20), 20, 65, 3}};
+    for (const auto& [file, missing, samples, anchors] : damaged) {
+        const std::string bytes = file.bytes();
         ASSERT_TRUE(opens(bytes.substr(0, bytes.size() - missing)));
-        ASSERT_EQ(reader.sampleCount(), 70 - static_cast<long>(missing / 4));
-        ASSERT_EQ(reader.sampleTimeCount(), 3);
-        for (long i = 0; i < reader.sampleCount(); ++i)
-            ASSERT_EQ(rawOf(reader, 1, i, i)[0], rampCount(1, i)) << said << " " << i;
+        ASSERT_EQ(reader.sampleCount(), samples);
+        EXPECT_EQ(reader.sampleTimeCount(), anchors);
+        for (long i = 0; i < samples; ++i)
+            ASSERT_EQ(rawOf(reader, 1, i, i)[0], rampCount(1, i)) << samples << " " << i;
     }
 
     ASSERT_TRUE(opens(BlackrockFile("NEURALCD", 2, 3).channels(2).block(5000, 3).block(60, 40)));
