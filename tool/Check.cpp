@@ -2,6 +2,7 @@
 #include "kvsig/registry/FrontDoor.h"
 #include "kvsig/util/File.h"
 #include "tool/Command.h"
+#include "tool/EventList.h"
 #include "tool/FactsOfFiles.h"
 #include "tool/Recording.h"
 #include "tool/Words.h"
@@ -42,6 +43,11 @@ const char* wordFor(Severity severity) {
     }
 }
 
+// Of a sentence that begins with the file that it is about, the rest.
+std::string withoutPath(const std::string& text, const std::string& path) {
+    return text.starts_with(path + ": ") ? text.substr(path.size() + 2) : text;
+}
+
 struct Member {
     std::string file;
     int type;
@@ -80,6 +86,10 @@ Report checkOpened(const Recording& recording) {
         const std::string prefix = recording.isPair() ? member->filePath() + ": " : "";
         report.add(member->openFindings(), prefix);
         report.add(member->inspectFile(), prefix);
+        for (const std::string& lost : lostEventsOf(*member))
+            report.findings.push_back(
+                {Severity::warning,
+                 recording.isPair() ? lost : withoutPath(lost, member->filePath())});
         report.add(channelOddities(recording, member), prefix);
     }
     report.add(twinOddities(recording));
@@ -97,8 +107,7 @@ Report check(const std::string& file, int type) {
         report.add(inspectUnopened(file, type));
     for (const Member& member : members)
         report.add(check(member.file, member.type).findings, member.file + ": ");
-    const std::string prefix = file + ": ";
-    const std::string reason = error.starts_with(prefix) ? error.substr(prefix.size()) : error;
+    const std::string reason = withoutPath(error, file);
     // The member that keeps a pair from opening has told its reason already.
     if (std::none_of(report.findings.begin(), report.findings.end(),
                      [&reason](const OpenFinding& told) { return told.text == reason; }))

@@ -337,16 +337,16 @@ void MicromedReader::listEvents(std::vector<FlatEvent>& events) {
     const std::string path = companionFile(filePath(), ".evt");
     if (path.empty())
         return;
-    std::string reason;
+    std::vector<std::string> oddities;
     const CalendarTime& start = recording().start;
-    for (const ClockEvent& event : readEventFile(path.c_str(), reason)) {
+    for (const ClockEvent& event : readEventFile(path.c_str(), oddities)) {
         const double begin = event.begin.secondsFromDayOf(start);
         const double length = event.end.hasTime() ? event.end.secondsFromDayOf(start) - begin : 0.0;
         if (const auto sample = sampleAt(begin))
             events.push_back({*sample, event.text, {}, std::max(length, 0.0)});
     }
-    if (!reason.empty())
-        logMessage(logWarning, path + ": " + reason);
+    for (const std::string& oddity : oddities)
+        logMessage(logWarning, path + ": " + oddity);
 }
 
 } // namespace kvsig

@@ -1,6 +1,7 @@
 #include "kvsig/readers/NervusReader.h"
 
 #include "kvsig/registry/FrontDoor.h"
+#include "support/LogCapture.h"
 #include "support/NervusFile.h"
 #include "support/Opened.h"
 #include "support/ReaderFixture.h"
@@ -8,26 +9,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-namespace kvsig {
+namespace kvsig::test {
 namespace {
 
-using test::f64;
-using test::NervusFile;
-using test::oleDays;
-using test::poked;
-using test::rampCount;
-using test::rawOf;
-using test::tells;
-using test::u32;
-using test::u64;
-using test::u8;
-using test::valuesOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-struct Nervus : test::ReaderFixture<NervusReader> {
+struct Nervus : ReaderFixture<NervusReader> {
     Nervus() : ReaderFixture("Rec.e") {}
     using ReaderFixture::opens;
     bool opens(const NervusFile& file) { return opens(file.make().bytes); }
@@ -178,7 +168,11 @@ TEST_F(Nervus, PacketsOfChannelsMustAgree) {
     // The second is cut behind its first channel, whose rate is another one.
     EXPECT_FALSE(opens(poked(two.bytes, entries + 80 + 40, u64(760 + 552))));
     EXPECT_EQ(reader.getLastError(), 3);
-    // The first holds no whole channel: the second describes them.
+    // The first lacks its last channel, or holds no whole one: the second describes them.
+    const NervusFile::Made alike = sample().packet(100).make();
+    ASSERT_TRUE(opens(poked(alike.bytes, entries + 40, u64(760 + 552 * 3 - 1))));
+    EXPECT_EQ(reader.channelCount(), 3);
+    EXPECT_THAT(findings(), ElementsAre(HasSubstr("says 3 channels and holds 2")));
     ASSERT_TRUE(opens(poked(two.bytes, entries + 40, u64(760 + 551))));
     EXPECT_EQ(reader.channelCount(), 3);
     EXPECT_EQ(reader.samplingRate(), 100.0);
@@ -258,7 +252,9 @@ TEST_F(Nervus, EventsStandAtTheirSamples) {
         std::string lies = made.bytes;
         lies.replace(made.places.at("Events") + 16, 8, u64(length));
         ASSERT_TRUE(opens(lies));
+        LogCapture log;
         EXPECT_THAT(events(), IsEmpty()) << length;
+        EXPECT_EQ(log.take(logWarning).size(), length == 100 ? 0U : 1U) << length;
     }
     std::string lies = made.bytes;
     lies.replace(made.places.at("Events") + 128, 8, u64(~0ULL));
@@ -296,4 +292,4 @@ TEST_F(Nervus, OtherVariantsAndLyingHeadersAreRefused) {
 }
 
 } // namespace
-} // namespace kvsig
+} // namespace kvsig::test
