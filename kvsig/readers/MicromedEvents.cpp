@@ -35,15 +35,17 @@ bool isErased(const std::string& text) {
     return std::all_of(text.begin(), text.end(), [](char c) { return c == '\xFF'; });
 }
 
-// Calls `each(block, base)` for the records of a zone until it returns false.
+// Calls `each(block, base)` for the records of a zone until it returns false. True when there are
+// more of them.
 template <typename Each>
-void forEachRecord(const HeaderFile& file, Zone zone, std::int64_t recordBytes, std::int64_t most,
+bool forEachRecord(const HeaderFile& file, Zone zone, std::int64_t recordBytes, std::int64_t most,
                    Each each) {
     const std::int64_t count = std::min(zone.length / recordBytes, most);
     const HeaderBlock block = file.read("zone of events", zone.start, count * recordBytes);
     for (std::int64_t i = 0; i < count; ++i)
         if (!each(block, i * recordBytes))
-            return;
+            return false;
+    return holdsMore(file, zone, recordBytes, most);
 }
 
 FlatEvent intervalOf(std::int64_t begin, std::int64_t end, double rate, std::string text) {
@@ -80,8 +82,10 @@ void listZoneEvents(const HeaderBlock& header, const FlatRecording& recording, s
     const HeaderFile& file = recording.samples;
     const auto records = [&](const char* name, std::int64_t bytes, std::int64_t most, auto each) {
         if (const std::string outside = whyOutside(header, name, file.size()); !outside.empty())
-            oddities.push_back(outside);
-        forEachRecord(file, findZone(header, name).within(file.size()), bytes, most, each);
+            oddities.push_back(outside + ": its events are left out");
+        if (forEachRecord(file, findZone(header, name).within(file.size()), bytes, most, each))
+            oddities.push_back("its zone " + std::string(name) + " holds more than " +
+                               std::to_string(most) + " records: the rest is left out");
     };
     records("NOTE", noteBytes, mostNotes, [&](const HeaderBlock& block, std::int64_t base) {
         const std::uint32_t sample = valueOf(block, noteSample, base);

@@ -147,6 +147,25 @@ TEST_F(Micromed, EventsOfAllZonesAndOfTheFileBesideIt) {
     EXPECT_THAT(findings(), ElementsAre(HasSubstr("bytes: pauses are not shown")));
 }
 
+TEST_F(Micromed, ZonesThatHoldMoreThanIsReadAreTold) {
+    const std::string good = MicromedFile().channel({"a"}).frames(500).bytes();
+    const auto withZone = [](const std::string& bytes, std::size_t zone, std::size_t offset,
+                             std::size_t length) {
+        return poked(bytes, 176 + 16 * zone + 8, u32(offset) + u32(length));
+    };
+    for (const std::size_t length : {800U, 808U}) { // samples taken for flags
+        ASSERT_TRUE(opens(withZone(good, 3, MicromedFile::dataOffset(), length)));
+        EXPECT_EQ(findings().size(), length > 800 ? 1U : 0U);
+    }
+    EXPECT_THAT(findings(), tells("zone FLAGS holds more than 100 records: the rest is left out"));
+    std::string pieces;
+    for (std::size_t i = 0; i <= 100; ++i)
+        pieces += u32(5 + 10 * i) + u32(i);
+    ASSERT_TRUE(opens(withZone(good + pieces, 4, good.size(), pieces.size())));
+    EXPECT_EQ(reader.sampleTimeCount(), 100);
+    EXPECT_THAT(findings(), tells("zone TRONCA holds more than 100 pieces"));
+}
+
 TEST_F(Micromed, OtherVariantsAndLyingHeadersAreRefused) {
     const std::string good = MicromedFile().channel({"a"}).channel({"b"}).bytes();
     const std::size_t order = MicromedFile::zoneStart("ORDER");

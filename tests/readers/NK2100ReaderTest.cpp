@@ -9,23 +9,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-namespace kvsig {
+namespace kvsig::test {
 namespace {
 
-using test::NihonKohdenFile;
-using test::NihonKohdenLog;
-using test::nihonKohdenPage;
-using test::poked;
-using test::rampCount;
-using test::rawOf;
-using test::tells;
-using test::u32;
-using test::u8;
-using test::valuesOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-struct NihonKohden : test::ReaderFixture<NK2100Reader> {
+struct NihonKohden : ReaderFixture<NK2100Reader> {
     NihonKohden() : ReaderFixture("Rec.EEG") {}
 
     static NihonKohdenFile sample() {
@@ -55,6 +45,9 @@ TEST_F(NihonKohden, CodesTellUnitsAndTheElectrodeFileNames) {
     EXPECT_THAT(grids(), ElementsAre("Fp2", "Fp1", "X11", "ECG", "DC32", "$A1", "X12", "X165",
                                      "AVG", "Z", "0V", "In99"));
     EXPECT_TRUE(findings().empty());
+    dir.write("rec.21e", names + std::string(1 << 20, ' '));
+    ASSERT_TRUE(opens(file));
+    EXPECT_THAT(findings(), ElementsAre(HasSubstr(".21E beside it the first 1048576 bytes of")));
     EXPECT_STREQ(reader.channelName(0), "Fp2-Ref");
     for (int c = 0; c < 12; ++c) {
         const bool milli = c >= 3 && c <= 5;
@@ -72,6 +65,10 @@ TEST_F(NihonKohden, CodesTellUnitsAndTheElectrodeFileNames) {
     EXPECT_DOUBLE_EQ(reader.physioHigh(3), 12002.56);
     EXPECT_EQ(reader.digitalLow(3), -32768);
     EXPECT_EQ(reader.digitalHigh(3), 32767);
+    std::filesystem::remove(dir.file("rec.21e"));
+    std::filesystem::create_symlink("nowhere", dir.file("rec.21e"));
+    EXPECT_FALSE(opens(file)) << "the device's own names may be wrong";
+    EXPECT_THAT(reader.lastErrorText(), HasSubstr("of the .21E beside it: no such file"));
 }
 
 TEST_F(NihonKohden, BlocksOfAllControlBlocksAreSegments) {
@@ -86,9 +83,7 @@ TEST_F(NihonKohden, BlocksOfAllControlBlocksAreSegments) {
     EXPECT_EQ(reader.getClockTime(0.0), 86390.0);
     EXPECT_EQ(reader.getClockTime(2.0), 86410.0);
     EXPECT_EQ(reader.getClockTime(3.5), 86400 + 43200 + 0.5);
-    for (int c = 0; c < 4; ++c)
-        for (const long i : {0L, 399L, 400L, 599L, 600L, 899L})
-            EXPECT_EQ(rawOf(reader, c, i, i)[0], rampCount(c, i));
+    holds(rampOf);
     EXPECT_STREQ(reader.patientRec()->testDate, "1999.12.31");
     EXPECT_STREQ(reader.patientRec()->testTime, "23:59:50");
     EXPECT_THAT(findings(), tells("2 control blocks"));
@@ -202,22 +197,17 @@ TEST_F(NihonKohden, WithPausesTheClockPlacesEvents) {
 }
 
 TEST_F(NihonKohden, LengthsThatLieGiveWhatIsThere) {
-    ASSERT_TRUE(opens(NihonKohdenFile().block("20190403160016", 400, 0xFFFFFFFF)));
-    EXPECT_EQ(reader.sampleCount(), 400);
-    EXPECT_THAT(findings().at(0), HasSubstr("says 85899345900 samples, 400 are there"));
-    ASSERT_TRUE(opens(NihonKohdenFile().block("20190403160016", 400, 0)));
-    EXPECT_EQ(reader.sampleCount(), 400);
-    EXPECT_THAT(findings().at(0), HasSubstr("was not closed"));
-    ASSERT_TRUE(opens(NihonKohdenFile().block("20190403160016", 400, 10)));
-    EXPECT_EQ(reader.sampleCount(), 200);
-    EXPECT_THAT(findings().at(0), HasSubstr("200 more would have room"));
-    ASSERT_TRUE(opens(NihonKohdenFile()
-                          .block("20190403160016", 200, 99)
-                          .block("20190403170000", 100)
-                          .block("20190403180000", 40, 0)));
-    EXPECT_EQ(reader.sampleCount(), 300) << "the head of the next block is no sample";
-    EXPECT_EQ(rawOf(reader, 0, 200, 200)[0], rampCount(0, 200));
-    EXPECT_THAT(findings(), tells("none of the 40 samples"));
+    const auto one = [](std::int64_t tenths) {
+        return NihonKohdenFile().block("20190403160016", 400, tenths).bytes();
+    };
+    const NihonKohdenFile three = NihonKohdenFile()
+                                      .block("20190403160016", 200, 99)
+                                      .block("20190403170000", 100)
+                                      .block("20190403180000", 40, 0);
+    reads({{one(0xFFFFFFFF), 400, "says 85899345900 samples, 400 are there"},
+           {one(0), 400, "was not closed"},
+           {one(10), 200, "200 more would have room"},
+           {three.bytes(), 300, "none of the 40 samples"}}); // the next block's head is no sample
 }
 
 TEST_F(NihonKohden, ClocksThatAreNoneAreTold) {
@@ -273,4 +263,4 @@ TEST_F(NihonKohden, OtherVariantsAndLyingHeadersAreRefused) {
 }
 
 } // namespace
-} // namespace kvsig
+} // namespace kvsig::test
