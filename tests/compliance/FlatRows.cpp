@@ -82,6 +82,7 @@ SampleRecording nihonKohden(NihonKohdenFile file) {
         {"sample.LOG", NihonKohdenLog()
                            .entry("A1+A2 OFF, of two parts", "000002", "(190403160018)", "500000")
                            .bytes()}};
+    made.otherDoor = "sample.PNT";
     return made;
 }
 
