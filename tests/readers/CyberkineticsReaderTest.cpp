@@ -46,23 +46,14 @@ TEST_F(Blackrock, LimitsCalibrateWhateverTheyAre) {
         .channel({"e", "uV", -100, 100, 7, 7})
         .block(0, 50);
     ASSERT_TRUE(opens(file));
-    const auto physical = [&](int channel, double raw) {
-        switch (channel) {
-        case 0:
-            return raw * 0.25;
-        case 1:
-            return raw * 5;
-        case 2:
-            return raw;
-        case 3:
-            return (raw + 32768) * 100 / 65535;
-        default:
-            return 7.0;
-        }
-    };
+    const struct {
+        double scale, added;
+    } physical[] = {{0.25, 0}, {5, 0}, {1, 0}, {100 / 65535.0, 32768 * 100 / 65535.0}, {0, 7}};
     for (int c = 0; c < 5; ++c)
         for (long i = 0; i < 50; ++i)
-            EXPECT_NEAR(valuesOf(reader, c, i, i)[0], physical(c, rampCount(c, i)), 1e-4) << c;
+            EXPECT_NEAR(valuesOf(reader, c, i, i)[0],
+                        rampCount(c, i) * physical[c].scale + physical[c].added, 1e-4)
+                << c;
     EXPECT_EQ(reader.channelType(0), 1);
     EXPECT_EQ(reader.channelType(1), 100);
     EXPECT_STREQ(reader.channelUnits(1), "mV");
@@ -140,9 +131,7 @@ TEST_F(Blackrock, EventsStandAtTheirSamples) {
     dir.write("rec.NEV", BlackrockEventFile().hour(12).digital(3000, 5).bytes());
     ASSERT_TRUE(opens(file));
     EXPECT_EQ(events(), std::vector<std::string>{"0 5"}) << "another time zone";
-    std::string other = made.bytes();
-    other[38] = 17; // the minute of its start
-    dir.write("rec.NEV", other);
+    dir.write("rec.NEV", poked(made.bytes(), 38, u8(17))); // the minute of its start
     ASSERT_TRUE(opens(file));
     EXPECT_TRUE(events().empty());
     EXPECT_THAT(findings().at(0), HasSubstr("another recording"));

@@ -173,11 +173,10 @@ TEST_F(NihonKohden, EventsStandAtTheirSamples) {
     EXPECT_TRUE(events().empty());
     EXPECT_THAT(findings(), tells("another recording"));
 
-    std::string lies = made;
-    lies[0x91] = '\x7F';       // 127 log blocks
-    lies[0x92 + 20] = '\0';    // the second one is the first again
-    for (const int i : {2, 3}) // leaves the file
-        lies.replace(0x92 + 20 * static_cast<std::size_t>(i), 4, "\xFF\xFF\xFF\xFF");
+    // 127 log blocks; the second one is the first again, two leave the file.
+    std::string lies = poked(poked(made, 0x91, u8(127)), 0x92 + 20, u8(0));
+    for (const std::size_t address : {0x92U + 40U, 0x92U + 60U})
+        lies = poked(lies, address, u32(~0U));
     dir.write("rec.log", lies);
     ASSERT_TRUE(opens(sample()));
     EXPECT_EQ(events().size(), 2U);
@@ -218,9 +217,7 @@ TEST_F(NihonKohden, ClocksThatAreNoneAreTold) {
     EXPECT_EQ(reader.getClockTime(0.0), start);
     EXPECT_THAT(findings().at(0), HasSubstr("begins 5 s after the start"));
     const NihonKohdenFile two = sample().block("20190403160030", 400);
-    std::string bytes = two.bytes();
-    bytes[two.blockOffset(1) + 0x15] = '\x1A'; // no decimal
-    ASSERT_TRUE(opens(bytes));
+    ASSERT_TRUE(opens(poked(two.bytes(), two.blockOffset(1) + 0x15, u8(0x1A)))); // no decimal
     EXPECT_EQ(reader.getClockTime(3.0), start + 3.0);
     EXPECT_THAT(findings().at(0), HasSubstr("block 2 has no date and time"));
 }
@@ -229,8 +226,8 @@ TEST_F(NihonKohden, OtherVariantsAndLyingHeadersAreRefused) {
     const NihonKohdenFile two = sample().block("20190403170000", 100);
     const std::string good = two.bytes();
     const std::size_t second = two.blockOffset(1), usual = NihonKohdenFile::firstBlock;
-    std::string inside = poked(good, 0x400 + 38, u32(usual + 0x31)); // the code of channel 2 is 1
-    inside[usual + 0x31 + 0x1A] = '\1';
+    const std::string inside = // the code of channel 2 is 1
+        poked(poked(good, 0x400 + 38, u32(usual + 0x31)), usual + 0x31 + 0x1A, u8(1));
     refuses({
         {NihonKohdenFile("EEG-1200A V01.00").block("20190403160016", 9).bytes(), 3, "EEG-1200A"},
         {NihonKohdenFile("EEG-9999A V01.00").block("20190403160016", 9).bytes(), 3, "no signature"},

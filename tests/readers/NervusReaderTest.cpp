@@ -124,7 +124,7 @@ TEST_F(Nervus, PiecesThatLieShowNoWrongSample) {
     }
     std::string greedy = made.bytes; // every piece claims four gigabytes of the file's end
     for (std::size_t i = 0; i < 20; ++i)
-        greedy.replace(entryOf(i) + 20, 4, "\xFF\xFF\xFF\xFF");
+        greedy = poked(greedy, entryOf(i) + 20, u32(~0U));
     EXPECT_FALSE(opens(greedy));
 }
 
@@ -140,9 +140,8 @@ TEST_F(Nervus, ChannelsThatEndEarlyEndTheRecording) {
     ASSERT_TRUE(opens(sample().held(2, 0)));
     EXPECT_EQ(reader.channelCount(), 2);
     EXPECT_THAT(findings(), ElementsAre(HasSubstr("channel 3 is left out: there are no samples")));
-    NervusFile::Made made = sample().make();
-    made.bytes.replace(made.places.at("SegmentStream") + 16, 8, f64(2.0));
-    ASSERT_TRUE(opens(made.bytes));
+    const NervusFile::Made made = sample().make();
+    ASSERT_TRUE(opens(poked(made.bytes, made.places.at("SegmentStream") + 16, f64(2.0))));
     EXPECT_THAT(findings(), tells("channel 1 holds 1050 samples more than"));
 }
 
@@ -187,15 +186,14 @@ TEST_F(Nervus, PacketsOfChannelsMustAgree) {
 }
 
 TEST_F(Nervus, OddChannelsAreToldOrLeftOut) {
-    NervusFile::Made made = sample()
-                                .channel({})
-                                .channel({.resolution = std::nan("")})
-                                .channel({.label = "", .offset = 2.5})
-                                .make();
+    const NervusFile::Made made = sample()
+                                      .channel({})
+                                      .channel({.resolution = std::nan("")})
+                                      .channel({.label = "", .offset = 2.5})
+                                      .make();
     // The fourth record's rate, behind the gap between the section's two pieces.
-    made.bytes.replace(made.places.at(NervusFile::series) + 9 + 3 + 760 + 552 * 3 + 272, 8,
-                       f64(HUGE_VAL));
-    ASSERT_TRUE(opens(made.bytes));
+    const std::size_t rate = made.places.at(NervusFile::series) + 9 + 3 + 760 + 552 * 3 + 272;
+    ASSERT_TRUE(opens(poked(made.bytes, rate, f64(HUGE_VAL))));
     EXPECT_EQ(reader.channelCount(), 4);
     EXPECT_THAT(findings(),
                 ElementsAre(HasSubstr("channel 4 is left out: its sampling rate is inf"),
@@ -226,9 +224,7 @@ TEST_F(Nervus, ThePatientIsRead) {
     const NervusFile::Made made = file.make();
     const std::size_t place = made.places.at(NervusFile::patient);
     for (const std::size_t field : {std::size_t{24}, std::size_t{32}, std::size_t{80}}) {
-        std::string lies = made.bytes;
-        lies.replace(place + field, 8, std::string(8, '\xFF'));
-        ASSERT_TRUE(opens(lies));
+        ASSERT_TRUE(opens(poked(made.bytes, place + field, u64(~0ULL))));
         EXPECT_THAT(findings(), ElementsAre(HasSubstr("left out")));
         EXPECT_STREQ(patient.last, "");
     }
@@ -249,16 +245,12 @@ TEST_F(Nervus, EventsStandAtTheirSamples) {
                                       "1250 in the pause", "2049 own type", "2050 Event"));
     const NervusFile::Made made = file.make();
     for (const std::uint64_t length : {0ULL, 23ULL, 100ULL, 1ULL << 62, ~0ULL}) {
-        std::string lies = made.bytes;
-        lies.replace(made.places.at("Events") + 16, 8, u64(length));
-        ASSERT_TRUE(opens(lies));
+        ASSERT_TRUE(opens(poked(made.bytes, made.places.at("Events") + 16, u64(length))));
         LogCapture log;
         EXPECT_THAT(events(), IsEmpty()) << length;
         EXPECT_EQ(log.take(logWarning).size(), length == 100 ? 0U : 1U) << length;
     }
-    std::string lies = made.bytes;
-    lies.replace(made.places.at("Events") + 128, 8, u64(~0ULL));
-    ASSERT_TRUE(opens(lies));
+    ASSERT_TRUE(opens(poked(made.bytes, made.places.at("Events") + 128, u64(~0ULL))));
     EXPECT_THAT(events(), Contains("150+500 eyes closed")) << "what of the text is in the packet";
 }
 
