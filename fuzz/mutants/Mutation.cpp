@@ -76,16 +76,39 @@ std::size_t headerBytes(std::string_view bytes) {
 
 std::string atByte(std::size_t offset) { return " at byte " + std::to_string(offset); }
 
-std::string setField(std::string& bytes, Random& random) {
-    Field field{pick(random, headerBytes(bytes)), 8};
-    if (hasFieldTable(bytes)) {
-        const std::vector<Field> fields = fieldsOf(bytes);
-        field = fields[pick(random, fields.size())];
+// A number of 1 to 8 bytes in either order at a place that is a multiple of its width.
+std::string setNumber(std::string& bytes, Random& random) {
+    constexpr std::array<std::uint64_t, 8> numbers{
+        0, 1, 2, 255, ~std::uint64_t{0}, ~std::uint64_t{0} >> 1, std::uint64_t{1} << 63, 65536};
+    const std::size_t width = std::size_t{1} << pick(random, 4);
+    const std::size_t offset = pick(random, headerBytes(bytes)) / width * width;
+    const bool isBigEndian = pick(random, 2) == 0;
+    std::uint64_t number = numbers[pick(random, numbers.size())];
+    const std::string what = std::to_string(number);
+    if (number > 65536) // those that end or begin the range of the width
+        number >>= 64 - 8 * width;
+    for (std::size_t i = 0; i < width; ++i, number >>= 8) {
+        const std::size_t at = offset + (isBigEndian ? width - 1 - i : i);
+        if (at < bytes.size())
+            bytes[at] = static_cast<char>(number & 0xFF);
     }
+    return std::to_string(width) + " bytes" + atByte(offset) + " set to " + what;
+}
+
+std::string setText(std::string& bytes, Field field, Random& random) {
     const std::string_view value = extremes[pick(random, extremes.size())];
     for (std::size_t i = 0; i < field.width && field.offset + i < bytes.size(); ++i)
         bytes[field.offset + i] = i < value.size() ? value[i] : ' ';
     return "field" + atByte(field.offset) + " set to \"" + std::string(value) + "\"";
+}
+
+std::string setField(std::string& bytes, Random& random) {
+    const std::size_t anywhere = pick(random, headerBytes(bytes));
+    if (hasFieldTable(bytes)) {
+        const std::vector<Field> fields = fieldsOf(bytes);
+        return setText(bytes, fields[pick(random, fields.size())], random);
+    }
+    return pick(random, 4) == 0 ? setText(bytes, {anywhere, 8}, random) : setNumber(bytes, random);
 }
 
 std::string cut(std::string& bytes, Random& random) {

@@ -17,8 +17,9 @@ struct Original {
 [[nodiscard]] std::string shortened(const std::string& bytes);
 
 /// The mutant of that number, always the same one: of four, two have a field of the header set to
-/// an extreme (fields of EDF and BDF by their table, else any eight bytes), one is cut, one has
-/// bits flipped, most of them in the header. `what`, if given, says in words what was done.
+/// an extreme (fields of EDF and BDF by their table, else binary numbers and texts anywhere), one
+/// is cut, one has bits flipped, most of them in the header. `what`, if given, says in words what
+/// was done.
 [[nodiscard]] std::string mutantOf(const Original& original, std::uint64_t number,
                                    std::string* what = nullptr);
 

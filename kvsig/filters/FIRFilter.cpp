@@ -2,6 +2,7 @@
 
 #include "kvsig/filters/KaiserLowPass.h"
 #include "kvsig/filters/SlidingSums.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/Saturate.h"
 
 #include <algorithm>
@@ -12,7 +13,6 @@
 namespace kvsig {
 namespace {
 
-constexpr double maxTaps = 1 << 22;
 constexpr int shortestBlock = 1 << 12; // outputs
 
 } // namespace
@@ -25,7 +25,7 @@ int FIRFilter::design(double cutoff, double transition, double attenuation) {
 
     // Kaiser's estimate of the length that reaches the attenuation within the transition width.
     const double length = (attenuation - 8.0) / (transition * 14.357);
-    if (!(length > -1.0 && length < maxTaps))
+    if (!(length > -1.0 && length < mostFilterTaps))
         return 0;
     int taps = saturate<int>(length);
     if (taps % 2 == 0)

@@ -27,7 +27,6 @@ constexpr std::uint32_t rawMiscFlags = 8;
 constexpr int interleavedType = 1;
 constexpr std::int64_t valueBytes = 2; // in a page, whatever the file stores
 constexpr std::int64_t fewestSamples = 3;
-constexpr std::size_t longestValue = 4096;
 
 constexpr int littleEndian16 = 0;
 constexpr int bigEndian16 = 4;
@@ -196,7 +195,7 @@ bool InterleavedReader::readAttributeFile(std::istream& stream) {
 bool InterleavedReader::readLayout(std::istream& stream) {
     std::string text;
     const auto has = [&](const char* key) {
-        text = profileValue(stream, pszINIFileInfo, key).value_or("").substr(0, longestValue);
+        text = profileValue(stream, pszINIFileInfo, key).value_or("").substr(0, longestLayoutValue);
         return !text.empty() || refuseWithout(key, stream);
     };
     if (!has("File"))

@@ -3,8 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 
-/// What a file may cost, whatever it says of itself. Every ceiling stands here; those of field
-/// widths (names of 16 or 32 characters, paths of 260) stand with their fields.
+/// What a file or a setting may cost, whatever it says of itself. Every ceiling stands here; the
+/// widths of fields (names of 16 or 32 characters, paths of 260) stand with the fields, and how far
+/// an interface counts (averages, samples before a page) with the interface.
 namespace kvsig {
 
 // Samples.
@@ -54,6 +55,8 @@ inline constexpr std::size_t profileLineLength = 8192;
 inline constexpr std::int64_t longestProfileFile = std::int64_t{8} << 20;
 /// Larger layouts are refused.
 inline constexpr std::size_t mostLayoutBytes = std::size_t{16} << 20;
+/// Characters of a value that are taken.
+inline constexpr std::size_t longestLayoutValue = 4096;
 /// Characters of a stored channel map's name, and of a line of its definition.
 inline constexpr std::size_t longestMapName = 31;
 inline constexpr std::size_t longestMapLine = 1024;
@@ -62,6 +65,11 @@ inline constexpr std::size_t longestMapLine = 1024;
 
 inline constexpr std::size_t mostXmlBytes = std::size_t{16} << 20;
 inline constexpr int mostXmlDepth = 64;
+
+// Filters.
+
+/// Weights of a designed filter; longer ones are not designed.
+inline constexpr int mostFilterTaps = 1 << 22;
 
 // Montages.
 

@@ -30,7 +30,8 @@ endfunction()
 
 if(KIND STREQUAL "static")
   set(BUILD "${WORK}/subproject")
-  configure("${consumer}/subproject" "${BUILD}" "-DKVSIG_SOURCE_DIR=${SOURCE}" -DKVSIG_INSTALL=ON)
+  configure("${consumer}/subproject" "${BUILD}" 
+            "-DFETCHCONTENT_SOURCE_DIR_KVSIG=${SOURCE}" -DKVSIG_INSTALL=ON)
   run_consumer("${BUILD}/consumer")
   if(EXISTS "${BUILD}/_deps/kvsig-build/tool")
     message(FATAL_ERROR "a sub-project builds more than the library")

@@ -50,6 +50,14 @@ std::string uniqueNameBeside(const std::string& target) {
     return target + "." + std::to_string(::getpid()) + "-" + std::to_string(counter++) + ".tmp";
 }
 
+bool reachesDisk(int handle) {
+    int code = 0;
+    do {
+        code = ::fsync(handle);
+    } while (code != 0 && errno == EINTR);
+    return code == 0;
+}
+
 // These lead to an open descriptor even where a regular file stands behind it (/dev/stdout of a
 // redirected command), and what others wrote there before must stay.
 bool namesOpenDescriptor(std::string_view path) {
@@ -154,7 +162,7 @@ bool OutputFile::put(std::int64_t offset, const char* data, std::size_t bytes, b
 bool OutputFile::commit() {
     bool done = isOpen() && m_error.empty() && flush();
     // Some systems put the rename on disk before the bytes: the old file must not go that way.
-    if (done && m_replaces && ::fsync(m_handle) != 0)
+    if (done && m_replaces && !reachesDisk(m_handle))
         done = fail(errno);
     if (done && ::close(std::exchange(m_handle, -1)) != 0)
         done = fail(errno);
