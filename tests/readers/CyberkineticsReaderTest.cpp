@@ -30,7 +30,7 @@ TEST_F(Blackrock, BlocksAreSegmentsWithTheClockOfTheirStamps) {
     ASSERT_EQ(reader.sampleTimeCount(), 2);
     EXPECT_DOUBLE_EQ(reader.getClockTime(0.0), start + 0.1);
     EXPECT_DOUBLE_EQ(reader.getClockTime(0.05), start + 0.3);
-    holds(rampOf);
+    holds(ramp);
     EXPECT_STREQ(reader.channelName(0), "RAMY1");
     EXPECT_STREQ(reader.patientRec()->testDate, "2014.03.26");
     EXPECT_STREQ(reader.patientRec()->comments1, "left arm"); // without the stray bytes
@@ -95,7 +95,7 @@ TEST_F(Blackrock, SamplesOfANetworkClockFormRuns) {
     EXPECT_EQ(reader.sampleCount(), 200);
     EXPECT_EQ(reader.sampleTimeCount(), 2);
     EXPECT_NEAR(reader.getClockTime(0.06), start + 2.067, 1e-5);
-    holds(rampOf);
+    holds(ramp);
     EXPECT_FALSE(opens(file.block(9'000'000'000, 7)));
     EXPECT_EQ(reader.getLastError(), 3);
 }

@@ -83,7 +83,7 @@ TEST_F(NihonKohden, BlocksOfAllControlBlocksAreSegments) {
     EXPECT_EQ(reader.getClockTime(0.0), 86390.0);
     EXPECT_EQ(reader.getClockTime(2.0), 86410.0);
     EXPECT_EQ(reader.getClockTime(3.5), 86400 + 43200 + 0.5);
-    holds(rampOf);
+    holds(ramp);
     EXPECT_STREQ(reader.patientRec()->testDate, "1999.12.31");
     EXPECT_STREQ(reader.patientRec()->testTime, "23:59:50");
     EXPECT_THAT(findings(), tells("2 control blocks"));

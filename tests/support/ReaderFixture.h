@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <initializer_list>
@@ -72,13 +73,13 @@ class ReaderFixture : public testing::Test {
         const char* finding; ///< a part of one; empty: there is none
         int anchors = 0;     ///< 0: not looked at
     };
-    /// Each opens and holds ramps in all channels.
+    /// Each opens and holds `ramp` in all channels.
     void reads(std::initializer_list<Reading> cases) {
         for (const Reading& c : cases) {
             SCOPED_TRACE(std::to_string(&c - cases.begin()) + " " + c.finding);
             ASSERT_TRUE(opens(c.bytes)) << reader.lastErrorText();
             ASSERT_EQ(reader.sampleCount(), c.samples);
-            holds(rampOf);
+            holds(ramp);
             if (*c.finding)
                 EXPECT_THAT(findings(), tells(c.finding));
             else
@@ -98,7 +99,9 @@ class ReaderFixture : public testing::Test {
             ASSERT_EQ(rawOf(reader, c, 0, reader.sampleCount() - 1), expected) << c;
         }
     }
-    static std::int32_t rampOf(int channel, long index) { return rampCount(channel, index); }
+    std::function<std::int32_t(int channel, long index)> ramp = [](int channel, long index) {
+        return rampCount(channel, index);
+    };
 
     TempDir dir;
     Reader reader;
