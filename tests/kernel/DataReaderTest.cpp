@@ -1,6 +1,5 @@
 #include "kvsig/kernel/DataReader.h"
 
-#include "kvsig/util/Text.h"
 #include "support/FakeReader.h"
 #include "support/LogCapture.h"
 
@@ -21,7 +20,6 @@ using test::FakeReader;
 using test::FakeRecording;
 using test::LogCapture;
 using testing::ElementsAre;
-using testing::HasSubstr;
 
 FakeRecording withChannels(std::vector<FakeChannel> channels) {
     FakeRecording recording;
@@ -105,102 +103,64 @@ std::string factsOf(DataReader& reader, int channel) {
     return out.str();
 }
 
-FakeChannel temperature() {
-    FakeChannel channel{"Temp", "", 0.5, -3.0};
-    channel.name = "Rectal temperature";
-    channel.units = "degC";
-    channel.type = std::int16_t{100};
-    channel.physioLow = 30.5;
-    channel.physioHigh = 42.0;
-    channel.digitalLow = -32768;
-    channel.digitalHigh = 32767;
-    return channel;
-}
+const FakeChannel temperature{
+    "Temp", "",   0.5,    -3.0, "Rectal temperature", "degC", std::int16_t{100},
+    30.5,   42.0, -32768, 32767};
 
 TEST(DataReader, ChannelFactsAreTheFilesOrTheDefaults) {
-    FakeReader reader(withChannels({{"C3", "A2"}, temperature()}));
+    FakeReader reader(withChannels({{"C3", "A2"}, temperature}));
     ASSERT_TRUE(reader.open("a"));
     EXPECT_EQ(factsOf(reader, 0), "C3-A2|C3|A2|1|0|uV|1|0|-1|1|-2048|2048|0");
     EXPECT_EQ(factsOf(reader, 1),
               "Rectal temperature|Temp||100|0|degC|0.5|-3|30.5|42|-32768|32767|0");
 }
 
-TEST(DataReader, GettersOutOfRangeAnswerNothing) {
+TEST(DataReader, ChannelsAreThoseOfTableAndCount) {
     const std::string nothing = "|||0|0||0|0|0|0|0|0|0";
-    FakeReader reader(withChannels({temperature(), temperature()}));
+    FakeReader reader(withChannels({temperature, temperature}));
     EXPECT_EQ(factsOf(reader, 0), nothing) << "not open";
     ASSERT_TRUE(reader.open("a"));
-    reader.setGridNamesAsNumbers(true);
-    for (int channel : {-1, 2, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
-        EXPECT_EQ(factsOf(reader, channel), nothing) << channel;
-        reader.setZeroChannel(channel, true);
-    }
+    EXPECT_EQ(factsOf(reader, 2), nothing);
     reader.setChannelCount(1);
     EXPECT_EQ(factsOf(reader, 1), nothing) << "in the table, past the count";
     reader.setChannelCount(3);
     EXPECT_EQ(factsOf(reader, 2), nothing) << "in the count, past the table";
+    reader.setZeroChannel(2, true);
     reader.setChannelCount(100000);
     EXPECT_EQ(reader.channelCount(), 32767);
     reader.setChannelCount(-5);
     EXPECT_EQ(factsOf(reader, 0), nothing);
 }
 
-TEST(DataReader, ZeroChannelIsAFlagOfTheHost) {
-    FakeReader reader;
-    ASSERT_TRUE(reader.open("a"));
-    reader.setZeroChannel(1, true);
-    float value = 0;
-    reader.getData(1, 5, 5, &value, 1.0, 0);
-    EXPECT_EQ(value, static_cast<float>(reader.rawAt(1, 5))) << "reading does not look at it";
-}
-
-TEST(DataReader, NamesAreCutToTheirFields) {
+TEST(DataReader, NamesAreCutToTheirFieldsAndGiveWayToNumbers) {
     FakeChannel channel{std::string(20, 'g'), std::string(16, 'r')};
     channel.units = std::string(30, 'u');
-    FakeReader reader(withChannels({channel}));
+    FakeReader reader(withChannels({channel, {"Fp1"}}));
     ASSERT_TRUE(reader.open("a"));
-    EXPECT_EQ(reader.grid1(0), std::string(15, 'g'));
-    EXPECT_EQ(reader.grid2(0), std::string(15, 'r'));
-    EXPECT_EQ(reader.channelUnits(0), std::string(15, 'u'));
-    EXPECT_EQ(reader.channelName(0), std::string(20, 'g') + "-" + std::string(10, 'r'));
-}
-
-TEST(DataReader, GridNamesAsNumbersReplaceTheTexts) {
-    FakeReader reader;
-    ASSERT_TRUE(reader.open("a"));
+    const std::string name = std::string(20, 'g') + "-" + std::string(10, 'r');
+    const std::string cut = "|" + std::string(15, 'g') + "|" + std::string(15, 'r') + "|1|0|" +
+                            std::string(15, 'u') + "|";
+    EXPECT_THAT(factsOf(reader, 0), testing::StartsWith(name + cut));
     reader.setGridNamesAsNumbers(true);
-    EXPECT_STREQ(reader.grid1(1), "2");
-    EXPECT_STREQ(reader.channelName(2), "3-3");
-    EXPECT_EQ(reader.indexOfG1("3"), 2);
-    EXPECT_EQ(reader.indexOfG1("Fp1"), -1);
+    EXPECT_STREQ(reader.channelName(1), "2-2");
     reader.setGridNamesAsNumbers(false);
-    EXPECT_STREQ(reader.channelName(2), "Cz-Ref") << "the texts are kept";
-}
-
-TEST(DataReader, GridsAreFoundByNameWithoutCase) {
-    FakeReader reader(withChannels({{"C3", "A2"}, {"c3", "A1"}, {"Cz", "a1"}}));
-    ASSERT_TRUE(reader.open("a"));
-    EXPECT_EQ(reader.indexOfG1("cZ"), 2);
-    EXPECT_EQ(reader.indexOfG2("a1"), 1) << "the first of several";
-    EXPECT_EQ(reader.indexOfG1("C"), -1);
-    EXPECT_EQ(reader.indexOfG1(nullptr), -1);
+    EXPECT_STREQ(reader.channelName(1), "Fp1-Ref") << "the texts are kept";
 }
 
 TEST(DataReader, ScalpChannelsDecideWhetherTheMapIsReferential) {
-    struct Case {
+    const struct {
         const char* what;
         std::vector<FakeChannel> channels;
         int referential;
         const char* reference;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"one reference", {{"Fp1", "A1"}, {"fp2", "a1"}}, 1, "A1"},
         {"two references", {{"Fp1", "A1"}, {"Fp2", "A2"}}, 0, ""},
         {"off the scalp nothing counts", {{"EKG", "X"}, {"Fp1", "A1"}, {"EMG", "Y"}}, 1, "A1"},
         {"no scalp channel", {{"EKG", "X"}, {"EMG", "Y"}}, 1, "Ref"},
         {"a missing one differs", {{"Fp1", "A1"}, {"Fp2", ""}}, 0, ""},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         FakeReader reader(withChannels(c.channels));
         ASSERT_TRUE(reader.open("a"));
         EXPECT_EQ(reader.isMapReferential(), c.referential) << c.what;
@@ -223,24 +183,20 @@ TEST(DataReader, OnlyNamesOfTheFinerSystemSetTheirFlag) {
         EXPECT_FALSE(isFiner(name)) << name;
 }
 
-TEST(DataReader, ReopeningShowsTheOtherRecording) {
+TEST(DataReader, ReopeningDropsThePagesOfTheOtherRecording) {
     FakeReader reader;
     ASSERT_TRUE(reader.open("a"));
     float value = 0;
     reader.getData(2, 60, 60, &value, 1.0, 0);
-    reader.file.channels = {{"O1", "A1"}, {"O2", "A1"}, {"Pz", "A1"}};
     reader.file.raw = [](int, long) { return 77; };
-    reader.file.samples = 200;
     LogCapture log;
     ASSERT_TRUE(reader.open("b"));
     EXPECT_THAT(log.take(), ElementsAre("DataReader: Removing all 1 pages"));
-    EXPECT_STREQ(reader.channelName(2), "Pz-A1");
-    EXPECT_EQ(reader.sampleCount(), 200);
     reader.getData(2, 60, 60, &value, 1.0, 0);
-    EXPECT_EQ(value, 77.0F) << "no sample of the recording before";
+    EXPECT_EQ(value, 77.0F);
 }
 
-TEST(DataReader, DurationNeedsSamplesAndARate) {
+TEST(DataReader, DurationNeedsARate) {
     FakeReader reader;
     ASSERT_TRUE(reader.open("a"));
     EXPECT_EQ(reader.duration(), 100.0);
@@ -249,32 +205,53 @@ TEST(DataReader, DurationNeedsSamplesAndARate) {
         reader.setSamplingRate(rate);
         EXPECT_EQ(reader.duration(), 0.0) << rate;
     }
-    reader.setSamplingRate(10.0);
-    reader.setSamples(0);
-    EXPECT_EQ(reader.duration(), 0.0);
-    EXPECT_EQ(reader.maxDataIndex(), -1);
     reader.setMaxDataIndex(std::numeric_limits<long>::max());
     EXPECT_EQ(reader.sampleCount(), 2147483648L) << "indices are held at 32 bits";
 }
 
-class LaggingReader : public FakeReader {
-  public:
-    bool hasSampleLag() override { return true; }
-    long getSampleLag() override { return m_lag; }
-    void setSampleLag(long lag) override { m_lag = lag; }
-    bool writeAttributeFile(std::ostream& stream) override {
-        writeText(stream, "attributes");
-        return true;
-    }
+// The names change by every way that there is; an index of the old ones would answer wrongly.
+TEST(DataReader, NamesOfManyChannelsFollowTheirChanges) {
+    class RenamingReader : public FakeReader {
+      public:
+        using FakeReader::FakeReader;
+        const char* grid1(int channel) override { return channel == 150 ? "Own" : ""; }
+    };
+    FakeRecording file = withChannels({});
+    for (int i = 0; i < 200; ++i)
+        file.channels.push_back({"E" + std::to_string(i % 150)});
+    FakeReader reader(file);
+    ASSERT_TRUE(reader.open("many"));
+    EXPECT_EQ(reader.indexOfG1("e140"), 140);
+    EXPECT_EQ(reader.indexOfG1("E10"), 10) << "the first of two";
+    for (const char* none : {"E150", static_cast<const char*>(nullptr)})
+        EXPECT_EQ(reader.indexOfG1(none), -1);
+    EXPECT_EQ(reader.indexOfG2("rEF"), 0);
+    std::istringstream map("[M]\nCz-Ref=141\nE140-Ref=3\n");
+    ASSERT_TRUE(reader.applyChannelMapDefn("M", map));
+    EXPECT_EQ(reader.indexOfG1("E140"), 2);
+    EXPECT_EQ(reader.indexOfG1("cz"), 140);
+    reader.setGridNamesAsNumbers(true);
+    EXPECT_EQ(reader.indexOfG1("cz"), -1);
+    EXPECT_EQ(reader.indexOfG1("141"), 140);
+    reader.setGridNamesAsNumbers(false);
+    ASSERT_TRUE(reader.applyChannelMapDefn("(Default)", map));
+    EXPECT_EQ(reader.indexOfG1("cz"), -1);
+    EXPECT_EQ(reader.indexOfG1("E140"), 140);
+    reader.setChannelCount(100);
+    EXPECT_EQ(reader.indexOfG1("E140"), -1);
+    EXPECT_EQ(reader.indexOfG1("E99"), 99);
 
-  private:
-    long m_lag = 4;
-};
+    RenamingReader renaming(file); // a format with names of its own is asked
+    ASSERT_TRUE(renaming.open("many"));
+    EXPECT_EQ(renaming.indexOfG1("own"), 150);
+    EXPECT_EQ(renaming.indexOfG1("E140"), -1);
+}
 
 std::uintptr_t addressOf(const void* object) { return reinterpret_cast<std::uintptr_t>(object); }
 
 TEST(DataReader, ItemsAreReadAndSetByNumber) {
-    LaggingReader reader;
+    FakeReader reader;
+    reader.lag = 4;
     reader.file.channels[1].dcOffset = -12.5;
     ASSERT_TRUE(reader.open("a"));
     EXPECT_EQ(reader.getItem(1, 0, 0), 1);
@@ -288,24 +265,18 @@ TEST(DataReader, ItemsAreReadAndSetByNumber) {
 
     std::ostringstream stream;
     reader.setItem(2, 0, 0, 9);
-    EXPECT_EQ(reader.getSampleLag(), 9);
-    reader.setItem(3, 0, 0, addressOf("x;y"));
+    EXPECT_EQ(reader.lag, 9);
+    const std::string longest(300, 'p');
+    const std::string paths = ";/a b;;C:\\x;" + longest;
+    reader.setItem(3, 0, 0, addressOf(paths.c_str()));
     reader.setItem(1000, 0, 0, addressOf(static_cast<std::ostream*>(&stream)));
-    EXPECT_EQ(stream.str(), "attributes");
+    EXPECT_THAT(stream.str(), testing::StartsWith("[FileInfo]\nFile=a\n"));
     for (int item : {3, 1000}) // no text, no stream: ignored
         reader.setItem(item, 0, 0, 0);
-    EXPECT_EQ(reader.getPaths().size(), 2U);
-}
-
-TEST(DataReader, PathsAreSplitAtSemicolonsAndCut) {
-    FakeReader reader;
-    const std::string longest(300, 'p');
-    reader.setPaths((";/a b;;C:\\x;" + longest).c_str());
-    const std::vector<PathInfo> paths = reader.getPaths();
-    ASSERT_EQ(paths.size(), 3U);
-    EXPECT_STREQ(paths[0].path, "/a b");
-    EXPECT_STREQ(paths[1].path, "C:\\x");
-    EXPECT_EQ(paths[2].path, longest.substr(0, 260));
+    ASSERT_EQ(reader.getPaths().size(), 3U);
+    EXPECT_STREQ(reader.getPaths()[0].path, "/a b");
+    EXPECT_STREQ(reader.getPaths()[1].path, "C:\\x");
+    EXPECT_EQ(reader.getPaths()[2].path, longest.substr(0, 260));
     reader.setPaths(nullptr);
     EXPECT_TRUE(reader.getPaths().empty());
 }
@@ -321,45 +292,20 @@ TEST(DataReader, TestInfoSummarisesTheRecording) {
                             "SamplingRate: 0.5\nMultiFile:\tNo\n");
 }
 
-class MontageReader : public FakeReader {
-  public:
-    int montageCount() override { return 2; }
-    const char* montageName(int index) override { return index == 0 ? "Long" : "Trans"; }
-};
-
-TEST(DataReader, MontagesOfTheFileAreFoundByNameWithoutCase) {
-    MontageReader reader;
-    EXPECT_EQ(reader.montageIndex("TRANS"), 1);
-    EXPECT_EQ(reader.montageIndex("Tran"), -1);
-    EXPECT_EQ(reader.montageIndex(nullptr), -1);
-    for (int outside : {-1, 2})
-        EXPECT_STREQ(reader.builtinChannelMapName(outside), "");
-}
-
-TEST(DataReader, InterfacesAreAnsweredByIdentifier) {
-    FakeReader reader;
-    reader.AddRef(); // the stack's own
-    void* object = nullptr;
-    EXPECT_EQ(reader.QueryInterface(IID_IUnknown, &object), S_OK);
-    EXPECT_EQ(object, static_cast<IUnknown*>(&reader));
-    GUID other = IID_IDataReader;
-    other.Data4[7] = 0x44;
-    int untouched = 0;
-    object = &untouched;
-    EXPECT_EQ(reader.QueryInterface(other, &object), static_cast<HRESULT>(0x80004002U));
-    EXPECT_EQ(object, &untouched);
-    EXPECT_EQ(reader.QueryInterface(IID_IUnknown, nullptr), E_NOINTERFACE);
-}
-
-TEST(DataReader, TheLastReleaseDestroys) {
+TEST(DataReader, InterfacesAreAnsweredByIdentifierAndTheLastReleaseDestroys) {
     bool destroyed = false;
     auto* reader = new FakeReader;
     reader->destroyed = &destroyed;
     EXPECT_EQ(reader->Release(), 0U) << "never handed out";
-    EXPECT_FALSE(destroyed);
     EXPECT_EQ(reader->AddRef(), 0U);
-    void* object = nullptr;
-    ASSERT_EQ(reader->QueryInterface(IID_IDataReader, &object), S_OK);
+    GUID other = IID_IDataReader;
+    other.Data4[7] = 0x44;
+    void* object = &other;
+    EXPECT_EQ(reader->QueryInterface(other, &object), static_cast<HRESULT>(0x80004002U));
+    EXPECT_EQ(object, &other) << "untouched";
+    EXPECT_EQ(reader->QueryInterface(IID_IUnknown, nullptr), E_NOINTERFACE);
+    ASSERT_EQ(reader->QueryInterface(IID_IUnknown, &object), S_OK);
+    EXPECT_EQ(object, static_cast<IUnknown*>(reader));
     EXPECT_EQ(reader->Release(), 0U);
     EXPECT_FALSE(destroyed);
     LogCapture log;

@@ -165,25 +165,21 @@ TEST_F(PageCache, OnlyAFullPageInsideTheRecordingIsComplete) {
 TEST_F(PageCache, FlushingDropsAllPagesOrAnIncompleteLastOne) {
     touch({0, 1});
     reader.flushPages(true);
-    EXPECT_THAT(log.take(), IsEmpty());
     EXPECT_THAT(touch({0, 1}), IsEmpty()) << "a complete last page is kept";
     reader.flushPages(false);
     reader.flushPages(false);
     EXPECT_THAT(log.take(), ElementsAre("DataReader: Removing all 2 pages",
                                         "DataReader: Removing all 0 pages"));
     reader.flushPages(true);
-}
-
-TEST_F(PageCache, AGrowingRecordingShowsItsNewSamplesAfterAFlush) {
     reader.setSamples(70);
     EXPECT_EQ(sample(1, 69), static_cast<float>(reader.rawAt(1, 69)));
     reader.setSamples(90);
     EXPECT_EQ(sample(1, 80), 0.0F) << "the page as it was read";
     log.take();
     reader.flushPages(true);
-    EXPECT_THAT(log.take(), ElementsAre("DataReader: Removing incomplete page 50-99"));
     EXPECT_EQ(sample(1, 80), static_cast<float>(reader.rawAt(1, 80)));
-    EXPECT_THAT(log.take(), ElementsAre("DataReader: Read 40 samples at 50, incomplete page"));
+    EXPECT_THAT(log.take(), ElementsAre("DataReader: Removing incomplete page 50-99",
+                                        "DataReader: Read 40 samples at 50, incomplete page"));
 }
 
 // Chunks that fill more than the step to the next one overlap it; the last one overhangs the page.
@@ -200,10 +196,7 @@ TEST_F(PageCache, AChunkLargerThanItsPartFits) {
 
 TEST_F(PageCache, LyingCountsAreNotBelieved) {
     reader.file.claim = [](long, int) { return std::numeric_limits<int>::max(); };
-    for (long i = 40; i < 60; ++i)
-        EXPECT_EQ(sample(1, i), static_cast<float>(reader.rawAt(1, i)));
-    EXPECT_THAT(log.take(), ElementsAre("DataReader: Read 50 samples at 0, complete page",
-                                        "DataReader: Read 50 samples at 50, complete page"));
+    EXPECT_THAT(touch({0, 1}), ElementsAre(0, 1));
     reader.file.claim = [](long, int) { return std::numeric_limits<int>::min(); };
     EXPECT_EQ(sample(1, 100), 0.0F);
     reader.file.chunks = FakeChunks::byByte;
@@ -232,18 +225,6 @@ TEST_F(PageCache, AnotherLayoutDropsThePagesAnotherDurationDoesNot) {
     changesDrop("chunk size");
 }
 
-// Pages of both lengths lie in the cache at once and overlap.
-TEST_F(PageCache, PagesOfSeveralDurationsAnswerAlike) {
-    reader.setMaxPages(4);
-    const double durations[] = {5.0, 2.0, 13.0, 1.0, 40.0};
-    for (long step = 0; step < 3000; ++step) {
-        if (step % 3 == 0)
-            reader.setPageDuration(durations[step / 3 % 5]);
-        const long index = (step * 7919) % 2000;
-        ASSERT_EQ(sample(2, index), static_cast<float>(reader.rawAt(2, index))) << index;
-    }
-}
-
 TEST_F(PageCache, PagesThatMemoryCannotHoldReadAsZeros) {
     // 178956980 samples of 6 bytes are 56 bytes over 2^30.
     reader.setPageDuration(17895698.0);
@@ -260,14 +241,11 @@ TEST_F(PageCache, PagesThatMemoryCannotHoldReadAsZeros) {
 }
 
 TEST_F(PageCache, PagePointsAreWholeChunks) {
-    struct Case {
+    const struct {
         double rate, seconds;
         int points;
-    };
-    const Case cases[] = {
-        {256.0, 5.0, 1280},
-        {256.0, 0.5, 256},
-        {256.0, 0.0, 256},
+    } cases[] = {
+        {256.0, 0.5, 256}, // no less than a chunk
         {199.8, 5.0, 995}, // 999 / 199
         {0.1, 5.0, 1},
         {-10.0, 5.0, 1},
@@ -276,7 +254,7 @@ TEST_F(PageCache, PagePointsAreWholeChunks) {
         {1000.0, 1e12, 2147483000},
         {infinity, 5.0, 2147483647},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         reader.setSamplingRate(c.rate);
         reader.setPageDuration(c.seconds);
         EXPECT_EQ(reader.getPagePts(), c.points) << c.rate << " Hz, " << c.seconds << " s";
@@ -285,6 +263,15 @@ TEST_F(PageCache, PagePointsAreWholeChunks) {
     reader.setSamplingRate(256.0);
     reader.setPageDuration(5.0);
     EXPECT_EQ(reader.getPagePts(), 1280) << "a chunk below 1 counts as 1";
+}
+
+TEST(PageBuffer, MoreThanAPageMayTakeIsRefused) {
+    PageBuffer buffer;
+    ASSERT_TRUE(buffer.reserve(10));
+    EXPECT_FALSE(buffer.reserve(maxPageBytes + 1));
+    EXPECT_EQ(buffer.capacity(), 0);
+    EXPECT_EQ(buffer.data(), nullptr);
+    EXPECT_TRUE(buffer.reserve(10)) << "usable again";
 }
 
 } // namespace

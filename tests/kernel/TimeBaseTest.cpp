@@ -1,11 +1,8 @@
 #include "kvsig/kernel/TimeBase.h"
 
-#include "support/FakeReader.h"
-
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
-#include <vector>
 
 namespace kvsig {
 namespace {
@@ -25,9 +22,7 @@ TEST(TimeBase, AClockThatRunsBackwardsHasPassedMidnight) {
     EXPECT_EQ(addTo(base, 1000, 60.0), 86460.0);
     EXPECT_EQ(addTo(base, 2000, 86460.0), 86460.0) << "not earlier, not moved";
     EXPECT_EQ(addTo(base, 3000, 30.0), 2 * 86400.0 + 30.0);
-    ASSERT_EQ(base.anchors().size(), 4U);
-    EXPECT_EQ(base.anchors()[1].sample, 1000);
-    EXPECT_EQ(base.anchors()[1].time, 86460.0);
+    EXPECT_EQ(base.anchors().size(), 4U);
 }
 
 TEST(TimeBase, AnchorsThatDoNotAdvanceAreDropped) {
@@ -71,17 +66,13 @@ class TimeBaseWithGap : public testing::Test {
     double elapsed(double clockTime) const { return base.elapsedTime(clockTime, 100.0); }
 };
 
-TEST_F(TimeBaseWithGap, ElapsedTimeBecomesClockTimeByTheLastAnchorBelow) {
+TEST_F(TimeBaseWithGap, TheLastAnchorBelowCountsAndInsideTheGapTheNext) {
     EXPECT_EQ(clock(0.0), 28800.0);
     EXPECT_EQ(clock(9.5), 28809.5);
     EXPECT_EQ(clock(10.0), 28870.0);
     EXPECT_EQ(clock(25.0), 28885.0) << "the last segment goes on";
     EXPECT_EQ(clock(-1.0), 28799.0) << "the first one reaches back";
-}
-
-TEST_F(TimeBaseWithGap, ClockTimeInsideTheGapIsTheNextSegmentsStart) {
     EXPECT_EQ(elapsed(28805.0), 5.0);
-    EXPECT_EQ(elapsed(28810.0), 10.0);
     EXPECT_EQ(elapsed(28810.1), 10.0);
     EXPECT_EQ(elapsed(28870.0), 10.0);
     EXPECT_EQ(elapsed(28872.5), 12.5);
@@ -98,33 +89,14 @@ TEST_F(TimeBaseWithGap, RatesThatAreNoRatesGiveTheArgumentBack) {
     EXPECT_EQ(TimeBase().elapsedTime(7.5, 100.0), 7.5) << "no anchors";
 }
 
-// An anchor need not stand at sample 0: 256 Hz, sample 512 at 100 s puts sample 0 at 98 s.
 TEST(TimeBase, TimesBeforeALateFirstAnchorCountBackFromIt) {
     TimeBase base;
-    addTo(base, 512, 100.0);
+    addTo(base, 512, 100.0); // 256 Hz: sample 0 is at 98 s
     EXPECT_EQ(base.clockTime(0.0, 256.0), 98.0);
     EXPECT_EQ(base.elapsedTime(98.0, 256.0), 0.0);
-}
-
-// A clock that was set back by the length of the pause: of two segments the later one holds.
-TEST(TimeBase, OfEqualTimesTheLaterAnchorCounts) {
-    TimeBase base;
-    addTo(base, 0, 100.0);
-    addTo(base, 1000, 100.0);
-    EXPECT_EQ(base.elapsedTime(100.0, 100.0), 10.0);
-}
-
-TEST(TimeBase, AReaderHandsItsAnchorsOut) {
-    test::FakeReader reader;
-    reader.file.anchors = {{0, 3600.0}, {100, 3700.0}};
-    ASSERT_TRUE(reader.open("a"));
-    ASSERT_EQ(reader.sampleTimeCount(), 2);
-    EXPECT_EQ(reader.getClockTime(12.0), 3702.0) << "10 Hz: 2 s after sample 100";
-    EXPECT_EQ(reader.getElapsedTime(3650.0), 10.0);
-    SampleTime anchor{-7, -7.0};
-    reader.getSampleTime(-1, anchor);
-    reader.getSampleTime(2, anchor);
-    EXPECT_EQ(anchor.sample, -7) << "out of range, left alone";
+    // A clock that was set back by the length of the pause: of two segments the later one holds.
+    addTo(base, 1024, 100.0);
+    EXPECT_EQ(base.elapsedTime(100.0, 256.0), 4.0);
 }
 
 } // namespace

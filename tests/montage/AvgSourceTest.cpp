@@ -4,7 +4,6 @@
 #include "support/FakeReader.h"
 
 #include <gtest/gtest.h>
-#include <string>
 
 namespace kvsig {
 namespace {
@@ -30,36 +29,26 @@ class AvgSourceTest : public testing::Test {
     test::FakeReader reader;
 };
 
-TEST_F(AvgSourceTest, IsThePlainAverageAtFirst) {
-    AvgSource source(reader, {0, 2, 3});
-    EXPECT_EQ(source.getAvgChannels(), (Channels{0, 2, 3}));
-    EXPECT_EQ(source.getWeights(), Weights(3, 1.0 / 3.0));
+TEST_F(AvgSourceTest, SumsWithItsWeightsAtFirstThePlainAverage) {
     AvgSource four(reader, {0, 1, 2, 3});
     four.setAvgChannels({0, 2, 2, 3}); // (100 + 300 + 300 + 400) / 4 + i
     EXPECT_EQ(read(four, 48, 51, 2.0), (Samples{646, 648, 650, 652})) << "across two pages";
     EXPECT_EQ(definition(four), "F3+C3+C3+C4");
-}
 
-TEST_F(AvgSourceTest, SumsWithItsWeights) {
     AvgSource source(reader, {0, 2});
-    read(source, 10, 11);
-    source.setWeights({0.5, -1.0}); // 50 + i / 2 - 300 - i
-    EXPECT_EQ(read(source, 10, 11), (Samples{-255, -255.5F}));
-    EXPECT_EQ(definition(source), "F3:0.500+C3:-1.000");
-    source.setAvgChannels({3, 2});
-    EXPECT_EQ(read(source, 10, 10), (Samples{205 - 310}));
-}
-
-TEST_F(AvgSourceTest, AMissingWeightCountsAsZero) {
-    AvgSource source(reader, {0, 2});
-    source.setWeights({1.0});
-    EXPECT_EQ(read(source, 5, 6), (Samples{105, 106}));
-    EXPECT_EQ(definition(source), "F3:1.000+C3:0.000");
-    source.setWeights({0.5, 0.5, 9.0});
-    EXPECT_EQ(read(source, 5, 6), (Samples{205, 206})) << "one too many is not looked at";
-    EXPECT_EQ(definition(source), "F3+C3");
-    source.setWeights({});
-    EXPECT_EQ(read(source, 5, 6), (Samples{0, 0}));
+    const struct {
+        Weights weights;
+        Samples samples;
+        const char* defn;
+    } cases[] = {{{0.5, -1.0}, {-255, -255.5F}, "F3:0.500+C3:-1.000"}, // 50 + i / 2 - 300 - i
+                 {{1.0}, {110, 111}, "F3:1.000+C3:0.000"},             // a missing one is zero
+                 {{0.5, 0.5, 9.0}, {210, 211}, "F3+C3"}, // one too many is not looked at
+                 {{}, {0, 0}, "F3:0.000+C3:0.000"}};
+    for (const auto& expected : cases) {
+        source.setWeights(expected.weights);
+        EXPECT_EQ(read(source, 10, 11), expected.samples);
+        EXPECT_EQ(definition(source), expected.defn);
+    }
 }
 
 TEST_F(AvgSourceTest, EqualWeightsThatAddUpToAboutOneAreNotWritten) {
@@ -88,17 +77,6 @@ TEST_F(AvgSourceTest, WithoutChannelsThereIsNothing) {
     }
 }
 
-TEST_F(AvgSourceTest, IsNamedByItsChannelsUntilItHasAName) {
-    AvgSource source(reader, {1, 3});
-    EXPECT_STREQ(source.name(), "F4C4");
-    EXPECT_EQ(source.type(), 100) << "the first channel's";
-    source.setName("Av2");
-    EXPECT_STREQ(source.name(), "Av2");
-    EXPECT_EQ(definition(source), "F4+C4");
-    source.setName(nullptr);
-    EXPECT_STREQ(source.grid1(), "F4C4");
-}
-
 TEST_F(AvgSourceTest, ADefinitionIsCutToItsBuffer) {
     AvgSource source(reader, Channels(3000, 0));
     EXPECT_EQ(definition(source).size(), std::size_t{DataSource::definitionSize - 1});
@@ -109,11 +87,11 @@ TEST_F(AvgSourceTest, AttributesAreSettingsChannelsAndWeights) {
     AvgSource source(reader, {0, 1});
     source.setWeights({0.25, 0.75});
     source.setName("mine");
+    EXPECT_STREQ(source.grid1(), "mine");
     AvgSource other(reader, {2});
     read(other, 0, 9);
     other.copyAttributes(source);
-    EXPECT_EQ(other.getAvgChannels(), (Channels{0, 1}));
-    EXPECT_EQ(other.getWeights(), (Weights{0.25, 0.75}));
+    EXPECT_EQ(definition(other), "F3:0.250+F4:0.750");
     EXPECT_STREQ(other.name(), "F3F4");
     EXPECT_EQ(other.cache()->length(), 0) << "samples of the other channels are of no use";
 }

@@ -51,6 +51,12 @@ class TestMontage : public SourceMontage {
             if (!createSource(defn))
                 throw std::runtime_error(std::string("not resolved: ") + defn);
     }
+    void setFilters(FilterAttr highPass, FilterAttr lowPass = {}, FilterAttr notch = {}) {
+        setHighPass(highPass);
+        setLowPass(lowPass);
+        setNotch(notch);
+        updateFilters();
+    }
     std::vector<std::string> names() {
         std::vector<std::string> all;
         for (int i = 0; i < sourceCount(); ++i)

@@ -12,6 +12,7 @@ namespace kvsig {
 namespace {
 
 using test::oldNames;
+using test::on;
 using test::TestMontage;
 using Rows = std::vector<std::vector<float>>;
 
@@ -41,22 +42,13 @@ class RowsAtOnceTest : public testing::Test {
             montage.add({"Gap1", "F7-Av17|0,0,0,0,0.16,30", "T3|0,0,0,0,0.16,30", "O1-F3F4C3C4",
                          "Cz|0,0,0,0,0.03,(off)", "Gap2", "F3-0.5*F7-0.5*T3", "Fp1", "Fp1-Fp1"});
         });
-        design(1.0, 70.0, 60.0);
+        each([](TestMontage& montage) { montage.setFilters(on(1), on(70), on(60, 1)); });
     }
 
     template <typename Act>
     void each(Act act) {
         act(single);
         act(together);
-    }
-
-    void design(double highPass, double lowPass, double notch) {
-        each([=](TestMontage& montage) {
-            montage.setHighPass({.use = highPass > 0, .cutoff = highPass});
-            montage.setLowPass({.use = lowPass > 0, .cutoff = lowPass});
-            montage.setNotch({.use = notch > 0, .cutoff = notch, .second = 1.0});
-            montage.updateFilters();
-        });
     }
 
     // Both ways give the same bits, and leave the same behind.
@@ -109,24 +101,27 @@ TEST_F(RowsAtOnceTest, AreTheRowsOneByOneBitByBit) {
         expectSame(1000, 1999);
         expectSame(2000, 2999); // the next page
         expectSame(2500, 3499); // a part of it is there
-        expectSame(2500, 3499);
         expectSame(2600, 3400, -0.1);
         expectSame(3300, 3600, 3.0);
         expectSame(4000, 4000);
-        expectSame(4001, 4002);
         expectSame(-300, 700);
         expectSame(-900, -500);
         expectSame(4700, 5400);
-        expectSame(9000, 9100);
     }
 }
 
 TEST_F(RowsAtOnceTest, FollowEveryChangeOfFiltersAndRows) {
-    const double designs[][3] = {{2.0, 30.0, 50.0}, {2.0, 0.0, 0.0},  {0.0, 30.0, 0.0},
-                                 {0.0, 0.0, 50.0},  {2.0, 30.0, 0.0}, {2.0, 0.0, 50.0},
-                                 {0.0, 0.0, 0.0},   {1.0, 150.0, 0.0}};
+    constexpr FilterAttr off;
+    const FilterAttr designs[][3] = {{on(2), on(30), on(50, 1)},
+                                     {on(2), off, off},
+                                     {off, on(30), off},
+                                     {off, off, on(50, 1)},
+                                     {on(2), on(30), off},
+                                     {on(2), off, on(50, 1)},
+                                     {off, off, off},
+                                     {on(1), on(150), off}};
     for (const auto& [highPass, lowPass, notch] : designs) {
-        design(highPass, lowPass, notch);
+        each([&](TestMontage& montage) { montage.setFilters(highPass, lowPass, notch); });
         expectSame(1000, 1999);
         expectSame(1500, 2499);
     }
@@ -172,8 +167,7 @@ TEST(RowsAtOnce, NeedNoMoreMemoryForLongRanges) {
     for (int i = 0; i < 34; ++i)
         montage.add({"Fp1-F7"});
     montage.add({"Gap1"});
-    montage.setHighPass({.use = true, .cutoff = 1.0});
-    montage.updateFilters();
+    montage.setFilters(on(1));
     montage.setUseCache(false);
     std::vector<float> work;
     const auto run = [&](long samples, int from, int to) {
@@ -193,26 +187,20 @@ TEST(RowsAtOnce, NeedNoMoreMemoryForLongRanges) {
     EXPECT_EQ(run(1'100'000, 34, 35).back(), std::vector<float>(1'100'000, 0.0F));
 }
 
-TEST_F(RowsAtOnceTest, LeaveOutRowsWithoutABuffer) {
+TEST_F(RowsAtOnceTest, LeaveOutRowsWithoutABufferAndRefuseWhatTheSingleCallRefuses) {
+    constexpr long most = std::numeric_limits<long>::max();
+    constexpr long least = std::numeric_limits<long>::min();
     std::vector<float*> pointers(static_cast<std::size_t>(together.sourceCount()), nullptr);
     EXPECT_EQ(together.getData(0, 9, pointers.data(), 1.0), 0);
     EXPECT_EQ(together.getData(0, 9, nullptr, 1.0), 0);
     std::vector<float> buffer(10, -7.0F);
     pointers[3] = buffer.data();
-    EXPECT_EQ(together.getData(0, 9, pointers.data(), 1.0), 10);
-    EXPECT_EQ(buffer, test::read(*single.source(3), 0, 9));
-    EXPECT_EQ(together.source(4)->cache()->length(), 0) << "not looked at";
-}
-
-TEST_F(RowsAtOnceTest, RefuseWhatTheSingleCallRefuses) {
-    constexpr long most = std::numeric_limits<long>::max();
-    constexpr long least = std::numeric_limits<long>::min();
-    std::vector<float> buffer(10, -7.0F);
-    std::vector<float*> pointers(static_cast<std::size_t>(together.sourceCount()), nullptr);
-    pointers[3] = buffer.data();
     for (const auto& [first, last] : {std::pair(5L, 4L), {most, least}, {least, most}})
         EXPECT_EQ(together.getData(first, last, pointers.data(), 1.0), 0);
     EXPECT_EQ(buffer, std::vector<float>(10, -7.0F));
+    EXPECT_EQ(together.getData(0, 9, pointers.data(), 1.0), 10);
+    EXPECT_EQ(buffer, test::read(*single.source(3), 0, 9));
+    EXPECT_EQ(together.source(4)->cache()->length(), 0) << "not looked at";
     EXPECT_EQ(together.getData(least, least + 9, pointers.data(), 1.0), 0) << "no room to run in";
     EXPECT_EQ(buffer, std::vector<float>(10, 0.0F));
     EXPECT_EQ(together.getData(most - 9, most, pointers.data(), 1.0),

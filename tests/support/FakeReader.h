@@ -60,6 +60,7 @@ class FakeReader : public DataReader {
     FakeRecording file;
     std::vector<std::string> calls;
     bool* destroyed = nullptr; ///< set by the destructor
+    std::optional<long> lag;   ///< of the samples; a reader has none unless it is set
 
     /// The logged calls that start with `prefix`; the log is empty afterwards.
     std::vector<std::string> takeCalls(const std::string& prefix = "");
@@ -75,6 +76,9 @@ class FakeReader : public DataReader {
     bool getPatientRec() override;
     void setPageDuration(double seconds) override;
     int bytesPerSample() override { return file.sampleBytes; }
+    bool hasSampleLag() override { return lag.has_value(); }
+    long getSampleLag() override { return lag.value_or(0); }
+    void setSampleLag(long samples) override { lag = samples; }
     int chunkPts() override;
     int getSampleChunk(long firstSample, short* buffer) override;
     int getChunk(long bytePos, short* buffer, int bytes) override;

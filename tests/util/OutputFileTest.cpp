@@ -21,37 +21,29 @@ class OutputFileTest : public testing::Test {
 };
 
 TEST_F(OutputFileTest, AppearsOnlyWhenCommitted) {
-    const fs::path path = folder / "new.edf";
-    OutputFile file;
-    ASSERT_TRUE(file.open(path.c_str())) << file.error();
-    EXPECT_TRUE(file.write("header"));
-    EXPECT_FALSE(fs::exists(path));
-    EXPECT_TRUE(file.commit());
-    EXPECT_EQ(dir.read(path.filename().string()), "header");
-    EXPECT_EQ(entries(), 1) << "no temporary stays behind";
-    EXPECT_FALSE(file.write("more")) << "closed";
-    EXPECT_FALSE(file.commit());
-    EXPECT_EQ(dir.read(path.filename().string()), "header");
-}
-
-TEST_F(OutputFileTest, WithoutCommitTheOldFileStaysWhole) {
-    const fs::path path = folder / "old.edf";
-    dir.write("old.edf", "old");
+    const std::string path = dir.write("a.edf", "old");
     {
         OutputFile file;
-        ASSERT_TRUE(file.open(path.c_str()));
+        ASSERT_TRUE(file.open(path.c_str())) << file.error();
         EXPECT_TRUE(file.write(std::string(1 << 20, 'x')));
+        EXPECT_EQ(dir.read("a.edf"), "old");
         EXPECT_EQ(entries(), 2) << "the temporary stands beside the target";
     }
-    EXPECT_EQ(dir.read(path.filename().string()), "old");
-    EXPECT_EQ(entries(), 1);
+    EXPECT_EQ(dir.read("a.edf"), "old");
+    OutputFile file;
+    ASSERT_TRUE(file.open(path.c_str()));
+    EXPECT_TRUE(file.write("header"));
+    EXPECT_TRUE(file.commit());
+    EXPECT_FALSE(file.write("more")) << "closed";
+    EXPECT_FALSE(file.commit());
+    EXPECT_EQ(dir.read("a.edf"), "header");
+    EXPECT_EQ(entries(), 1) << "no temporary stays behind";
 }
 
 TEST_F(OutputFileTest, AppendedAndPlacedBytesKeepTheirPlaces) {
-    const fs::path path = folder / "mixed.bin";
     const std::string large(400'000, 'b');
     OutputFile file;
-    ASSERT_TRUE(file.open(path.c_str()));
+    ASSERT_TRUE(file.open(dir.file("mixed.bin").c_str()));
     EXPECT_TRUE(file.write("aaaa"));
     EXPECT_TRUE(file.writeAt(1, "XY", 2)) << "over bytes that are still buffered";
     EXPECT_TRUE(file.write(large)) << "longer than any buffer";
@@ -59,8 +51,7 @@ TEST_F(OutputFileTest, AppendedAndPlacedBytesKeepTheirPlaces) {
     EXPECT_TRUE(file.writeAt(4 + 400'000 + 3, "end", 3)) << "behind the end";
     EXPECT_TRUE(file.write("d"));
     ASSERT_TRUE(file.commit());
-    EXPECT_EQ(dir.read(path.filename().string()),
-              "aXYa" + large + "cd" + std::string(1, '\0') + "end");
+    EXPECT_EQ(dir.read("mixed.bin"), "aXYa" + large + "cd" + std::string(1, '\0') + "end");
 }
 
 TEST_F(OutputFileTest, KeepsLinksAndPermissions) {
@@ -99,13 +90,6 @@ TEST_F(OutputFileTest, WritesThroughToWhatIsNoRegularFile) {
     EXPECT_TRUE(file.write("gone"));
     EXPECT_TRUE(file.commit());
     EXPECT_FALSE(fs::is_regular_file("/dev/null"));
-
-    if (!fs::exists("/dev/full"))
-        GTEST_SKIP() << "this system has no device that is always full";
-    ASSERT_TRUE(file.open("/dev/full"));
-    EXPECT_TRUE(file.write("buffered"));
-    EXPECT_FALSE(file.commit());
-    EXPECT_EQ(file.error(), "no space left on the disk");
 }
 
 } // namespace

@@ -1,11 +1,14 @@
 #include "kvsig/util/PathText.h"
 
 #include "kvsig/util/Text.h"
+#include "support/InDirectory.h"
 #include "support/TempDir.h"
 
-#include <cstring>
+#include <algorithm>
 #include <filesystem>
+#include <functional>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <string>
 
 namespace kvsig {
@@ -13,40 +16,35 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A buffer of the documented size with a mark behind it that must stay.
-struct PathBuffer {
-    explicit PathBuffer(const std::string& path) {
-        std::memset(bytes, '#', sizeof bytes);
-        copyText(bytes, pathTextSize, path);
-    }
-    std::string text() const {
-        for (std::size_t i = pathTextSize; i < sizeof bytes; ++i)
-            if (bytes[i] != '#')
-                return "written behind the end";
-        return bytes;
-    }
-    char bytes[pathTextSize + 16];
-};
+// What `write` makes of the text in a buffer of the documented size; a mark behind it must stay.
+std::string written(const std::string& before, const std::function<void(char*)>& write) {
+    char buf[pathTextSize + 16];
+    std::fill(std::begin(buf), std::end(buf), '#');
+    copyText(buf, pathTextSize, before);
+    write(buf);
+    EXPECT_EQ(std::count(buf + pathTextSize, std::end(buf), '#'), 16) << "behind the end";
+    return buf;
+}
 
 std::string withExt(const std::string& path, const char* ext) {
-    PathBuffer buf(path);
-    EXPECT_EQ(KrnlChangeExt(buf.bytes, ext), buf.bytes);
-    return buf.text();
+    return written(path, [ext](char* buf) { EXPECT_EQ(KrnlChangeExt(buf, ext), buf); });
 }
 
 std::string withFile(const std::string& path, const char* file) {
-    PathBuffer buf(path);
-    EXPECT_EQ(KrnlChangeFile(buf.bytes, file), buf.bytes);
-    return buf.text();
+    return written(path, [file](char* buf) { EXPECT_EQ(KrnlChangeFile(buf, file), buf); });
+}
+
+std::string currentFolder() {
+    return written("nothing", [](char* buf) { KrnlGetCurDir(0, buf); });
 }
 
 TEST(PathText, TheExtensionIsReplaced) {
-    EXPECT_EQ(withExt("/data/night.edf", "lay"), "/data/night.lay");
-    EXPECT_EQ(withExt("/data/night.edf", ".lay"), "/data/night.lay");
+    for (const char* ext : {"lay", ".lay"})
+        EXPECT_EQ(withExt("/data/night.edf", ext), "/data/night.lay");
     EXPECT_EQ(withExt("a.b/night", "lay"), "a.b/night.lay") << "a dot in a folder's name";
     EXPECT_EQ(withExt("night.1.edf", "lay"), "night.1.lay");
-    EXPECT_EQ(withExt("night.edf", ""), "night");
-    EXPECT_EQ(withExt("night.edf", nullptr), "night");
+    for (const char* none : {"", static_cast<const char*>(nullptr)})
+        EXPECT_EQ(withExt("night.edf", none), "night");
     EXPECT_EQ(withExt("/data/.hidden", "lay"), "/data/.hidden.lay");
     EXPECT_EQ(withExt("/data/..", "lay"), "/data/...lay");
 }
@@ -56,9 +54,9 @@ TEST(PathText, TheFileIsReplaced) {
     EXPECT_EQ(withFile("night.edf", "day"), "day");
     EXPECT_EQ(withFile("/data/", "day.lay"), "/data/day.lay");
     EXPECT_EQ(withFile("/night", nullptr), "/");
-    PathBuffer own("/data/night.edf");
-    KrnlChangeFile(own.bytes, own.bytes + 6);
-    EXPECT_EQ(own.text(), "/data/night.edf") << "the text may lie in the buffer itself";
+    EXPECT_EQ(written("/data/night.edf", [](char* buf) { KrnlChangeFile(buf, buf + 6); }),
+              "/data/night.edf")
+        << "the text may lie in the buffer itself";
 }
 
 TEST(PathText, WhatDoesNotFitBecomesEmpty) {
@@ -69,44 +67,35 @@ TEST(PathText, WhatDoesNotFitBecomesEmpty) {
     EXPECT_EQ(KrnlChangeExt(nullptr, "x"), nullptr);
 }
 
-// Comes back to the folder where the test began.
-class CurrentFolder : public testing::Test {
-  protected:
-    void TearDown() override { fs::current_path(m_start); }
-
-    static std::string current() {
-        PathBuffer buf("nothing written");
-        KrnlGetCurDir(0, buf.bytes);
-        return buf.text();
-    }
-    fs::path m_start = fs::current_path();
-    test::TempDir m_dir;
-};
-
-TEST_F(CurrentFolder, TheFolderOfAPathIsEntered) {
-    const std::string here = fs::canonical(m_dir.path()).string();
-    EXPECT_EQ(KrnlMoveToDir(m_dir.file("night.edf").c_str()), 1);
-    EXPECT_EQ(current(), here);
+TEST(CurrentFolder, TheFolderOfAPathIsEntered) {
+    const test::TempDir dir;
+    const test::InDirectory restored(dir.path());
+    const std::string here = fs::canonical(dir.path()).string();
     fs::create_directory("sub");
-    EXPECT_EQ(KrnlMoveToDir("sub"), 1);
+    const struct {
+        std::string path;
+        int entered;
+        std::string folder;
+    } moves[] = {
+        {"/night.edf", 1, "/"},         {dir.file("night.edf"), 1, here}, {"sub", 1, here},
+        {"missing/night.edf", 0, here}, {"sub/", 1, here + "/sub"},
+    };
+    for (const auto& move : moves) {
+        EXPECT_EQ(KrnlMoveToDir(move.path.c_str()), move.entered) << move.path;
+        EXPECT_EQ(currentFolder(), move.folder) << move.path;
+    }
     EXPECT_EQ(KrnlMoveToDir(nullptr), 1);
-    EXPECT_EQ(current(), here) << "no folder is named";
-    EXPECT_EQ(KrnlMoveToDir("missing/night.edf"), 0);
-    EXPECT_EQ(current(), here);
-    EXPECT_EQ(KrnlMoveToDir("sub/"), 1);
-    EXPECT_EQ(current(), here + "/sub");
-    EXPECT_EQ(KrnlMoveToDir("/night.edf"), 1);
-    EXPECT_EQ(current(), "/");
 }
 
-TEST_F(CurrentFolder, AFolderTooDeepOrGoneIsEmpty) {
-    fs::current_path(m_dir.path());
+TEST(CurrentFolder, AFolderTooDeepOrGoneIsEmpty) {
+    const test::TempDir dir;
     const std::string name(200, 'd');
-    fs::create_directories(name + "/" + name);
-    fs::current_path(name + "/" + name);
-    EXPECT_EQ(current(), "");
-    fs::remove(fs::current_path());
-    EXPECT_EQ(current(), "");
+    const fs::path deep = dir.path() / name / name;
+    fs::create_directories(deep);
+    const test::InDirectory restored(deep);
+    EXPECT_EQ(currentFolder(), "");
+    fs::remove(deep);
+    EXPECT_EQ(currentFolder(), "");
 }
 
 } // namespace

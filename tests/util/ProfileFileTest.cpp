@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 #include <string>
-#include <vector>
 
 namespace kvsig {
 namespace {
@@ -12,9 +11,16 @@ namespace {
 const std::string original = "; head\r\n\r\n[One]\r\nF3=1\r\n; inside\r\nfp1 = 2 \r\nword\r\n\r\n"
                              "; of two\r\n[Two]\r\n[one]\r\nF3=again";
 
-std::string edited(const std::string& text, const std::function<void(ProfileDocument&)>& edit) {
+std::string with(const std::string& text, const char* section, const char* key, const char* value) {
     ProfileDocument document(text);
-    edit(document);
+    EXPECT_TRUE(document.setKey(section, key, value));
+    return document.text();
+}
+
+// A null key stands for the whole section.
+std::string without(const std::string& text, const char* section, const char* key) {
+    ProfileDocument document(text);
+    key ? document.deleteKey(section, key) : document.deleteSection(section);
     return document.text();
 }
 
@@ -24,63 +30,44 @@ std::string replaced(std::string text, const std::string& from, const std::strin
 }
 
 TEST(ProfileDocument, WhatIsNotNamedKeepsItsBytes) {
-    const auto setTo = [](const char* section, const char* key, const char* value) {
-        return edited(original, [=](ProfileDocument& document) {
-            EXPECT_TRUE(document.setKey(section, key, value));
-        });
-    };
-    EXPECT_EQ(edited(original, [](ProfileDocument&) {}), original);
-    EXPECT_EQ(setTo("ONE", "f3", "x = y"), replaced(original, "F3=1", "F3=x = y"));
-    EXPECT_EQ(setTo("one", "Cz", "3"), replaced(original, "word\r\n", "word\r\nCz=3\r\n"));
-    EXPECT_EQ(setTo("two", "Cz", ""), replaced(original, "[Two]\r\n", "[Two]\r\nCz=\r\n"));
-    EXPECT_EQ(setTo("New", "a", "b"), original + "\r\n[New]\r\na=b\r\n");
-    EXPECT_EQ(edited("", [](ProfileDocument& d) { EXPECT_TRUE(d.setKey("N", "a", "b")); }),
-              "[N]\na=b\n");
-    const std::string mark = "\xEF\xBB\xBF";
-    EXPECT_EQ(edited(mark + "[N]\na=b\n",
-                     [](ProfileDocument& d) { EXPECT_TRUE(d.setKey("N", "a", "c")); }),
-              mark + "[N]\na=c\n");
-}
-
-// The end of such a line was completed by a whole line end, so that its section was called "S\r".
-TEST(ProfileDocument, ALastLineThatEndsInACarriageReturnIsCompleted) {
-    const auto set = [](ProfileDocument& document) { EXPECT_TRUE(document.setKey("S", "a", "b")); };
-    EXPECT_EQ(edited("; head\r\n[S]\r", set), "; head\r\n[S]\r\na=b\r\n");
-    EXPECT_EQ(edited("[S\r", set), "[S\r\na=b\n");
+    EXPECT_EQ(ProfileDocument(original).text(), original);
+    EXPECT_EQ(with(original, "ONE", "f3", "x = y"), replaced(original, "F3=1", "F3=x = y"));
+    EXPECT_EQ(with(original, "one", "Cz", "3"), replaced(original, "word\r\n", "word\r\nCz=3\r\n"));
+    EXPECT_EQ(with(original, "two", "Cz", ""), replaced(original, "[Two]\r\n", "[Two]\r\nCz=\r\n"));
+    EXPECT_EQ(with(original, "New", "a", "b"), original + "\r\n[New]\r\na=b\r\n");
+    EXPECT_EQ(with("", "N", "a", "b"), "[N]\na=b\n");
+    EXPECT_EQ(with("\xEF\xBB\xBF[N]\na=b\n", "N", "a", "c"), "\xEF\xBB\xBF[N]\na=c\n");
+    // The end of such a line was completed by a whole line end, so that its section was called
+    // "S\r".
+    EXPECT_EQ(with("; head\r\n[S]\r", "S", "a", "b"), "; head\r\n[S]\r\na=b\r\n");
+    EXPECT_EQ(with("[S\r", "S", "a", "b"), "[S\r\na=b\n");
 }
 
 TEST(ProfileDocument, DeletingLeavesCommentsOfWhatFollows) {
-    const auto without = [](const char* section, const char* key) {
-        return edited(original, [=](ProfileDocument& document) {
-            key ? document.deleteKey(section, key) : document.deleteSection(section);
-        });
-    };
-    EXPECT_EQ(without("oNE", "f3"), replaced(replaced(original, "F3=1\r\n", ""), "F3=again", ""))
+    EXPECT_EQ(without(original, "oNE", "f3"),
+              replaced(replaced(original, "F3=1\r\n", ""), "F3=again", ""))
         << "all of them";
-    EXPECT_EQ(without("one", nullptr), "; head\r\n\r\n\r\n; of two\r\n[Two]\r\n");
-    EXPECT_EQ(without("Two", nullptr), replaced(original, "[Two]\r\n", ""));
+    EXPECT_EQ(without(original, "one", nullptr), "; head\r\n\r\n\r\n; of two\r\n[Two]\r\n");
+    EXPECT_EQ(without(original, "Two", nullptr), replaced(original, "[Two]\r\n", ""));
     for (const char* absent : {"fp1", "; inside", "word", "\"", ""})
-        EXPECT_EQ(without("one", absent), original) << absent;
-    EXPECT_EQ(without("Three", nullptr), original);
+        EXPECT_EQ(without(original, "one", absent), original) << absent;
+    EXPECT_EQ(without(original, "Three", nullptr), original);
 
     std::string many; // minutes, if each took a pass of its own
     for (int i = 0; i < 200000; ++i)
         many += "[s]\nk=1\n";
-    EXPECT_EQ(edited(many, [](ProfileDocument& d) { d.deleteKey("S", "K"); }).size(), 800000U);
-    EXPECT_EQ(edited(many, [](ProfileDocument& d) { d.deleteSection("S"); }), "");
+    EXPECT_EQ(without(many, "S", "K").size(), 800000U);
+    EXPECT_EQ(without(many, "S", nullptr), "");
 }
 
 TEST(ProfileDocument, ASectionIsReplacedInItsPlace) {
     const std::string text = "[a]\nx=1\n[B]\nold=1\n\n; of c\n[c]\n";
-    EXPECT_EQ(edited(text,
-                     [](ProfileDocument& document) {
-                         EXPECT_TRUE(document.setSection("b", {{"k", "1"}, {"K 2", ""}}));
-                     }),
-              "[a]\nx=1\n[B]\nk=1\nK 2=\n\n; of c\n[c]\n");
     ProfileDocument document(text);
     EXPECT_TRUE(document.setSection("new", {{"k", "1"}}));
     document.deleteSection("NEW");
     EXPECT_EQ(document.text(), text) << "nothing gathers";
+    EXPECT_TRUE(document.setSection("b", {{"k", "1"}, {"K 2", ""}}));
+    EXPECT_EQ(document.text(), "[a]\nx=1\n[B]\nk=1\nK 2=\n\n; of c\n[c]\n");
 }
 
 TEST(ProfileDocument, TextsThatWouldNotReadBackAreRefused) {

@@ -61,21 +61,16 @@ TEST(ProfileText, TheStreamStandsBehindTheSectionsLine) {
 TEST(ProfileText, OutputsStayInsideTheirSize) {
     std::istringstream stream("[a]\nF3=12345\n=nameless\n;x=1\nCz=\nnot a key\n");
     for (std::size_t size = 1; size < 12; ++size) {
-        std::string out(16, '#');
-        const auto bytes = static_cast<int>(size);
-        const std::string cut = std::string("12345").substr(0, size - 1);
-        EXPECT_EQ(GetLocalProfileString("a", "f3", "", out.data(), bytes, stream),
-                  static_cast<int>(cut.size()));
-        EXPECT_EQ(out, (cut + '\0').append(15 - cut.size(), '#'));
-
-        out.assign(16, '#');
-        const std::string names = std::string("F3\0Cz\0", 6)
-                                      .substr(0, size >= 7   ? 6
-                                                 : size >= 4 ? 3
-                                                             : 0);
-        EXPECT_EQ(GetLocalProfileString("a", nullptr, "def", out.data(), bytes, stream),
-                  static_cast<int>(names.size()));
-        EXPECT_EQ(out, (names + '\0').append(15 - names.size(), '#'));
+        const auto expectOut = [&](const char* key, const std::string& text) {
+            std::string out(16, '#');
+            EXPECT_EQ(
+                GetLocalProfileString("a", key, "def", out.data(), static_cast<int>(size), stream),
+                static_cast<int>(text.size()));
+            EXPECT_EQ(out, (text + '\0').append(15 - text.size(), '#'));
+        };
+        expectOut("f3", std::string("12345").substr(0, size - 1));
+        const std::size_t names = size >= 7 ? 2 : size >= 4 ? 1 : 0;
+        expectOut(nullptr, std::string("F3\0Cz\0", 6).substr(0, 3 * names));
     }
     char untouched = '#';
     for (const char* key : {"f3", static_cast<const char*>(nullptr)})

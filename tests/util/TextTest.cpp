@@ -1,9 +1,12 @@
 #include "kvsig/util/Text.h"
 
+#include "kvsig/util/StripBlanks.h"
+#include "kvsig/util/Utf16.h"
+
 #include <gtest/gtest.h>
-#include <iomanip>
-#include <sstream>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kvsig {
@@ -46,12 +49,30 @@ TEST(Text, EmptyWordsAreNotCounted) {
     EXPECT_TRUE(splitWords("   ", ' ').empty());
 }
 
-TEST(Text, WritingLeavesTheHostsStreamFormatOut) {
-    std::ostringstream stream;
-    stream << std::setw(10) << std::setfill('*');
-    writeText(stream, "ab");
-    EXPECT_EQ(stream.str(), "ab");
-    EXPECT_EQ(stream.width(), 10);
+TEST(StripBlanks, OnlySpacesAtTheEndGo) {
+    const auto stripped = [](const char* text) {
+        static char buf[16];
+        copyText(buf, text);
+        return std::string(StripBlanks(buf) == buf ? buf : "another buffer");
+    };
+    EXPECT_EQ(stripped("  a b "), "  a b");
+    EXPECT_EQ(stripped("abc\t "), "abc\t");
+    EXPECT_EQ(stripped("   "), "");
+    EXPECT_EQ(stripped(""), "");
+    EXPECT_EQ(StripBlanks(nullptr), nullptr);
+}
+
+TEST(Utf16, BecomesUtf8UpToTheFirstNul) {
+    using namespace std::string_view_literals;
+    const auto converted = [](std::string_view bytes) {
+        return textOfUtf16(std::as_bytes(std::span(bytes)));
+    };
+    EXPECT_EQ(converted("A\0\xB5\0\xAC\x20\0\0B\0"sv), "A\xC2\xB5\xE2\x82\xAC");
+    EXPECT_EQ(converted("\x3D\xD8\x00\xDE!\0"sv), "\xF0\x9F\x98\x80!"); // U+1F600
+    for (const auto half : {"\x3D\xD8"sv, "\x00\xDE"sv, "\x3D\xD8\x3D"sv})
+        EXPECT_EQ(converted(half), "\xEF\xBF\xBD");
+    EXPECT_EQ(converted("\x3D\xD8x\0"sv), "\xEF\xBF\xBDx");
+    EXPECT_EQ(converted("A"sv), "");
 }
 
 } // namespace
