@@ -10,6 +10,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
+#include <system_error>
 #include <vector>
 
 namespace kvsig::tool {
@@ -98,6 +100,12 @@ bool RawExport::writeData(const Selection& selection, Output& output, LongWork& 
 
 bool RawExport::writeLayout(const Selection& selection, const std::string& dataPath) {
     const std::string path = layoutPathFor(dataPath);
+    // A link that led nowhere before the data was written.
+    std::error_code ignored;
+    if (std::filesystem::equivalent(path, dataPath, ignored)) {
+        complain(path + ": is another name of the data " + dataPath + "; no layout is written");
+        return false;
+    }
     OutputFile layout;
     if (!layout.open(path.c_str()) ||
         !layout.write(layoutText(selection, m_scale.calibration, dataPath, m_showPatient)) ||
