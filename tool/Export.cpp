@@ -1,4 +1,5 @@
 #include "tool/Command.h"
+#include "tool/CountStream.h"
 #include "tool/ExportWriters.h"
 #include "tool/FileNames.h"
 #include "tool/RowStream.h"
@@ -7,7 +8,6 @@
 #include "tool/raw/RawExport.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -41,21 +41,11 @@ bool hasRawValues(const Selection& selection) {
 }
 
 bool writeRaw(const Selection& selection, TableWriter& writer, LongWork& work) {
-    const std::vector<Row>& rows = selection.rows.rows();
-    const SampleRange range = selection.range;
-    const long window = windowLengthFor(rows, range);
-    std::vector<std::vector<std::int32_t>> columns(rows.size());
-    for (long first = range.first; first <= range.last; first += window) {
-        const SampleRange part{first, std::min(range.last, first + window - 1)};
-        for (std::size_t i = 0; i < columns.size(); ++i) {
-            columns[i].resize(static_cast<std::size_t>(part.length()));
-            const Recording::Place place = selection.recording.placeOf(rows[i].channel);
-            place.reader->getRawData(place.channel, part.first, part.last, columns[i].data());
-        }
-        if (!goOn(work, part, range) || !writer.writeRaw(part, columns))
+    CountStream stream(selection);
+    while (stream.next(work))
+        if (!writer.writeRaw(stream.window(), stream.columns()))
             return false;
-    }
-    return true;
+    return !work.interrupted();
 }
 
 bool writeValues(const Selection& selection, bool kernelValues, TableWriter& writer,

@@ -39,5 +39,33 @@ TEST_F(RawExportSafety, ALayoutNeverTakesThePlaceOfItsData) {
     EXPECT_EQ(dir.read("link.raw").size(), 24U);
 }
 
+// A file may hold more than its digital limits say.
+TEST_F(RawExportSafety, CountsBeyondTheDigitalLimitsAreNeverClippedUnsaid) {
+    const auto exported = [this](int most) {
+        EdfFile()
+            .signal("A-R", 4)
+            .physical("-100", "100")
+            .digital("-100", "100")
+            .signal("B-R", 4)
+            .physical("300", "-300")
+            .digital("-100", "100")
+            .samples([most](int, std::int64_t i) { return most - static_cast<int>(i); })
+            .records(3)
+            .writeTo(dir.file("b.edf"));
+        CommandResult made = run("b.edf -o b.raw");
+        const ReaderPtr from = openReader(dir.file("b.edf").c_str());
+        const ReaderPtr to = openReader(dir.file("b.lay").c_str());
+        float ours[12];
+        float theirs[12];
+        from->getData(1, 0, 11, theirs, 1.0, 0);
+        to->getData(1, 0, 11, ours, 1.0, 0);
+        for (int i = 0; i < 12; ++i)
+            EXPECT_NEAR(ours[i], theirs[i], to->calibration(1) / 2);
+        return made.err;
+    };
+    EXPECT_EQ(exported(10922), "") << "-3 * 10922 is a 16-bit count, the limits notwithstanding";
+    EXPECT_THAT(exported(20000), HasSubstr("values are rounded to steps of 1.831"));
+}
+
 } // namespace
 } // namespace kvsig::test
