@@ -1,6 +1,7 @@
 #include "kvsig/kvsig.h"
 #include "support/Command.h"
 #include "support/EdfFile.h"
+#include "support/RawFile.h"
 
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -65,6 +66,25 @@ TEST_F(RawExportSafety, CountsBeyondTheDigitalLimitsAreNeverClippedUnsaid) {
     };
     EXPECT_EQ(exported(10922), "") << "-3 * 10922 is a 16-bit count, the limits notwithstanding";
     EXPECT_THAT(exported(20000), HasSubstr("values are rounded to steps of 1.831"));
+}
+
+TEST_F(RawExportSafety, AnchorsStandWhereTheCommonRateHasThem) {
+    const auto anchorOf = [this](const char* lay, int index) {
+        SampleTime anchor;
+        openReader(dir.file(lay).c_str())->getSampleTime(index, anchor);
+        return anchor;
+    };
+    dir.write("stored.raw", RawFile().bytes());
+    const char* anchors = "FileType=Interleaved\n[SampleTimes]\n0=0\n57=1000\n";
+    dir.write("slow.lay", RawFile().rate("10").sections(anchors).attributes());
+    EdfFile().signal("Oz", 20).records(75).writeTo(dir.file("fast.edf"));
+    ASSERT_EQ(run("'slow.lay*fast.edf' -o pair.raw").exitCode, 0);
+    EXPECT_EQ(anchorOf("pair.lay", 1).sample, 114);
+    EXPECT_EQ(anchorOf("pair.lay", 1).time, 1000.0);
+    // As doubles, 57 / 100 * 100 is a little less, and before a gap the clock is another.
+    dir.write("odd.lay", RawFile().rate("100").sections(anchors).attributes());
+    ASSERT_EQ(run("odd.lay --from 0.57 -o tail.raw").exitCode, 0);
+    EXPECT_EQ(anchorOf("tail.lay", 0).time, 1000.0);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "kvsig/kernel/AttributeFile.h"
 #include "kvsig/registry/types/FileTypes.h"
 #include "kvsig/util/NeighbourFile.h"
+#include "kvsig/util/Saturate.h"
 
 #include <algorithm>
 #include <iterator>
@@ -12,7 +13,8 @@ namespace kvsig::tool {
 namespace {
 
 // The clock at the first sample, and every anchor inside the range.
-std::vector<SampleTime> anchorsOf(IDataReader& reader, SampleRange range) {
+std::vector<SampleTime> anchorsOf(const Recording& recording, SampleRange range) {
+    IDataReader& reader = *recording.reader;
     SampleTime start;
     const double rate = reader.samplingRate();
     start.time = reader.getClockTime(rate > 0 ? static_cast<double>(range.first) / rate : 0.0);
@@ -20,9 +22,12 @@ std::vector<SampleTime> anchorsOf(IDataReader& reader, SampleRange range) {
     for (int i = 0; i < reader.sampleTimeCount(); ++i) {
         SampleTime anchor;
         reader.getSampleTime(i, anchor);
-        if (anchor.sample <= range.first || anchor.sample > range.last)
+        const long sample = recording.atCommonRate(anchor.sample);
+        if (sample < range.first || sample > range.last)
             continue;
-        anchor.sample -= static_cast<decltype(anchor.sample)>(range.first);
+        anchor.sample = saturate<decltype(anchor.sample)>(sample - range.first);
+        if (anchor.sample == 0)
+            anchors.clear(); // exact, where the clock's elapsed time is rounded
         anchors.push_back(anchor);
     }
     return anchors;
@@ -48,7 +53,7 @@ std::string layoutText(const Selection& selection, double calibration, const std
     writeChannelNames(text, "ChannelMap", names, reader.refGrid());
     if (showPatient)
         writePatientSection(text, *reader.patientRec());
-    writeSampleTimes(text, anchorsOf(reader, selection.range));
+    writeSampleTimes(text, anchorsOf(selection.recording, selection.range));
     return text.str();
 }
 
