@@ -20,9 +20,8 @@ bool CountStream::next(LongWork& work) {
     m_window.last = std::min(range.last, m_window.first + m_windowLength - 1);
     for (std::size_t i = 0; i < m_columns.size(); ++i) {
         m_columns[i].resize(static_cast<std::size_t>(m_window.length()));
-        const Recording::Place place =
-            m_selection->recording.placeOf(m_selection->rows.rows()[i].channel);
-        place.reader->getRawData(place.channel, m_window.first, m_window.last, m_columns[i].data());
+        m_selection->rows.rows()[i].place.readCounts(m_window.first, m_window.last,
+                                                     m_columns[i].data());
     }
     return goOn(work, m_window, range);
 }

@@ -9,7 +9,8 @@
 namespace kvsig::tool {
 
 /// Delivers the file's own integers of a selection's recorded channels window by window, in order;
-/// zeros where a pair's second recording has ended before the first.
+/// zeros where a pair's second recording has ended before the first, held ones of its slower
+/// member.
 class CountStream {
   public:
     explicit CountStream(const Selection& selection);

@@ -24,17 +24,11 @@ struct ExportOptions {
 };
 
 bool hasRawValues(const Selection& selection) {
-    const Recording& recording = selection.recording;
     for (const Row& row : selection.rows.rows()) {
-        std::string why;
-        if (row.channel < 0)
-            why = " is a derivation, which has no raw values";
-        else if (recording.placeOf(row.channel).reader->samplingRate() !=
-                 recording.reader->samplingRate())
-            why = " is stretched to the rate of the other recording, which has no raw values";
-        if (why.empty())
+        if (row.channel >= 0)
             continue;
-        complain(recording.path + ": --values raw: " + row.name + why);
+        complain(selection.recording.path + ": --values raw: " + row.name +
+                 " is a derivation, which has no raw values");
         return false;
     }
     return true;

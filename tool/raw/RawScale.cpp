@@ -15,15 +15,13 @@ namespace {
 constexpr int largestCount = std::numeric_limits<std::int16_t>::max();
 constexpr short otherUnitType = 100;
 
-bool isLinear16(const Recording& recording, const Row& row) {
+bool isLinear16(const Row& row) {
     if (row.channel < 0)
         return false;
-    const Recording::Place place = recording.placeOf(row.channel);
+    const Recording::Place& place = row.place;
     const double calibration = place.reader->calibration(place.channel);
     return place.reader->bytesPerSample() == 2 && calibration != 0.0 &&
-           std::isfinite(calibration) &&
-           place.reader->channelType(place.channel) != otherUnitType &&
-           place.reader->samplingRate() == recording.reader->samplingRate();
+           std::isfinite(calibration) && place.reader->channelType(place.channel) != otherUnitType;
 }
 
 // How many steps of `base` one of `calibration` is; 0 when that is no whole number.
@@ -123,9 +121,7 @@ bool chooseRawScale(const Selection& selection, bool filtered, LongWork& work, R
     scale = RawScale();
     const std::vector<Row>& rows = selection.rows.rows();
     const Recording& recording = selection.recording;
-    if (!filtered && std::all_of(rows.begin(), rows.end(), [&recording](const Row& row) {
-            return isLinear16(recording, row);
-        })) {
+    if (!filtered && std::all_of(rows.begin(), rows.end(), isLinear16)) {
         scale.calibration = smallestCalibration(recording, rows);
         scale.multipliers = multipliersFor(recording, rows, scale.calibration);
         if (!keepIfCountsFit(selection, work, scale.multipliers))
