@@ -5,6 +5,7 @@
 #include "tool/FactsOfFiles.h"
 #include "tool/Recording.h"
 #include "tool/Words.h"
+#include "tool/check/AnchorOddities.h"
 #include "tool/check/ChannelOddities.h"
 
 #include <algorithm>
@@ -80,6 +81,7 @@ Report checkOpened(const Recording& recording) {
         const std::string prefix = recording.isPair() ? member->filePath() + ": " : "";
         report.add(member->openFindings(), prefix);
         report.add(member->inspectFile(), prefix);
+        report.add(anchorOddities(*member), prefix);
         report.add(channelOddities(recording, member), prefix);
     }
     report.add(twinOddities(recording));

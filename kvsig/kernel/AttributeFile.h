@@ -4,6 +4,7 @@
 #include "kvsig/kernel/SampleTime.h"
 #include "kvsig/util/Export.h"
 
+#include <functional>
 #include <iosfwd>
 #include <optional>
 #include <string>
@@ -50,5 +51,9 @@ KVSIG_API void readPatientSection(std::istream& stream, PatientRec& patient);
 KVSIG_API void writeSampleTimes(std::ostream& stream, const std::vector<SampleTime>& anchors);
 /// Lines that scan as "%i=%lf"; a sample index may be hexadecimal (0x) or octal (0).
 [[nodiscard]] KVSIG_API std::vector<SampleTime> readSampleTimes(std::istream& stream);
+/// Hands out those lines as anchors; `take` says whether one counts. Returns a sentence about the
+/// lines that do not, and one about times that are a number by their beginning only.
+[[nodiscard]] std::vector<std::string>
+takeSampleTimes(std::istream& stream, const std::function<bool(SampleTime& anchor)>& take);
 
 } // namespace kvsig
