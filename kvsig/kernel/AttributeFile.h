@@ -38,8 +38,8 @@ KVSIG_API void writeFileInfo(std::ostream& stream, const FileInfo& info);
 
 /// A heading in brackets, then each name with its number from 1. A name that would not read back is
 /// changed: "=", "|" and line ends become "_", so does "[" or ";" in front; a single name is joined
-/// with `reference` ("Ref" when that is empty), but for default names "Ch<n>"; of equal names the
-/// second gets "2_" in front.
+/// with `reference`, or with "Ref" when that is empty or the name is none of a scalp electrode, but
+/// for default names "Ch<n>"; of equal names the second gets "2_" in front.
 KVSIG_API void writeChannelNames(std::ostream& stream, std::string_view heading,
                                  const std::vector<std::string>& names, std::string_view reference);
 

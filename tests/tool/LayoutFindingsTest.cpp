@@ -1,4 +1,5 @@
 #include "support/Command.h"
+#include "support/EdfFile.h"
 #include "support/RawFile.h"
 
 #include <gmock/gmock.h>
@@ -67,6 +68,24 @@ TEST_F(LayoutFindings, LinesOfSampleTimesThatDoNotCount) {
                 AllOf(HasSubstr("warning: SampleTimes: '0=23:00:00', read as '23' is taken by the "
                                 "number in front\n"),
                       Not(HasSubstr("ignored"))));
+}
+
+TEST_F(LayoutFindings, NamesThatAMapTakesAway) {
+    EdfFile()
+        .signal("C3", 4)
+        .signal("P8-Cz", 4)
+        .signal("ECG", 4)
+        .records(3)
+        .writeTo(dir.file("a.edf"));
+    const auto checkMap = [this](const std::string& map) {
+        dir.write("a.lay", "[FileInfo]\nFile=a.edf\nFileType=EDF90\n[ChannelMap]\n" + map);
+        return runCommand(dir, "check a.lay").out;
+    };
+    EXPECT_EQ(checkMap("Fz-A1=2\n"),
+              "a.lay: note: channel map: it names 1 of 3 channels; the others are called by their "
+              "numbers, not by their own names\n");
+    EXPECT_EQ(checkMap("Fz-A1=2\nPz-A1=1\nECG-Ref=3\n"), "");
+    EXPECT_EQ(check("", "", "[ChannelMap]\nFz-A1=2\n"), "") << "raw data has no names to lose";
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "kvsig/registry/types/FileTypes.h"
 #include "kvsig/util/NeighbourFile.h"
 #include "kvsig/util/Saturate.h"
+#include "tool/Words.h"
 
 #include <algorithm>
 #include <iterator>
@@ -33,6 +34,14 @@ std::vector<SampleTime> anchorsOf(const Recording& recording, SampleRange range)
     return anchors;
 }
 
+void writeNames(std::ostream& text, const Selection& selection) {
+    const std::vector<Row>& rows = selection.rows.rows();
+    std::vector<std::string> names;
+    std::transform(rows.begin(), rows.end(), std::back_inserter(names),
+                   [](const Row& row) { return row.name; });
+    writeChannelNames(text, "ChannelMap", names, selection.recording.reader->refGrid());
+}
+
 } // namespace
 
 std::string layoutText(const Selection& selection, double calibration, const std::string& dataPath,
@@ -47,14 +56,27 @@ std::string layoutText(const Selection& selection, double calibration, const std
     std::ostringstream text;
     writeFileInfo(text, info);
     text << '\n';
-    std::vector<std::string> names;
-    std::transform(rows.begin(), rows.end(), std::back_inserter(names),
-                   [](const Row& row) { return row.name; });
-    writeChannelNames(text, "ChannelMap", names, reader.refGrid());
+    writeNames(text, selection);
     if (showPatient)
         writePatientSection(text, *reader.patientRec());
     writeSampleTimes(text, anchorsOf(selection.recording, selection.range));
     return text.str();
+}
+
+std::vector<std::string> changedNames(const Selection& selection) {
+    std::stringstream text;
+    writeNames(text, selection);
+    std::vector<std::string> sentences;
+    std::string line;
+    std::getline(text, line); // the heading
+    for (const Row& row : selection.rows.rows()) {
+        std::getline(text, line);
+        const std::string written = line.substr(0, line.rfind('='));
+        if (!written.starts_with(row.name))
+            sentences.push_back("the name " + printable(row.name) + " is written as " +
+                                printable(written));
+    }
+    return sentences;
 }
 
 } // namespace kvsig::tool

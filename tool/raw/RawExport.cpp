@@ -109,6 +109,8 @@ bool RawExport::writeLayout(const Selection& selection, const std::string& dataP
     }
     for (const std::string& loss : m_scale.losses)
         remark(selection.recording.path + ": " + loss);
+    for (const std::string& change : changedNames(selection))
+        remark(selection.recording.path + ": " + change);
     return true;
 }
 
