@@ -16,6 +16,8 @@ struct InputFile {
 
 /// Text that is handed to readAttributeFile() instead of being written to a file.
 inline constexpr std::string_view attributesName = "attributes";
+/// Holds the name of the part that is opened in place of the first one.
+inline constexpr std::string_view openedName = "opened";
 
 [[nodiscard]] std::string joinInput(const std::vector<InputFile>& files);
 /// At least one file. A name that could leave the folder becomes "part".

@@ -14,7 +14,6 @@
 #include "support/ReadAround.h"
 
 #include <algorithm>
-#include <climits>
 #include <cstdint>
 #include <memory>
 #include <set>
@@ -86,22 +85,9 @@ class Life {
 
     void askEverything(DataReader& reader) const {
         test::readAround(reader);
+        test::askByIndex(reader);
         std::stringstream stream;
-        SampleTime anchor;
         char name[PatientRec::displayNameSize];
-        for (const int i : {INT_MIN, -1, 0, 1, INT_MAX}) {
-            static_cast<void>(reader.partFileName(i));
-            static_cast<void>(reader.partSampleCount(i));
-            static_cast<void>(reader.partDuration(i));
-            static_cast<void>(reader.getItem(i, i, i));
-            static_cast<void>(reader.channelSampleCount(i));
-            static_cast<void>(reader.channelSamplingRate(i));
-            static_cast<void>(reader.zeroChannel(i));
-            reader.getSampleTime(i, anchor);
-            static_cast<void>(reader.montageName(i));
-            static_cast<void>(reader.montageDefn(i, stream));
-            static_cast<void>(reader.getChannelMapNames(i));
-        }
         for (const bool numbers : {true, false}) {
             reader.setGridNamesAsNumbers(numbers);
             for (int channel = 0; channel < std::min<int>(reader.channelCount(), 64); ++channel)

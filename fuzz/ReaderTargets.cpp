@@ -15,12 +15,15 @@ namespace {
 // A header with little behind it leaves more of the fuzzer's changes to the header.
 constexpr std::size_t bytesBehindHeader = 600;
 
-std::string inputOf(const test::SampleRecording& file, std::size_t length) {
+std::string inputOf(const test::SampleRecording& file, std::size_t length,
+                    const std::string& opened = {}) {
     std::vector<InputFile> files{{"", file.bytes.substr(0, length)}};
     for (const auto& [name, bytes] : file.companions)
         files.push_back({name, bytes});
     if (!file.attributes.empty())
         files.push_back({std::string(attributesName), file.attributes});
+    if (!opened.empty())
+        files.push_back({std::string(openedName), opened});
     return joinInput(files);
 }
 
@@ -28,6 +31,8 @@ void addSeeds(Target& target, const test::SampleRecording& file) {
     target.seeds.push_back(inputOf(file, file.bytes.size()));
     const std::size_t header = file.boundaries.empty() ? 0 : file.boundaries.back();
     target.seeds.push_back(inputOf(file, header + bytesBehindHeader));
+    if (!file.otherDoor.empty())
+        target.seeds.push_back(inputOf(file, header + bytesBehindHeader, file.otherDoor));
 }
 
 } // namespace

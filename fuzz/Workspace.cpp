@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <set>
 #include <system_error>
 
 namespace kvsig::fuzz {
@@ -38,14 +39,20 @@ void Workspace::clear() const {
 
 WrittenInput::WrittenInput(std::string_view input, std::string_view fileName) {
     Workspace& workspace = Workspace::get();
+    std::string opened;
+    std::set<std::string> others;
     for (const InputFile& file : splitInput(input)) {
         if (file.name.empty())
             path = workspace.write(fileName, file.bytes);
         else if (file.name == attributesName)
             attributes = file.bytes;
+        else if (file.name == openedName)
+            opened = file.bytes;
         else if (file.name != fileName)
-            workspace.write(file.name, file.bytes);
+            others.insert(workspace.write(file.name, file.bytes));
     }
+    if (others.contains(workspace.path(opened)))
+        path = workspace.path(opened);
 }
 
 WrittenInput::~WrittenInput() { Workspace::get().clear(); }

@@ -28,7 +28,7 @@ class Workspace {
 };
 
 /// The files of one input while they are needed. The first is written under `fileName`, the others
-/// under their own names; attribute text stays in memory.
+/// under their own names; attribute text stays in memory. `path` is what is to be opened.
 class WrittenInput {
   public:
     WrittenInput(std::string_view input, std::string_view fileName);

@@ -2,8 +2,11 @@
 #include "kvsig/montage/MontageFiles.h"
 #include "kvsig/montage/SourceMontage.h"
 #include "kvsig/readers/InterleavedReader.h"
+#include "kvsig/readers/NeuroscanReader.h"
 #include "kvsig/registry/FrontDoor.h"
 #include "support/InDirectory.h"
+#include "support/NeuroscanFile.h"
+#include "support/Opened.h"
 #include "support/TempDir.h"
 
 #include <ctime>
@@ -101,6 +104,23 @@ TEST_F(Cost, OfLayoutsOfManyNames) {
     const std::string path =
         dir.write("a.lay", "[FileInfo]\nFile=none\nFileType=EDF90\n[ChannelMap]\n" + names);
     EXPECT_LT(processorSeconds([&] { EXPECT_FALSE(openReader(path.c_str())); }), most);
+}
+
+// A rate is two bytes of a header: five seconds of it were a page of 0.9 GB.
+TEST_F(Cost, OfFewSamplesAtHighRates) {
+    const std::string honest = test::NeuroscanFile().channels(1400).frames(2).bytes();
+    const auto secondsAt = [&](int rate) {
+        const std::string path = dir.write(
+            "a.cnt", test::poked(honest, 376, test::u16(static_cast<std::uint64_t>(rate))));
+        return processorSeconds([&] {
+            NeuroscanReader recording;
+            ASSERT_TRUE(recording.open(path.c_str()));
+            for (int channel = 0; channel < 1400; channel += 100)
+                EXPECT_EQ(test::rawOf(recording, channel, 0, 0)[0], test::rampCount(channel, 0));
+        });
+    };
+    constexpr double ratio = 10.0, startUp = 0.02;
+    EXPECT_LT(secondsAt(65535), ratio * secondsAt(1) + startUp);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 #include "kvsig/registry/FrontDoor.h"
 #include "kvsig/util/File.h"
 #include "tool/Command.h"
+#include "tool/EventList.h"
 #include "tool/FactsOfFiles.h"
 #include "tool/Recording.h"
 #include "tool/Words.h"
@@ -43,6 +44,11 @@ const char* wordFor(Severity severity) {
     }
 }
 
+// Of a sentence that begins with the file that it is about, the rest.
+std::string withoutPath(const std::string& text, const std::string& path) {
+    return text.starts_with(path + ": ") ? text.substr(path.size() + 2) : text;
+}
+
 struct Member {
     std::string file;
     int type;
@@ -82,6 +88,10 @@ Report checkOpened(const Recording& recording) {
         report.add(member->openFindings(), prefix);
         report.add(member->inspectFile(), prefix);
         report.add(anchorOddities(*member), prefix);
+        for (const std::string& lost : lostEventsOf(*member))
+            report.findings.push_back(
+                {Severity::warning,
+                 recording.isPair() ? lost : withoutPath(lost, member->filePath())});
         report.add(channelOddities(recording, member), prefix);
     }
     report.add(twinOddities(recording));
@@ -99,8 +109,7 @@ Report check(const std::string& file, int type) {
         report.add(inspectUnopened(file, type));
     for (const Member& member : members)
         report.add(check(member.file, member.type).findings, member.file + ": ");
-    const std::string prefix = file + ": ";
-    const std::string reason = error.starts_with(prefix) ? error.substr(prefix.size()) : error;
+    const std::string reason = withoutPath(error, file);
     // The member that keeps a pair from opening has told its reason already.
     if (std::none_of(report.findings.begin(), report.findings.end(),
                      [&reason](const OpenFinding& told) { return told.text == reason; }))

@@ -3,6 +3,7 @@
 #include "kvsig/kernel/ClientEvent.h"
 #include "kvsig/util/Saturate.h"
 #include "kvsig/util/Text.h"
+#include "tool/HeardWarnings.h"
 #include "tool/Words.h"
 
 #include <algorithm>
@@ -10,9 +11,25 @@
 
 namespace kvsig::tool {
 
+namespace {
+
+std::vector<std::string> readEvents(IDataReader& reader, std::deque<ClientEvent>& events) {
+    const HeardWarnings warnings;
+    reader.readEvents(events);
+    return warnings.texts();
+}
+
+} // namespace
+
+std::vector<std::string> lostEventsOf(IDataReader& reader) {
+    std::deque<ClientEvent> events;
+    return readEvents(reader, events);
+}
+
 std::vector<ListedEvent> eventsOf(const Recording& recording) {
     std::deque<ClientEvent> events;
-    recording.reader->readEvents(events);
+    for (const std::string& lost : readEvents(*recording.reader, events))
+        complain(lost);
     const double rate = recording.reader->samplingRate();
     std::vector<ListedEvent> listed;
     listed.reserve(events.size());

@@ -18,6 +18,9 @@ struct ListedEvent {
 };
 
 /// The events of a recording in the order of their samples; of a pair, those of the first one.
+/// Complains of what keeps some from being read.
 [[nodiscard]] std::vector<ListedEvent> eventsOf(const Recording& recording);
+/// Why events of a reader cannot be read, a sentence each; empty when all are.
+[[nodiscard]] std::vector<std::string> lostEventsOf(IDataReader& reader);
 
 } // namespace kvsig::tool

@@ -5,9 +5,9 @@
 #include "kvsig/montage/MontageFiles.h"
 #include "kvsig/montage/names/Derivation.h"
 #include "kvsig/util/File.h"
-#include "kvsig/util/LogSink.h"
 #include "kvsig/util/Text.h"
 #include "tool/ElectrodeName.h"
+#include "tool/HeardWarnings.h"
 #include "tool/LeftOut.h"
 #include "tool/Words.h"
 
@@ -31,28 +31,6 @@ std::string listed(const std::vector<std::string>& names, const char* between = 
         text.append(i > 0 ? between : "").append(toUtf8(names[i]));
     return text;
 }
-
-// What the library says of montage files and definitions is the user's business too.
-class HeardWarnings {
-  public:
-    HeardWarnings() {
-        SetLogSink([this](int level, const char* text) {
-            if (level >= logWarning)
-                m_texts.emplace_back(text);
-        });
-    }
-    ~HeardWarnings() { SetLogSink({}); }
-    HeardWarnings(const HeardWarnings&) = delete;
-    HeardWarnings& operator=(const HeardWarnings&) = delete;
-
-    void pass(const std::string& where) const {
-        for (const std::string& text : m_texts)
-            complain(std::string(where).append(": ").append(text));
-    }
-
-  private:
-    std::vector<std::string> m_texts;
-};
 
 void remarkOnWhatIsLeftOut(const LeftOut& leftOut, const std::string& where) {
     const auto counted = [&where](const std::vector<std::string>& texts, const char* what) {
@@ -192,7 +170,8 @@ bool fillMontage(SourceMontage& montage, const Recording& recording, const Monta
     montage.setReader(&reader);
     const HeardWarnings warnings;
     const bool known = montage.createMontage(name.c_str()) != 0;
-    warnings.pass(where);
+    for (const std::string& text : warnings.texts())
+        complain(std::string(where).append(": ").append(text));
     if (!known && montage.unresolved().empty()) {
         complain(recording.path + ": --montage \"" + name + "\" is not known; there are " +
                  listed(montageNames(reader)));

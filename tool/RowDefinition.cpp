@@ -12,14 +12,8 @@ namespace {
 
 using Kind = RowDefinition::Kind;
 
-std::string trimmed(const std::string& text) {
-    const std::size_t start = text.find_first_not_of(' ');
-    return start == std::string::npos ? std::string()
-                                      : text.substr(start, text.find_last_not_of(' ') - start + 1);
-}
-
 RowPart plainPart(const std::string& text, const ChannelNames& names) {
-    const std::string name = trimmed(text);
+    const std::string name(trimmed(text));
     return {name, names.find(name), std::nullopt};
 }
 
@@ -31,7 +25,7 @@ RowPart termOf(const std::string& text, const ChannelNames& names) {
         return plain;
     RowPart part = plainPart(text.substr(0, colon), names);
     double weight = 0.0;
-    const bool isNumber = wholeDouble(trimmed(text.substr(colon + 1)), weight);
+    const bool isNumber = wholeDouble(trimmed(std::string_view(text).substr(colon + 1)), weight);
     part.weight = isNumber && std::isfinite(weight) ? weight : std::nan("");
     return part;
 }
@@ -90,7 +84,8 @@ RowDefinition bestReading(const std::string& text, const ChannelNames& names) {
     constexpr std::size_t longestName = 64; // bytes: 31 characters of up to two
     for (std::size_t minus = text.find('-'); minus <= longestName && !isSound(best);
          minus = text.find('-', minus + 1))
-        consider(differenceReading(trimmed(text.substr(0, minus)), trimmed(text.substr(minus + 1)),
+        consider(differenceReading(std::string(trimmed(std::string_view(text).substr(0, minus))),
+                                   std::string(trimmed(std::string_view(text).substr(minus + 1))),
                                    names));
     if (text.find('+') != std::string::npos)
         consider(averageReading(text, names));
@@ -147,8 +142,9 @@ std::vector<double> RowDefinition::weights() const {
 
 std::optional<RowDefinition> readRowDefinition(const std::string& text, const ChannelNames& names,
                                                std::string& fault) {
-    RowDefinition reading = bestReading(trimmed(text), names);
-    reading.text = trimmed(text);
+    const std::string definition(trimmed(text));
+    RowDefinition reading = bestReading(definition, names);
+    reading.text = definition;
     fault = isSound(reading) ? weightFault(reading) : unknownFault(reading, names);
     if (fault.empty())
         return reading;

@@ -2,6 +2,7 @@
 
 #include "kvsig/kernel/PageSource.h"
 #include "kvsig/kernel/RecordPage.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/LogSink.h"
 #include "kvsig/util/Saturate.h"
 
@@ -107,15 +108,19 @@ bool PageCache::readFrames(DataPage& page, long index, PageSource& source) {
     setRange(page, index);
     const std::int64_t samples = loadFramePage(page, pageLength(), source);
     if (samples < 0) {
-        // The frame size stands in the second field in spite of its label; kept on purpose.
-        logMessage(logInfo, "Error allocating memory at DataReader::readPageAtIndex. PagePts=" +
-                                std::to_string(pageLength()) + ", BytesPerSample=" +
-                                std::to_string(source.frameLayout().frameBytes()));
+        logNoMemory(source.frameLayout().frameBytes());
         return false;
     }
     page.complete = samples >= pageLength() && page.end < source.sampleCount();
     logRead(page, samples);
     return true;
+}
+
+// The frame size stands in the second field in spite of its label; kept on purpose.
+void PageCache::logNoMemory(std::int64_t frameBytes) const {
+    logMessage(logInfo, "Error allocating memory at DataReader::readPageAtIndex. PagePts=" +
+                            std::to_string(pageLength()) +
+                            ", BytesPerSample=" + std::to_string(frameBytes));
 }
 
 std::int64_t PageCache::pageLength() const { return std::max(pagePoints, 1); }
@@ -127,11 +132,18 @@ void PageCache::setRange(DataPage& page, long index) const {
 }
 
 // Frames that are too large for a page read as zeros, so their records must not be shown either.
+// Records may hold far more than channels (annotations): frames of those cost less.
 bool PageCache::offersRecords(PageSource& source) const {
+    constexpr std::int64_t harmless = std::int64_t{4} << 20;
     const RecordLayout* layout = source.recordLayout();
-    return layout && layout->points > 0 && pageLength() % layout->points == 0 &&
-           std::cmp_less_equal(m_layout.channels, layout->channels.size()) &&
-           framesFitAPage(pageLength(), source);
+    if (!layout || layout->points <= 0 || pageLength() % layout->points != 0 ||
+        std::cmp_greater(m_layout.channels, layout->channels.size()) ||
+        !framesFitAPage(pageLength(), source))
+        return false;
+    const std::int64_t frameBytes = pageLength() * source.frameLayout().frameBytes();
+    const std::int64_t mostBytes = std::min(std::max(2 * frameBytes, harmless), maxPageBytes);
+    return pageLength() / layout->points <=
+           mostBytes / std::max<std::int64_t>(layout->recordBytes(), 1);
 }
 
 // A channel that is read through the whole file is read alone. Once several are wanted, the next
@@ -148,7 +160,10 @@ bool PageCache::provide(DataPage& page, int channel, const RecordLayout& layout)
         page.firstChannel < 0 && m_pagesAlone >= pagesOfAWindow && isSparse(layout, channel);
     if (page.firstChannel < 0)
         makeRoomFor(page, page.records * layout.recordBytes());
-    return alone ? loadOneChannel(page, layout, channel) : loadWholeRecords(page, layout, channel);
+    if (alone ? loadOneChannel(page, layout, channel) : loadWholeRecords(page, layout, channel))
+        return true;
+    logNoMemory(m_layout.frameBytes());
+    return false;
 }
 
 // Few pages keep their samples, so that reading on stays in the processor's caches: fetching a page

@@ -52,6 +52,7 @@ class PageCache {
     bool beginPage(DataPage& page, long index, PageSource& source);
     [[nodiscard]] std::int64_t pageLength() const;
     void setRange(DataPage& page, long index) const;
+    void logNoMemory(std::int64_t frameBytes) const;
     [[nodiscard]] bool offersRecords(PageSource& source) const;
     bool provide(DataPage& page, int channel, const RecordLayout& layout);
     void makeRoomFor(DataPage& page, std::int64_t bytes);

@@ -1,6 +1,7 @@
 #include "kvsig/montage/AvgSource.h"
 
 #include "kvsig/kernel/IDataReader.h"
+#include "kvsig/montage/ChannelSum.h"
 #include "kvsig/util/NumberText.h"
 #include "kvsig/util/Text.h"
 
@@ -67,8 +68,8 @@ void AvgSource::constructDefn(char* out, bool) { copyText(out, definitionSize, d
 int AvgSource::_getData(long first, long last, float* buf, double scale) {
     int count = 0;
     for (std::size_t i = 0; i < m_channels.size(); ++i)
-        count =
-            reader()->getData(m_channels[i], first, last, buf, scale * weight(i), i > 0 ? 1 : 0);
+        count = i > 0 ? addChannel(*reader(), m_channels[i], first, last, buf, scale * weight(i))
+                      : reader()->getData(m_channels[i], first, last, buf, scale * weight(i), 0);
     return count;
 }
 

@@ -6,6 +6,7 @@
 #include "kvsig/montage/SourceMontage.h"
 #include "kvsig/montage/names/Derivation.h"
 #include "kvsig/montage/names/ReservedNames.h"
+#include "kvsig/util/LogSink.h"
 #include "kvsig/util/NumberText.h"
 #include "kvsig/util/Text.h"
 
@@ -72,8 +73,14 @@ DataSource* buildRow(SourceMontage& montage, int channel1, int channel2, const s
 
 AvgSource* buildWeighted(SourceMontage& montage, Terms& terms) {
     AvgSource* average = montage.createSource(terms.channels);
-    if (average && !terms.weights.empty() && terms.weights.size() == terms.channels.size())
+    if (!average || terms.weights.empty())
+        return average;
+    if (terms.weights.size() == terms.channels.size())
         average->setWeights(terms.weights);
+    else
+        logMessage(logWarning, "SourceMontage: only some terms of an average have weights; it is "
+                               "a plain one: " +
+                                   std::string(average->name()));
     return average;
 }
 

@@ -2,6 +2,7 @@
 
 #include "kvsig/kernel/IDataReader.h"
 #include "kvsig/montage/AvgSource.h"
+#include "kvsig/montage/ChannelSum.h"
 #include "kvsig/montage/MontageContext.h"
 #include "kvsig/montage/names/Derivation.h"
 #include "kvsig/montage/names/ReservedNames.h"
@@ -86,9 +87,10 @@ int G1G2Source::_getData(long first, long last, float* buf, double scale) {
         count = average->getData(first, last, buf, -scale);
         add = true;
     }
-    if (m_channel1 >= 0)
-        count = reader()->getData(m_channel1, first, last, buf, scale, add ? 1 : 0);
-    return count;
+    if (m_channel1 < 0)
+        return count;
+    return add ? addChannel(*reader(), m_channel1, first, last, buf, scale)
+               : reader()->getData(m_channel1, first, last, buf, scale, 0);
 }
 
 short G1G2Source::channelType() const { return reader()->channelType(m_channel1); }

@@ -4,18 +4,10 @@
 #include "kvsig/util/Text.h"
 #include "kvsig/util/XmlReader.h"
 
-#include <algorithm>
 #include <istream>
 
 namespace kvsig {
 namespace {
-
-constexpr const char* blanks = " \t";
-
-std::string trimmed(std::string_view text) {
-    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
-    return std::string(text.substr(0, text.find_last_not_of(blanks) + 1));
-}
 
 bool openTemplates(XmlReader& xml, std::string_view text, std::string* reason) {
     if (!xml.setDocument(text, reason))
@@ -56,8 +48,8 @@ std::optional<std::vector<ProfileEntry>> sectionEntries(std::istream& stream,
                                                         const std::string& name) {
     std::vector<ProfileEntry> entries;
     const bool found = forEachProfileEntry(stream, name, [&entries](const ProfileLine& line) {
-        if (const std::string key = trimmed(line.name); !key.empty())
-            entries.push_back({key, trimmed(line.value)});
+        if (const std::string_view key = trimmed(line.name); !key.empty())
+            entries.push_back({std::string(key), std::string(trimmed(line.value))});
         return entries.size() < mostMontageEntries;
     });
     return found ? std::optional(std::move(entries)) : std::nullopt;

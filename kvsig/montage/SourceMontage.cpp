@@ -259,11 +259,16 @@ bool SourceMontage::isReferential() {
     return reference.has_value();
 }
 
+// A pair of recordings answers for electrodes of the second one with their numbers there: such a
+// number is another channel of the pair, and no reference.
 bool SourceMontage::isValidReference(const char* name, int* id) {
     const int found = viewOf(name).empty() ? -1 : idOfChannel2(name);
-    if (found >= 0 && id)
+    if (found < 0 ||
+        (indexOfAvgRef(name) < 0 && !equalNoCase(viewOf(m_reader->grid1(found)), name)))
+        return false;
+    if (id)
         *id = found;
-    return found >= 0;
+    return true;
 }
 
 void SourceMontage::moveReference(G1G2Source& row, int channel2) {

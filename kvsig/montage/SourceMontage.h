@@ -113,8 +113,9 @@ class KVSIG_API SourceMontage : public MontageBase, public MontageContext {
     /// Takes over a display setting (kinds 3 to 7 of ClientEvent). With an empty label it is the
     /// montage's own, and the sensitivity that of every row there is: an empty montage keeps none
     /// for rows to come. With a label it is the row's of that name, which then follows the montage
-    /// no more; the filters that it followed until then become its own. A row has no notch of its
-    /// own. Sensitivities are whole numbers here; those below 1 become 1. A notch becomes 1 Hz wide
+    /// no more; the filters that it followed until then become its own. Kind 7 brings its defaults
+    /// back, following included; kind 6 changes no row, as a row has no notch of its own.
+    /// Sensitivities are whole numbers here; those below 1 become 1. A notch becomes 1 Hz wide
     /// to either side at -3 dB, at the rate of the reader. No value, or none above 0, switches off.
     /// Filters are rebuilt and caches emptied. True when something changed.
     virtual bool updateState(const ClientEvent& event);

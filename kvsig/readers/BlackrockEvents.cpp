@@ -66,7 +66,10 @@ std::optional<EventHeader> readEventHeader(const HeaderFile& file, std::string& 
     reason = file.fault();
     if (!reason.empty())
         return std::nullopt;
-    if (id != eventId && !header.wideStamps)
+    if (file.size() < extensionsOffset)
+        reason = "the file ends after " + std::to_string(file.size()) +
+                 " bytes, inside the header of at least " + std::to_string(extensionsOffset);
+    else if (id != eventId && !header.wideStamps)
         reason = "its first 8 bytes are no id of an event file";
     else if (extensionsOffset + extensions * extensionBytes > header.headerBytes)
         reason = sentenceOf(head, extensionCount) + ", more than fit in its " +

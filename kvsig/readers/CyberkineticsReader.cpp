@@ -352,13 +352,21 @@ void CyberkineticsReader::listEvents(std::vector<FlatEvent>& events) {
     HeaderFile file;
     std::string reason;
     const double start = recording().start.secondOfDay() - m_state->clockOrigin;
-    if (file.open(m_state->eventFile.c_str(), &reason))
+    if (file.open(m_state->eventFile.c_str(), &reason)) {
         forEachEvent(file, *m_state->events, [&](double seconds, const std::string& text) {
             if (const auto sample = sampleAt(start + seconds))
                 events.push_back({*sample, text, {}, 0.0});
             return events.size() < mostEvents;
         });
-    if (reason += file.fault(); !reason.empty())
+        const EventHeader& header = *m_state->events;
+        if (const std::int64_t rest = (file.size() - header.headerBytes) % header.packetBytes;
+            rest > 0)
+            reason = "its last " + std::to_string(rest) + " bytes are no whole packet of " +
+                     std::to_string(header.packetBytes);
+        if (!file.fault().empty())
+            reason = file.fault();
+    }
+    if (!reason.empty())
         logMessage(logWarning, m_state->eventFile + ": events are left out: " + reason);
 }
 

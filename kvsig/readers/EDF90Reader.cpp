@@ -82,6 +82,7 @@ bool EDF90Reader::openFile() {
     layOutChannels();
     m_edf->servesRecords = isOneOfOurs() && layOutRecords();
     reportOddFields();
+    reportOddCalibrations();
     return true;
 }
 
@@ -173,9 +174,11 @@ void EDF90Reader::reportOddFields() {
 
 // The kernel calibrates by IEEE rules; the user must know where that gives no numbers.
 void EDF90Reader::reportOddCalibrations() {
+    constexpr int mostTold = 10;
     const edf::Header& header = m_edf->header;
+    int odd = 0;
     for (int c = 0; c < channelCount(); ++c) {
-        if (!isChannel(c) || std::isfinite(calibration(c)))
+        if (std::isfinite(_calibration(c)) || ++odd > mostTold)
             continue;
         const std::int64_t signal = header.channels()[static_cast<std::size_t>(c)];
         const auto field = [&header, signal](const char* name, edf::SignalField which) {
@@ -188,6 +191,9 @@ void EDF90Reader::reportOddCalibrations() {
                    field("physical minimum", edf::physicalMin) + ", " +
                    field("maximum", edf::physicalMax));
     }
+    if (odd > mostTold)
+        report(OpenFinding::Severity::warning,
+               std::to_string(odd - mostTold) + " more signals have no finite values");
 }
 
 void EDF90Reader::close() {
@@ -221,7 +227,6 @@ bool EDF90Reader::readSampleInfo() {
         addSampleTime(anchor);
         m_edf->ownStartAnchor = true;
     }
-    reportOddCalibrations();
     return true;
 }
 

@@ -19,10 +19,12 @@ using Findings = std::vector<OpenFinding>;
 constexpr std::int64_t mostTold = 20; ///< findings of one kind
 
 // A cut header makes thousands of signals odd in the same way.
-void tellMore(Findings& findings, Severity severity, std::int64_t found, const char* what) {
+void tellMore(Findings& findings, Severity severity, std::int64_t found, const char* what,
+              const char* field = "samples per record") {
     if (found > mostTold)
-        findings.push_back({severity, "samples per record of " + std::to_string(found - mostTold) +
-                                          " more signals " + what});
+        findings.push_back({severity, std::string(field) + " of " +
+                                          std::to_string(found - mostTold) + " more signals " +
+                                          what});
 }
 
 // Numbers are read as far as they go, as in "31 E" or "1e3"; what was made of them is told.
@@ -48,6 +50,34 @@ void findOddNumbers(const Header& header, Findings& findings) {
     tellMore(findings, Severity::warning, odd, "are no numbers");
 }
 
+// "-3276,8" is read as -3276: every value has another scale then. "?" and the like are for
+// inspect().
+void findOddLimits(const Header& header, Findings& findings) {
+    struct Limit {
+        const char* name;
+        SignalField field;
+    };
+    constexpr Limit limits[] = {{"physical minimum", physicalMin},
+                                {"physical maximum", physicalMax},
+                                {"digital minimum", digitalMin},
+                                {"digital maximum", digitalMax}};
+    std::int64_t odd = 0;
+    for (const std::int64_t signal : header.channels())
+        for (const Limit& limit : limits) {
+            const std::string_view text = header.view(limit.field, signal);
+            const double taken = leadingDouble(text);
+            double whole = 0.0;
+            if (taken == 0 || wholeDouble(text, whole) || ++odd > mostTold)
+                continue;
+            findings.push_back(
+                {Severity::warning,
+                 fieldText(limit.name + (" of signal " + std::to_string(signal + 1)),
+                           header.offsetOf(limit.field, signal), header.text(limit.field, signal)) +
+                     ", read as " + shortestText(taken)});
+        }
+    tellMore(findings, Severity::warning, odd, "are no numbers", "limits");
+}
+
 // What is no time still counts as one, overflowing hours and minutes included; clock times and the
 // patient record's date then mean nothing.
 void findOddStart(const Header& header, Findings& findings) {
@@ -71,8 +101,11 @@ void findOddTiming(const Opened& opened, Findings& findings) {
                                            header.text(recordDuration)) +
                                      what});
     };
+    double whole = 0.0;
     if (!(header.duration() > 0) || !std::isfinite(rate))
         tell(", which gives no sampling rate");
+    else if (!wholeDouble(header.view(recordDuration), whole))
+        tell(", read as " + shortestText(header.duration()) + ": all times would be wrong");
     else if (header.duration() > secondsPerYear)
         tell(" seconds, more than a year");
     else if (rate > fastestSamplingRate)
@@ -131,6 +164,7 @@ void findOddOnsets(const Opened& opened, Findings& findings) {
 std::vector<OpenFinding> openingFindings(const Opened& opened) {
     Findings findings;
     findOddNumbers(opened.header, findings);
+    findOddLimits(opened.header, findings);
     findOddStart(opened.header, findings);
     findOddTiming(opened, findings);
     findOddSizes(opened, findings);

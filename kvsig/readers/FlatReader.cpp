@@ -44,6 +44,13 @@ struct FlatReader::State {
     FlatSamples samples;
     std::vector<double> latestStarts; ///< by segment: its start, or an earlier one that is later
     bool ownAnchors = false;
+
+    [[nodiscard]] std::int64_t shown() const { return std::min(samples.count(), mostSamples); }
+    /// Samples of the chunks that hold the whole recording.
+    [[nodiscard]] double longestPage(std::int64_t chunk) const {
+        return static_cast<double>((std::max<std::int64_t>(shown(), 1) + chunk - 1) / chunk *
+                                   chunk);
+    }
 };
 
 FlatReader::FlatReader() : m_flat(std::make_unique<State>()) {}
@@ -100,7 +107,9 @@ void FlatReader::reportOddFacts() {
     if (recording.rate > fastestSamplingRate)
         report(Severity::unusable, "the sampling rate is " + shortestText(recording.rate) + " Hz");
     const double frame = static_cast<double>(recording.channels.size()) * bytesPerSample();
-    if (recording.rate * usualPageSeconds * frame > static_cast<double>(maxPageBytes))
+    const double page =
+        std::min(recording.rate * usualPageSeconds, m_flat->longestPage(_minReadPts()));
+    if (page * frame > static_cast<double>(maxPageBytes))
         report(Severity::unusable, "five seconds of " + std::to_string(recording.channels.size()) +
                                        " channels at " + shortestText(recording.rate) +
                                        " Hz do not fit a page: its samples read as zeros");
@@ -121,10 +130,9 @@ void FlatReader::reportOddFacts() {
 void FlatReader::close() { m_flat->recording.samples.close(); }
 
 bool FlatReader::readSampleInfo() {
-    const std::int64_t count = m_flat->samples.count();
-    if (count < 1)
+    if (m_flat->shown() < 1)
         return false;
-    setMaxDataIndex(saturate<long>(std::min(count, mostSamples) - 1));
+    setMaxDataIndex(saturate<long>(m_flat->shown() - 1));
     if (sampleTimeCount() == 0)
         addAnchors();
     return true;
@@ -172,7 +180,7 @@ int FlatReader::readEvents(std::deque<ClientEvent>& events) {
     if (listed.size() >= mostEvents)
         logMessage(logWarning, filePath() + ": it has more than " + std::to_string(mostEvents) +
                                    " events, the rest is left out");
-    const std::int64_t end = std::min(m_flat->samples.count(), mostSamples);
+    const std::int64_t end = m_flat->shown();
     std::erase_if(listed, [end](const FlatEvent& event) {
         return event.sample < 0 || event.sample > end || end == 0;
     });
@@ -205,13 +213,24 @@ std::optional<std::int64_t> FlatReader::sampleAt(double clock) const {
 
 int FlatReader::bytesPerSample() { return m_flat->samples.narrow() ? 2 : 4; }
 
-// About a second, and never nothing.
-int FlatReader::_minReadPts() { return std::max(DataReader::_minReadPts(), 1); }
+// About a second, but no more than there is: a few bytes of a header claim any rate.
+int FlatReader::_minReadPts() {
+    const int second = std::max(DataReader::_minReadPts(), 1);
+    const std::int64_t shown = m_flat->shown();
+    return shown > 0 ? saturate<int>(std::min<std::int64_t>(second, shown)) : second;
+}
+
+void FlatReader::setPageDuration(double seconds) {
+    const double points = seconds * samplingRate(), most = m_flat->longestPage(_minReadPts());
+    const bool isLonger = std::isfinite(points) && points > most;
+    DataReader::setPageDuration(isLonger ? (most + 0.5) / samplingRate() : seconds);
+}
+
 int FlatReader::chunkPts() { return _minReadPts(); }
 
 int FlatReader::getSampleChunk(long firstSample, short* buffer) {
     const FlatRecording& recording = m_flat->recording;
-    const std::int64_t count = std::min(m_flat->samples.count(), mostSamples);
+    const std::int64_t count = m_flat->shown();
     // The host may have set another channel count; of more channels than the file's there is
     // nothing to frame.
     const int channels = channelCount();

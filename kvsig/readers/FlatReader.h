@@ -33,6 +33,8 @@ class KVSIG_API FlatReader : public DataReader {
     bool getPatientRec() override;
     int readEvents(std::deque<ClientEvent>& events) override;
     int bytesPerSample() override;
+    /// No page is longer than the chunks that hold the whole recording.
+    void setPageDuration(double seconds) override;
     int chunkPts() override;
     int getSampleChunk(long firstSample, short* buffer) override;
     double storedSamplingRate(int channel) override;

@@ -35,15 +35,17 @@ bool isErased(const std::string& text) {
     return std::all_of(text.begin(), text.end(), [](char c) { return c == '\xFF'; });
 }
 
-// Calls `each(block, base)` for the records of a zone until it returns false.
+// Calls `each(block, base)` for the records of a zone until it returns false. True when there are
+// more of them.
 template <typename Each>
-void forEachRecord(const HeaderFile& file, Zone zone, std::int64_t recordBytes, std::int64_t most,
+bool forEachRecord(const HeaderFile& file, Zone zone, std::int64_t recordBytes, std::int64_t most,
                    Each each) {
     const std::int64_t count = std::min(zone.length / recordBytes, most);
     const HeaderBlock block = file.read("zone of events", zone.start, count * recordBytes);
     for (std::int64_t i = 0; i < count; ++i)
         if (!each(block, i * recordBytes))
-            return;
+            return false;
+    return holdsMore(file, zone, recordBytes, most);
 }
 
 FlatEvent intervalOf(std::int64_t begin, std::int64_t end, double rate, std::string text) {
@@ -80,8 +82,10 @@ void listZoneEvents(const HeaderBlock& header, const FlatRecording& recording, s
     const HeaderFile& file = recording.samples;
     const auto records = [&](const char* name, std::int64_t bytes, std::int64_t most, auto each) {
         if (const std::string outside = whyOutside(header, name, file.size()); !outside.empty())
-            oddities.push_back(outside);
-        forEachRecord(file, findZone(header, name).within(file.size()), bytes, most, each);
+            oddities.push_back(outside + ": its events are left out");
+        if (forEachRecord(file, findZone(header, name).within(file.size()), bytes, most, each))
+            oddities.push_back("its zone " + std::string(name) + " holds more than " +
+                               std::to_string(most) + " records: the rest is left out");
     };
     records("NOTE", noteBytes, mostNotes, [&](const HeaderBlock& block, std::int64_t base) {
         const std::uint32_t sample = valueOf(block, noteSample, base);
@@ -121,35 +125,39 @@ void listZoneEvents(const HeaderBlock& header, const FlatRecording& recording, s
             });
 }
 
-std::vector<ClockEvent> readEventFile(const char* path, std::string& reason) {
+std::vector<ClockEvent> readEventFile(const char* path, std::vector<std::string>& oddities) {
     XmlReader xml;
     std::vector<ClockEvent> events;
-    reason.clear();
-    if (!xml.loadFile(path, &reason))
-        return events;
-    if (!xml.findElement("EventFile") || !xml.intoElement() || !xml.findElement("Events") ||
-        !xml.intoElement()) {
-        reason = "it has no list of events";
+    std::string reason = "it has no list of events";
+    if (!xml.loadFile(path, &reason) || !xml.findElement("EventFile") || !xml.intoElement() ||
+        !xml.findElement("Events") || !xml.intoElement()) {
+        oddities.push_back("its events are left out: " + reason);
         return events;
     }
-    int dateless = 0;
+    int withoutBegin = 0, withoutEnd = 0;
     while (xml.findElement("Event") && xml.intoElement()) {
         const auto child = [&xml](const char* name) {
             xml.resetPosition();
             return xml.findElement(name) ? xml.innerDocument() : std::string();
         };
         const std::string extra = child("ExtraText");
-        const auto begin = clockOf(child("Begin"));
+        const std::string endText = child("End");
+        const auto begin = clockOf(child("Begin")), end = clockOf(endText);
         if (begin)
-            events.push_back({*begin, clockOf(child("End")).value_or(CalendarTime{.hour = -1}),
+            events.push_back({*begin, end.value_or(CalendarTime{.hour = -1}),
                               child("Text") + (extra.empty() ? "" : " " + extra)});
-        else
-            ++dateless;
+        withoutBegin += begin ? 0 : 1;
+        withoutEnd += begin && !end && !endText.empty() ? 1 : 0;
         xml.outOfElement();
     }
-    if (dateless > 0)
-        reason = std::to_string(dateless) + " events are left out, whose Begin is no date and time "
-                                            "as yyyy-mm-dd hh:mm:ss";
+    const auto tell = [&oddities](int count, const char* what, const char* how) {
+        if (count > 0)
+            oddities.push_back("events whose " + std::string(what) +
+                               " is no date and time as yyyy-mm-dd hh:mm:ss are " + how + " (" +
+                               std::to_string(count) + ")");
+    };
+    tell(withoutBegin, "Begin", "left out");
+    tell(withoutEnd, "End", "shown without a duration");
     return events;
 }
 

@@ -23,7 +23,8 @@ struct ClockEvent {
     std::string text;
 };
 
-/// The events of an .EVT file in file order. `reason` says what is left out, and why.
-[[nodiscard]] std::vector<ClockEvent> readEventFile(const char* path, std::string& reason);
+/// The events of an .EVT file in file order; `oddities` gets what is left out, and why.
+[[nodiscard]] std::vector<ClockEvent> readEventFile(const char* path,
+                                                    std::vector<std::string>& oddities);
 
 } // namespace kvsig::micromed

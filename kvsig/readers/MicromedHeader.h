@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kvsig/readers/HeaderFields.h"
+#include "kvsig/readers/HeaderFile.h"
 
 #include <cstdint>
 #include <string>
@@ -52,6 +53,10 @@ struct Zone {
 /// "its zone NOTE (offset 7, 44 bytes) leaves the file of 20 bytes"; empty when it does not.
 [[nodiscard]] std::string whyOutside(const HeaderBlock& header, std::string_view name,
                                      std::int64_t fileSize);
+/// Whether a zone has a record in use behind the `most` that are read. Unused ones are full of 0 or
+/// of 0xFF.
+[[nodiscard]] bool holdsMore(const HeaderFile& file, Zone zone, std::int64_t recordBytes,
+                             std::int64_t most);
 
 /// A text field without the blanks, NULs and bytes 1 that fill it.
 [[nodiscard]] std::string textOf(const HeaderBlock& block, TextField field, std::int64_t base = 0);

@@ -97,6 +97,17 @@ std::string micromed::whyOutside(const HeaderBlock& header, std::string_view nam
                      std::to_string(fileSize) + " bytes";
 }
 
+bool micromed::holdsMore(const HeaderFile& file, Zone zone, std::int64_t recordBytes,
+                         std::int64_t most) {
+    if (zone.length < (most + 1) * recordBytes)
+        return false;
+    const HeaderBlock next =
+        file.read("end of a zone", zone.start + most * recordBytes, recordBytes);
+    return std::any_of(next.bytes().begin(), next.bytes().end(), [](std::byte byte) {
+        return byte != std::byte{0} && byte != std::byte{0xFF};
+    });
+}
+
 std::string micromed::textOf(const HeaderBlock& block, TextField field, std::int64_t base) {
     std::string text = valueOf(block, field, base);
     text.erase(text.find_last_not_of(" \1") + 1);
@@ -305,6 +316,10 @@ void MicromedReader::describePieces(const HeaderBlock& header, FlatRecording& re
         begins.push_back(begin);
         recording.segments.push_back({0, static_cast<double>(original) / recording.rate});
     }
+    if (std::cmp_equal(begins.size(), mostPieces) &&
+        holdsMore(recording.samples, zone, pieceBytes, mostPieces))
+        report(Severity::warning, "its zone TRONCA holds more than " + std::to_string(mostPieces) +
+                                      " pieces: later pauses are not shown");
     if (begins.empty()) {
         begins = {0};
         recording.segments.push_back({0, 0.0});
@@ -327,9 +342,9 @@ void MicromedReader::readZones(const HeaderBlock& header, FlatRecording& recordi
     std::vector<std::string> oddities;
     listZoneEvents(header, recording, frames, m_state->events, oddities);
     if (const std::string fault = recording.samples.takeFault(); !fault.empty())
-        oddities.push_back(fault);
+        oddities.push_back(fault + ": its events are left out");
     for (const std::string& oddity : oddities)
-        report(Severity::warning, oddity + ": its events are left out");
+        report(Severity::warning, oddity);
 }
 
 void MicromedReader::listEvents(std::vector<FlatEvent>& events) {
@@ -337,16 +352,16 @@ void MicromedReader::listEvents(std::vector<FlatEvent>& events) {
     const std::string path = companionFile(filePath(), ".evt");
     if (path.empty())
         return;
-    std::string reason;
+    std::vector<std::string> oddities;
     const CalendarTime& start = recording().start;
-    for (const ClockEvent& event : readEventFile(path.c_str(), reason)) {
+    for (const ClockEvent& event : readEventFile(path.c_str(), oddities)) {
         const double begin = event.begin.secondsFromDayOf(start);
         const double length = event.end.hasTime() ? event.end.secondsFromDayOf(start) - begin : 0.0;
         if (const auto sample = sampleAt(begin))
             events.push_back({*sample, event.text, {}, std::max(length, 0.0)});
     }
-    if (!reason.empty())
-        logMessage(logWarning, path + ": " + reason);
+    for (const std::string& oddity : oddities)
+        logMessage(logWarning, path + ": " + oddity);
 }
 
 } // namespace kvsig

@@ -5,6 +5,7 @@
 #include "kvsig/readers/NihonKohdenLog.h"
 #include "kvsig/readers/NihonKohdenNames.h"
 #include "kvsig/readers/NihonKohdenWaves.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/NeighbourFile.h"
 #include "kvsig/util/NumberText.h"
 #include "kvsig/util/Saturate.h"
@@ -317,6 +318,10 @@ bool NK2100Reader::nameChannels(FlatRecording& recording) {
     const bool named = !path.empty() && names.read(file);
     if (!file.fault().empty())
         return refuse(2, "of the .21E beside it: " + file.fault());
+    if (file.size() > mostElectrodeFileBytes)
+        report(Severity::warning, "of the .21E beside it the first " +
+                                      std::to_string(mostElectrodeFileBytes) + " bytes of " +
+                                      std::to_string(file.size()) + " are read");
     if (!named)
         report(Severity::warning,
                std::string(path.empty() ? "there is no .21E with the names of electrodes beside it"

@@ -6,6 +6,7 @@
 #include "kvsig/readers/NervusLayout.h"
 #include "kvsig/readers/NervusRecords.h"
 #include "kvsig/util/Limits.h"
+#include "kvsig/util/LogSink.h"
 #include "kvsig/util/NeighbourFile.h"
 #include "kvsig/util/NumberText.h"
 #include "kvsig/util/Saturate.h"
@@ -251,7 +252,7 @@ void NervusReader::listEvents(std::vector<FlatEvent>& events) {
     const FlatRecording& made = recording();
     if (!made.start.hasDate())
         return;
-    nervus::forEachEvent(made.samples, m_state->container, [&](const nervus::Happening& happening) {
+    const auto take = [&](const nervus::Happening& happening) {
         const CalendarTime moment = nervus::momentOf(happening.days);
         if (!moment.hasDate() || !std::isfinite(happening.extraSeconds))
             return true;
@@ -259,7 +260,10 @@ void NervusReader::listEvents(std::vector<FlatEvent>& events) {
         if (const auto sample = sampleAt(clock))
             events.push_back({*sample, happening.text, {}, happening.duration});
         return events.size() < mostEvents;
-    });
+    };
+    if (const std::string lost = nervus::forEachEvent(made.samples, m_state->container, take);
+        !lost.empty())
+        logMessage(logWarning, filePath() + ": " + lost);
 }
 
 } // namespace kvsig

@@ -117,15 +117,18 @@ std::string readPatient(const HeaderFile& file, const Container& container, Pati
     return {};
 }
 
-void forEachEvent(const HeaderFile& file, const Container& container,
-                  const std::function<bool(const Happening&)>& take) {
+std::string forEachEvent(const HeaderFile& file, const Container& container,
+                         const std::function<bool(const Happening&)>& take) {
     const Section& section = container.section(eventTag);
     for (std::int64_t at = 0; at < section.length && file.fault().empty();) {
         const HeaderBlock head = section.read(file, at, event::headBytes);
         const std::uint64_t said = valueOf(head, event::length);
-        if (guidAt(head, event::mark) != event::markGuid || said < event::headBytes ||
-            std::cmp_greater(said, section.length - at))
-            return;
+        if (guidAt(head, event::mark) != event::markGuid)
+            break;
+        if (said < event::headBytes || std::cmp_greater(said, section.length - at))
+            return "events are left out: the one at byte " + std::to_string(at) +
+                   " of their section of " + std::to_string(section.length) + " is " +
+                   std::to_string(said) + " bytes long";
         const auto length = static_cast<std::int64_t>(said);
         const HeaderBlock packet =
             section.read(file, at, std::min(length, event::text + 2 * longestEventText));
@@ -137,8 +140,9 @@ void forEachEvent(const HeaderFile& file, const Container& container,
         if (!(happening.duration > 0.0) || !std::isfinite(happening.duration))
             happening.duration = 0.0;
         if (!take(happening))
-            return;
+            break;
     }
+    return {};
 }
 
 } // namespace kvsig::nervus

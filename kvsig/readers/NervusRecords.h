@@ -24,8 +24,9 @@ struct Happening {
     std::string text;
 };
 
-/// Hands out the events in file order until `take` returns false.
-void forEachEvent(const HeaderFile& file, const Container& container,
-                  const std::function<bool(const Happening&)>& take);
+/// Hands out the events in file order until `take` returns false. Says in words what ends their
+/// list too early, or nothing.
+[[nodiscard]] std::string forEachEvent(const HeaderFile& file, const Container& container,
+                                       const std::function<bool(const Happening&)>& take);
 
 } // namespace kvsig::nervus

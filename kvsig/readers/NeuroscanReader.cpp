@@ -136,15 +136,15 @@ bool NeuroscanReader::findPlaces(const HeaderBlock& header, const HeaderFile& fi
         places.announced = places.data + places.frameBytes() * count;
     places.hasEvents = inside(places.announced);
     places.end = places.hasEvents ? places.announced : size;
+    const std::string outside = "the event table (offset " + std::to_string(places.announced) +
+                                ") is not between the first sample (offset " +
+                                std::to_string(places.data) + ") and the end of the file of " +
+                                std::to_string(size) + " bytes";
     // Of a continuous recording it was cut off; averages have none.
     if (!places.hasEvents && valueOf(header, acquisition) != 1)
-        return refuse(3, sentenceOf(header, acquisition) + " and the event table (offset " +
-                             std::to_string(places.announced) + ") is not inside the file" +
-                             averages);
+        return refuse(3, sentenceOf(header, acquisition) + " and " + outside + averages);
     if (!places.hasEvents)
-        report(Severity::warning, "the event table (offset " + std::to_string(places.announced) +
-                                      ") is not inside the file of " + std::to_string(size) +
-                                      " bytes: samples are read to its end, without events");
+        report(Severity::warning, outside + ": samples are read to its end, without events");
     places.room = wholeFrames(places.data, places.end, places.frameBytes());
     places.frames = count > 0 ? std::min(count, places.room) : places.room;
     if (places.frames < places.room)
@@ -202,20 +202,26 @@ void NeuroscanReader::describeChannels(FlatRecording& recording, const Places& p
     }
 }
 
-// Blocks are as long as the room for them, whatever of it is shown: only the recording's own last
-// one may be shorter, and then each channel's part of it is.
+// Only the recording's own last block may be shorter, and then each channel's part of it is. That
+// block is known where nothing contradicts its end: neither a smaller number of samples, behind
+// which there may be more of them or something else, nor an event table that is not there.
 void NeuroscanReader::describeTracks(const HeaderBlock& header, FlatRecording& recording,
                                      Places& places) {
     const bool blocks = standsInBlocks(header, recording, places);
     const std::int64_t together =
         blocks ? std::max<std::int64_t>(valueOf(header, channelOffset) / places.bytes, 1) : 1;
-    const bool isWhole = places.hasEvents || places.room == valueOf(header, numberOfSamples);
-    if (const std::int64_t rest = places.room % together; rest > 0 && !isWhole) {
-        report(Severity::warning, "its last " + std::to_string(rest) +
-                                      " samples are left out: they are of a block of " +
-                                      std::to_string(together) + " that was cut");
-        places.room -= rest;
-        places.frames = std::min(places.frames, places.room);
+    const bool isEndSure = places.frames == places.room &&
+                           (places.hasEvents || places.room == valueOf(header, numberOfSamples));
+    if (const std::int64_t rest = places.frames % together; !isEndSure) {
+        places.frames -= rest;
+        places.room = places.frames;
+        if (rest > 0)
+            report(Severity::warning,
+                   "what follows its first " + std::to_string(places.frames) +
+                       " samples is left out (" + std::to_string(rest) + "): their block of " +
+                       std::to_string(together) +
+                       " may have been cut or may be a shorter last one, in which channels stand "
+                       "elsewhere");
     }
     if (together <= std::max(longBlock / places.frameBytes(), std::int64_t{1})) {
         recording.tracks.push_back(

@@ -15,7 +15,8 @@ std::vector<ProfileEntry> StoredMontage::entries() const {
     std::vector<ProfileEntry> entries;
     for (const std::string& text : splitWords(*lines, '\n')) {
         const ProfileLine line = splitProfileLine(text);
-        entries.push_back({std::string(line.name), std::string(line.value)});
+        if (const std::string_view key = trimmed(line.name); !key.empty())
+            entries.push_back({std::string(key), std::string(trimmed(line.value))});
     }
     return entries;
 }

@@ -46,7 +46,8 @@ inline constexpr IID IID_IUnknown{0, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 /// The root of COM interfaces. Objects are counted by AddRef() and Release(), never deleted.
 class IUnknown {
   public:
-    /// Gives the object by another of its interfaces, counted once more, or E_NOINTERFACE and null.
+    /// Gives the object by another of its interfaces, counted once more. E_NOINTERFACE, and `*ppv`
+    /// stays as it is, when it has none such.
     virtual HRESULT QueryInterface(REFIID riid, void** ppv) = 0;
     /// @{
     /// Counts references up and down; the object destroys itself with the last one.

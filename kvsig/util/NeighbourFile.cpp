@@ -1,6 +1,5 @@
 #include "kvsig/util/NeighbourFile.h"
 
-#include "kvsig/util/File.h"
 #include "kvsig/util/Text.h"
 
 #include <algorithm>
@@ -8,6 +7,21 @@
 #include <system_error>
 
 namespace kvsig {
+namespace {
+
+// What may be a file: regular, or of a kind that cannot be found out, as behind a link that leads
+// nowhere.
+bool isThere(const std::string& candidate) {
+    using std::filesystem::file_type;
+    std::error_code failed;
+    const file_type named = std::filesystem::symlink_status(candidate, failed).type();
+    const file_type meant = std::filesystem::status(candidate, failed).type();
+    return meant == file_type::regular ||
+           (named == file_type::symlink &&
+            (meant == file_type::not_found || meant == file_type::none));
+}
+
+} // namespace
 
 std::string_view baseName(std::string_view path) {
     if (const std::size_t slash = path.find_last_of("/\\"); slash != std::string_view::npos)
@@ -21,10 +35,9 @@ std::string neighbourFile(const std::string& path, std::string_view name) {
     const std::string_view base = baseName(name);
     if (base.empty())
         return {};
-    const auto opens = [](const std::string& candidate) { return File().open(candidate.c_str()); };
     const std::filesystem::path folder = std::filesystem::path(path).parent_path();
     std::string exact = (folder / base).string();
-    if (opens(exact))
+    if (isThere(exact))
         return exact;
     std::string found;
     std::error_code failed;
@@ -33,7 +46,7 @@ std::string neighbourFile(const std::string& path, std::string_view name) {
         const std::string other = entry->path().filename().string();
         const std::string candidate = (folder / other).string();
         // Several such files: the first in byte order, whatever order the folder lists them in.
-        if (equalNoCase(other, base) && (found.empty() || candidate < found) && opens(candidate))
+        if (equalNoCase(other, base) && (found.empty() || candidate < found) && isThere(candidate))
             found = candidate;
     }
     return found;

@@ -44,6 +44,12 @@ bool startsWithNoCase(std::string_view text, std::string_view prefix) {
                       [](char x, char y) { return lowerCase(x) == lowerCase(y); });
 }
 
+std::string_view trimmed(std::string_view text) {
+    constexpr const char* blanks = " \t";
+    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
+    return text.substr(0, text.find_last_not_of(blanks) + 1);
+}
+
 std::vector<std::string> splitWords(std::string_view text, char separator) {
     std::vector<std::string> words;
     while (!text.empty()) {

@@ -53,6 +53,9 @@ void copyText(char (&dest)[Size], const Source& source) {
 /// The words of `text` between separators; empty words are not counted.
 [[nodiscard]] KVSIG_API std::vector<std::string> splitWords(std::string_view text, char separator);
 
+/// `text` without the blanks and tabs around it.
+[[nodiscard]] KVSIG_API std::string_view trimmed(std::string_view text);
+
 /// Writes the bytes as they are: the host's stream keeps its width, flags and locale out of it.
 KVSIG_API void writeText(std::ostream& stream, std::string_view text);
 

@@ -4,12 +4,16 @@
 #include "kvsig/registry/FrontDoor.h"
 #include "kvsig/registry/ReadableFormats.h"
 #include "kvsig/registry/types/FileTypes.h"
+#include "kvsig/util/LogSink.h"
+#include "support/LogCapture.h"
 #include "support/Opened.h"
 #include "support/ReadAround.h"
 #include "support/SameSamples.h"
 
 #include <algorithm>
 #include <climits>
+#include <deque>
+#include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -290,6 +294,25 @@ TEST_P(ReaderCompliance, DamagedFilesAreToldOrRead) {
         static_cast<void>(other->inspectFile());
     }
     EXPECT_GT(opened, 30);
+}
+
+// One that is there and does not open may name channels, scale them or place events.
+TEST_P(ReaderCompliance, CompanionsThatDoNotOpenAreTold) {
+    for (const auto& [name, bytes] : file.companions) {
+        std::filesystem::remove(dir.file(name));
+        std::filesystem::create_symlink("nowhere", dir.file(name));
+        const auto other = newReader();
+        if (other->open(path.c_str()) &&
+            other->openFindings().size() == reader->openFindings().size()) {
+            test::LogCapture log;
+            std::deque<ClientEvent> events;
+            other->readEvents(events);
+            EXPECT_THAT(log.take(logWarning), testing::Contains(testing::HasSubstr("no such file")))
+                << name;
+        }
+        std::filesystem::remove(dir.file(name));
+        dir.write(name, bytes);
+    }
 }
 
 TEST_P(ReaderCompliance, TwoReadersOfOneFileDoNotDisturbEachOther) {

@@ -29,6 +29,7 @@ struct SampleRecording {
     double pause = 0.0;         ///< seconds; 0 without
     std::string attributes;     ///< read before the file is opened, unless it is empty
     std::vector<std::pair<std::string, std::string>> companions; ///< names and bytes
+    std::string otherDoor; ///< the companion by which it opens too; empty: none
     /// The raw count of a stored sample.
     std::function<std::int32_t(int channel, long index)> raw;
 

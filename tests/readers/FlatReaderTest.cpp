@@ -10,13 +10,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-namespace kvsig {
+namespace kvsig::test {
 namespace {
 
-using test::Bytes;
-using test::rampCount;
-using test::rawOf;
-using test::valuesOf;
 using testing::HasSubstr;
 using Counts = std::vector<std::int32_t>;
 
@@ -44,7 +40,7 @@ class ScriptedFlatReader : public FlatReader {
     void listEvents(std::vector<FlatEvent>& listed) override { listed = events; }
 
   private:
-    test::TempDir m_dir;
+    TempDir m_dir;
     std::function<void(FlatRecording&)> m_script;
 };
 
@@ -139,60 +135,38 @@ TEST(FlatReader, GetDataGivesPhysicalValuesAtGainOne) {
     }
 }
 
-// The same 3 channels of 100 samples, stored in every way in two pieces with rubbish in between.
-TEST(FlatReader, FramesGroupsAndRunsOfChannelsGiveTheSameSamples) {
-    constexpr int channels = 3;
-    constexpr std::int64_t firstPiece = 37, count = 100;
-    enum class Way { frames, spacedFrames, groups, runs };
-    for (const Way way : {Way::frames, Way::spacedFrames, Way::groups, Way::runs}) {
-        SCOPED_TRACE(static_cast<int>(way));
-        Bytes bytes;
-        bytes.add("head");
-        const std::int64_t head = way == Way::spacedFrames ? 5 : 0;
-        const std::int64_t together = way == Way::groups ? 8 : 1;
-        const std::int64_t frameBytes = way == Way::runs ? 2 : 2 * channels + head;
-        std::vector<FlatTrack> tracks(way == Way::runs ? channels : 1);
-        for (FlatTrack& track : tracks) {
-            track.frameBytes = frameBytes;
-            track.together = together;
-        }
-        for (const auto& [from, to] :
-             {std::pair(std::int64_t{0}, firstPiece), {firstPiece, count}}) {
-            if (way != Way::runs)
-                tracks[0].pieces.push_back({static_cast<std::int64_t>(bytes.size()), to - from});
-            const std::int64_t step = way == Way::groups ? together : way == Way::runs ? count : 1;
-            for (std::int64_t group = from; group < to; group += step) {
-                bytes.add(std::string(static_cast<std::size_t>(head), '#'));
-                for (int c = 0; c < channels; ++c) {
-                    if (way == Way::runs)
-                        tracks[static_cast<std::size_t>(c)].pieces.push_back(
-                            {static_cast<std::int64_t>(bytes.size()), to - from});
-                    for (std::int64_t i = group; i < std::min(group + step, to); ++i)
-                        bytes.add(static_cast<std::int16_t>(rampCount(c, i)));
-                }
-            }
-            bytes.add("rubbish");
-        }
-        ScriptedFlatReader reader(bytes.str(), [&](FlatRecording& recording) {
-            recording.tracks = tracks;
-            for (int c = 0; c < channels; ++c)
-                recording.channels.push_back(
-                    channelOf({}, way == Way::runs ? 0 : head + 2 * c, way == Way::runs ? c : 0));
-            recording.segments = {{firstPiece, 100.0}, {count - firstPiece, 200.0}};
-        });
-        ASSERT_TRUE(reader.isOpen) << reader.lastErrorText();
-        for (int c = 0; c < channels; ++c)
-            for (const long first : {0L, 5L, 36L, 37L, 95L}) {
-                Counts expected;
-                for (std::int64_t i = first; i < count; ++i)
-                    expected.push_back(rampCount(c, i));
-                reader.flushPages(false);
-                EXPECT_EQ(rawOf(reader, c, first, count - 1), expected) << c << " from " << first;
-            }
-        reader.setChannelCount(2); // a host's own idea
-        reader.flushPages(false);
-        EXPECT_EQ(rawOf(reader, 1, 99, 99), Counts{rampCount(1, 99)});
+// Groups of 8 frames in two pieces with rubbish before them, a short group at the end of each.
+// Frames and runs of channels are those of the compliance kit.
+TEST(FlatReader, GroupsOfFramesAreReadAcrossPieces) {
+    constexpr std::int64_t count = 100, together = 8;
+    FlatTrack track{6, together, 0.0, {}, {}};
+    Bytes bytes;
+    for (const auto& [from, to] : {std::pair(std::int64_t{0}, std::int64_t{37}), {37, count}}) {
+        bytes.add("rubbish");
+        track.pieces.push_back({static_cast<std::int64_t>(bytes.size()), to - from});
+        for (std::int64_t group = from; group < to; group += together)
+            for (int c = 0; c < 3; ++c)
+                for (std::int64_t i = group; i < std::min(group + together, to); ++i)
+                    bytes.add(static_cast<std::int16_t>(rampCount(c, i)));
     }
+    ScriptedFlatReader reader(bytes.str(), [&](FlatRecording& recording) {
+        recording.tracks = {track};
+        for (int c = 0; c < 3; ++c)
+            recording.channels.push_back(channelOf({}, 2 * c));
+        recording.segments = {{37, 100.0}, {count - 37, 200.0}};
+    });
+    ASSERT_TRUE(reader.isOpen) << reader.lastErrorText();
+    for (int c = 0; c < 3; ++c)
+        for (const long first : {0L, 5L, 36L, 37L, 95L}) {
+            Counts expected;
+            for (std::int64_t i = first; i < count; ++i)
+                expected.push_back(rampCount(c, i));
+            reader.flushPages(false);
+            EXPECT_EQ(rawOf(reader, c, first, count - 1), expected) << c << " from " << first;
+        }
+    reader.setChannelCount(2); // a host's own idea
+    reader.flushPages(false);
+    EXPECT_EQ(rawOf(reader, 1, 99, 99), Counts{rampCount(1, 99)});
 }
 
 // 10 Hz and 3 Hz: in a segment, sample j shows the slow channel's floor(j * 3 / 10).
@@ -284,6 +258,28 @@ TEST(FlatReader, AClockThatWasSetBackAddsNoDay) {
     EXPECT_THAT(reader.openFindings()[0].text, HasSubstr("begins 100 s before"));
 }
 
+// A few bytes of a header claim any rate.
+TEST(FlatReader, PagesAndChunksAreNoLongerThanTheRecording) {
+    const struct {
+        double rate;
+        long count;
+        int chunk, page;
+    } cases[] = {{10, 100, 10, 50}, {10, 31, 10, 40},  {10, 20, 10, 20},
+                 {10, 7, 7, 7},     {1e7, 50, 50, 50}, {1e300, 50, 50, 50}};
+    for (const auto& c : cases) {
+        ScriptedFlatReader reader(std::string(200, '\1'), [&](FlatRecording& recording) {
+            oneChannel(recording, {}, c.count);
+            recording.rate = c.rate;
+        });
+        EXPECT_EQ(reader.chunkPts(), c.chunk) << c.rate;
+        EXPECT_EQ(reader.getPagePts(), c.page) << c.rate;
+        EXPECT_EQ(rawOf(reader, 0, 0, c.count - 1),
+                  Counts(static_cast<std::size_t>(c.count), 0x0101));
+        reader.setPageDuration(std::nan(""));
+        EXPECT_EQ(reader.getPagePts(), c.chunk);
+    }
+}
+
 TEST(FlatReader, DescriptionsThatLieAreRefused) {
     const struct {
         std::function<void(FlatRecording&)> lie;
@@ -315,9 +311,9 @@ TEST(FlatReader, DescriptionsThatLieAreRefused) {
         EXPECT_FALSE(reader.isOpen) << c.sentence;
         EXPECT_EQ(reader.getLastError(), 2);
         EXPECT_THAT(reader.lastErrorText(), HasSubstr(c.sentence));
-        test::readAround(reader);
+        readAround(reader);
     }
 }
 
 } // namespace
-} // namespace kvsig
+} // namespace kvsig::test

@@ -9,21 +9,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-namespace kvsig {
+namespace kvsig::test {
 namespace {
 
-using test::MicromedFile;
-using test::poked;
-using test::tells;
-using test::u16;
-using test::u32;
-using test::u8;
-using test::valuesOf;
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-struct Micromed : test::ReaderFixture<MicromedReader> {
+struct Micromed : ReaderFixture<MicromedReader> {
     Micromed() : ReaderFixture("EEG_1.TRC") {}
 
     static constexpr double start = 23 * 3600 + 5 * 60 + 7;
@@ -69,26 +62,17 @@ TEST_F(Micromed, ChannelsAreFoundAndCalibratedThroughTheirElectrodes) {
     EXPECT_STREQ(reader.patientRec()->testTime, "23:05:07");
 }
 
-TEST_F(Micromed, SamplesHaveOneTwoOrFourBytes) {
-    const struct {
-        int bytes;
-        MicromedFile::Channel facts;
-        std::size_t findings;
-    } cases[] = {
-        {1, {.positive = "a", .high = 255, .ground = 128}, 0},
-        {2, {.positive = "a"}, 0},
-        {4, {.positive = "a", .high = 65535}, 1},                             // unsigned
-        {4, {.positive = "a", .low = -40000, .high = 40000, .ground = 0}, 1}, // signed
-    };
-    for (const auto& c : cases) {
+TEST_F(Micromed, SamplesOfFourBytesAreSignedWhereTheirLimitsSaySo) {
+    for (const int low : {0, -40000}) {
         MicromedFile file;
-        ASSERT_TRUE(opens(file.channel(c.facts).sampleBytes(c.bytes).frames(50)));
+        const int ground = low < 0 ? 0 : 32768;
+        file.channel({.positive = "a", .low = low, .high = 65535, .ground = ground});
+        ASSERT_TRUE(opens(file.sampleBytes(4).frames(50)));
         for (const long i : {0L, 1L, 48L, 49L})
             EXPECT_NEAR(valuesOf(reader, 0, i, i)[0],
-                        static_cast<double>(file.stored(0, i) - c.facts.ground) * 6400 /
-                            (c.facts.high - c.facts.low + 1),
+                        static_cast<double>(file.stored(0, i) - ground) * 6400 / (65536 - low),
                         1e-3);
-        EXPECT_EQ(findings().size(), c.findings) << c.bytes;
+        EXPECT_THAT(findings(), ElementsAre(HasSubstr(low < 0 ? " signed ones" : " unsigned")));
     }
 }
 
@@ -135,18 +119,22 @@ TEST_F(Micromed, EventsOfAllZonesAndOfTheFileBesideIt) {
                            "<End>2026-07-04T23:05:10.00+02:00</End><Text>a &amp; b</Text>"
                            "<ExtraText>left</ExtraText></Event>"
                            "<Event><Begin>soon</Begin><Text>no time</Text></Event>"
-                           "<Event><Begin>2026-07-05T23:05:09</Begin><Text>late</Text></Event>"
+                           "<Event><Begin>2026-07-05T23:05:09</Begin><End>?</End></Event>"
                            "</Events></EventFile>");
     ASSERT_TRUE(opens(file));
     std::vector<std::string> all = own;
     all.insert(all.end() - 1, "250+500 a & b left");
-    test::LogCapture log;
+    LogCapture log;
     EXPECT_EQ(events(), all);
-    EXPECT_THAT(log.take(), tells("1 events are left out, whose Begin is no date and time"));
+    EXPECT_THAT(log.take(logWarning),
+                ElementsAre(HasSubstr("evt: events whose Begin is no date and time as yyyy-mm-dd "
+                                      "hh:mm:ss are left out (1)"),
+                            HasSubstr("End is no date and time as yyyy-mm-dd hh:mm:ss are shown")));
     for (const char* damaged : {"", "<EventFile><Events>", "<a/>", "\xFF\xFE"}) {
         dir.write("eeg_1.evt", damaged);
         ASSERT_TRUE(opens(file));
         EXPECT_EQ(events(), own) << damaged;
+        EXPECT_THAT(log.take(logWarning), ElementsAre(HasSubstr("its events are left out: ")));
     }
     // A zone that leaves the file is none.
     dir.write("eeg_1.evt", "<a/>");
@@ -157,6 +145,25 @@ TEST_F(Micromed, EventsOfAllZonesAndOfTheFileBesideIt) {
     ASSERT_TRUE(opens(poked(file.bytes(), 176 + 4 * 16 + 12, u32(~0U))));
     EXPECT_EQ(reader.getClockTime(0.0), start);
     EXPECT_THAT(findings(), ElementsAre(HasSubstr("bytes: pauses are not shown")));
+}
+
+TEST_F(Micromed, ZonesThatHoldMoreThanIsReadAreTold) {
+    const std::string good = MicromedFile().channel({"a"}).frames(500).bytes();
+    const auto withZone = [](const std::string& bytes, std::size_t zone, std::size_t offset,
+                             std::size_t length) {
+        return poked(bytes, 176 + 16 * zone + 8, u32(offset) + u32(length));
+    };
+    for (const std::size_t length : {800U, 808U}) { // samples taken for flags
+        ASSERT_TRUE(opens(withZone(good, 3, MicromedFile::dataOffset(), length)));
+        EXPECT_EQ(findings().size(), length > 800 ? 1U : 0U);
+    }
+    EXPECT_THAT(findings(), tells("zone FLAGS holds more than 100 records: the rest is left out"));
+    std::string pieces;
+    for (std::size_t i = 0; i <= 100; ++i)
+        pieces += u32(5 + 10 * i) + u32(i);
+    ASSERT_TRUE(opens(withZone(good + pieces, 4, good.size(), pieces.size())));
+    EXPECT_EQ(reader.sampleTimeCount(), 100);
+    EXPECT_THAT(findings(), tells("zone TRONCA holds more than 100 pieces"));
 }
 
 TEST_F(Micromed, OtherVariantsAndLyingHeadersAreRefused) {
@@ -202,4 +209,4 @@ TEST_F(Micromed, OtherVariantsAndLyingHeadersAreRefused) {
 }
 
 } // namespace
-} // namespace kvsig
+} // namespace kvsig::test

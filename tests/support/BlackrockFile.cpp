@@ -15,22 +15,7 @@ void putStart(Bytes& bytes, std::size_t offset, int hour) {
 
 } // namespace
 
-BlackrockFile& BlackrockFile::channels(int count) {
-    for (int i = 0; i < count; ++i)
-        channel({.name = "RAMY" + std::to_string(i + 1)});
-    return *this;
-}
-
-BlackrockFile& BlackrockFile::block(std::uint64_t stamp, std::int64_t frames, std::int64_t said) {
-    m_blocks.push_back({stamp, frames, said < 0 ? frames : said});
-    return *this;
-}
-
-std::size_t BlackrockFile::headerBytes() const {
-    return bare() ? 32 + 4 * m_channels.size() : 314 + 66 * m_channels.size();
-}
-
-std::string BlackrockFile::bytes() const {
+Bytes BlackrockFile::made() const {
     Bytes out;
     out.put(0, m_id, 8);
     if (bare()) {
@@ -72,33 +57,7 @@ std::string BlackrockFile::bytes() const {
             for (std::size_t c = 0; c < m_channels.size(); ++c)
                 out.add(static_cast<std::int16_t>(rampCount(static_cast<int>(c), index)));
     }
-    return out.add(m_tail).str();
-}
-
-std::vector<std::size_t> BlackrockFile::boundaries() const {
-    std::vector<std::size_t> offsets = {0, 8, 24, 28, 32};
-    if (!bare())
-        offsets = {0, 8, 9, 10, 14, 30, 286, 290, 294, 310, 314};
-    for (std::size_t i = 0; i < m_channels.size(); ++i)
-        for (const std::size_t field : {2U, 4U, 20U, 22U, 24U, 26U, 28U, 30U, 46U, 56U, 66U})
-            if (!bare())
-                offsets.push_back(314 + 66 * i + field);
-    const std::size_t data = headerBytes();
-    offsets.push_back(data);
-    for (const std::size_t field : {1U, wide() ? 9U : 5U, wide() ? 13U : 9U})
-        if (!bare())
-            offsets.push_back(data + field);
-    return offsets;
-}
-
-BlackrockEventFile& BlackrockEventFile::scale(std::uint16_t electrode, std::uint16_t nanovolts) {
-    m_extensions.emplace_back().put(0, "NEUEVWAV", 8).put(8, electrode).put(12, nanovolts);
-    return *this;
-}
-
-BlackrockEventFile& BlackrockEventFile::label(std::uint16_t electrode, const std::string& text) {
-    m_extensions.emplace_back().put(0, "NEUEVLBL", 8).put(8, electrode).put(10, text, 16);
-    return *this;
+    return out.add(m_tail);
 }
 
 Bytes& BlackrockEventFile::packet(std::uint64_t stamp, std::uint16_t id) {
@@ -108,26 +67,6 @@ Bytes& BlackrockEventFile::packet(std::uint64_t stamp, std::uint16_t id) {
     else
         made.add(static_cast<std::uint32_t>(stamp));
     return made.add(id);
-}
-
-BlackrockEventFile& BlackrockEventFile::digital(std::uint64_t stamp, std::uint16_t value) {
-    packet(stamp, 0).add(std::uint8_t{1}).add(std::uint8_t{0}).add(value);
-    return *this;
-}
-
-BlackrockEventFile& BlackrockEventFile::spike(std::uint64_t stamp, std::uint16_t electrode) {
-    packet(stamp, electrode).add(std::uint8_t{2}).add(std::uint8_t{0}).add(std::int16_t{77});
-    return *this;
-}
-
-BlackrockEventFile& BlackrockEventFile::comment(std::uint64_t stamp, const std::string& text,
-                                                int charset) {
-    packet(stamp, 0xFFFF)
-        .add(static_cast<std::uint8_t>(charset))
-        .add(std::uint8_t{0})
-        .add(std::uint32_t{0xFF})
-        .add(text);
-    return *this;
 }
 
 std::string BlackrockEventFile::bytes() const {

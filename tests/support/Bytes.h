@@ -5,9 +5,11 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <set>
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <vector>
 
 namespace kvsig::test {
 
@@ -36,6 +38,7 @@ class Bytes {
         field.resize(width, pad);
         m_bytes.resize(std::max(m_bytes.size(), offset + width));
         m_bytes.replace(offset, width, field);
+        m_fields.push_back(offset);
         return *this;
     }
 
@@ -51,9 +54,17 @@ class Bytes {
 
     [[nodiscard]] std::size_t size() const { return m_bytes.size(); }
     [[nodiscard]] const std::string& str() const { return m_bytes; }
+    /// Where what was put begins, in order, up to `end`, which is the last.
+    [[nodiscard]] std::vector<std::size_t> boundaries(std::size_t end) const {
+        std::set<std::size_t> offsets(m_fields.begin(), m_fields.end());
+        offsets.erase(offsets.lower_bound(end), offsets.end());
+        offsets.insert(end);
+        return {offsets.begin(), offsets.end()};
+    }
 
   private:
     std::string m_bytes;
+    std::vector<std::size_t> m_fields;
 };
 
 /// The bytes of a number of so many bits.

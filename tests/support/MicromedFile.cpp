@@ -16,33 +16,6 @@ constexpr Zone zones[] = {
 
 } // namespace
 
-MicromedFile& MicromedFile::note(std::uint32_t sample, const std::string& text) {
-    const std::size_t base = m_notes.size();
-    m_notes.put(base, sample).put(base + 4, text, 40, '\1');
-    return *this;
-}
-
-MicromedFile& MicromedFile::flag(std::uint32_t begin, std::uint32_t end) {
-    m_flags.add(begin).add(end);
-    return *this;
-}
-
-MicromedFile& MicromedFile::event(char list, std::uint32_t code, std::uint32_t begin,
-                                  std::uint32_t end) {
-    (list == 'A' ? m_eventsA : m_eventsB).add(code).add(begin).add(end);
-    return *this;
-}
-
-MicromedFile& MicromedFile::trigger(std::uint32_t sample, std::uint16_t value) {
-    m_triggers.add(sample).add(value);
-    return *this;
-}
-
-MicromedFile& MicromedFile::piece(std::uint32_t original, std::uint32_t own) {
-    m_pieces.add(original).add(own);
-    return *this;
-}
-
 std::int64_t MicromedFile::stored(int channel, long index) const {
     const Channel& facts = m_channels[static_cast<std::size_t>(channel)];
     const std::int64_t ramp = rampCount(channel, index, m_bytes == 1 ? 113 : 30011);
@@ -59,9 +32,7 @@ std::size_t MicromedFile::zoneStart(const std::string& name) {
     return start;
 }
 
-std::size_t MicromedFile::dataOffset() { return zoneStart(""); }
-
-std::string MicromedFile::bytes() const {
+Bytes MicromedFile::made() const {
     Bytes out;
     out.put(0, "* MICROMED  Brain-Quick file *", 32, ' ').put(32, "Ward 7", 32, ' ');
     out.put(64, "Mustermann", 22, ' ').put(86, "Erika", 20, '\0');
@@ -110,20 +81,7 @@ std::string MicromedFile::bytes() const {
         for (int c = 0; c < channels; ++c)
             for (int byte = 0; byte < m_bytes; ++byte)
                 samples.push_back(static_cast<char>(stored(c, i) >> (8 * byte) & 0xFF));
-    return out.str() + samples;
-}
-
-std::vector<std::size_t> MicromedFile::boundaries() {
-    std::vector<std::size_t> offsets = {0, 32, 64, 86, 106, 128, 138, 142, 144, 146, 148, 150, 175};
-    for (std::size_t zone = 176; zone < 416; zone += 8)
-        offsets.push_back(zone);
-    for (const Zone& zone : zones)
-        offsets.push_back(zoneStart(zone.name));
-    for (const std::size_t field : {2U, 8U, 14U, 18U, 22U, 26U, 30U, 34U, 44U, 128U})
-        offsets.push_back(zoneStart("LABCOD") + field);
-    offsets.push_back(dataOffset());
-    std::sort(offsets.begin(), offsets.end());
-    return offsets;
+    return out.add(samples);
 }
 
 } // namespace kvsig::test

@@ -24,21 +24,35 @@ class MicromedFile {
     MicromedFile& rate(int hertz) { return m_rate = hertz, *this; }
     MicromedFile& sampleBytes(int bytes) { return m_bytes = bytes, *this; }
     MicromedFile& frames(long count) { return m_frames = count, *this; }
-    MicromedFile& note(std::uint32_t sample, const std::string& text);
-    MicromedFile& flag(std::uint32_t begin, std::uint32_t end);
-    MicromedFile& event(char list, std::uint32_t code, std::uint32_t begin, std::uint32_t end);
-    MicromedFile& trigger(std::uint32_t sample, std::uint16_t value);
-    MicromedFile& piece(std::uint32_t original, std::uint32_t own);
+    MicromedFile& note(std::uint32_t sample, const std::string& text) {
+        return m_notes.add(sample).put(m_notes.size(), text, 40, '\1'), *this;
+    }
+    MicromedFile& flag(std::uint32_t begin, std::uint32_t end) {
+        return m_flags.add(begin).add(end), *this;
+    }
+    MicromedFile& event(char list, std::uint32_t code, std::uint32_t begin, std::uint32_t end) {
+        return (list == 'A' ? m_eventsA : m_eventsB).add(code).add(begin).add(end), *this;
+    }
+    MicromedFile& trigger(std::uint32_t sample, std::uint16_t value) {
+        return m_triggers.add(sample).add(value), *this;
+    }
+    MicromedFile& piece(std::uint32_t original, std::uint32_t own) {
+        return m_pieces.add(original).add(own), *this;
+    }
 
     [[nodiscard]] std::int64_t stored(int channel, long index) const;
     /// Where a zone begins; the zones have places of their own, whatever is in them.
     [[nodiscard]] static std::size_t zoneStart(const std::string& name);
-    [[nodiscard]] std::string bytes() const;
-    [[nodiscard]] static std::size_t dataOffset();
+    [[nodiscard]] std::string bytes() const { return made().str(); }
+    [[nodiscard]] static std::size_t dataOffset() { return zoneStart(""); }
     /// Offsets at which fields of the header and of its zones begin, up to the first sample.
-    [[nodiscard]] static std::vector<std::size_t> boundaries();
+    [[nodiscard]] std::vector<std::size_t> boundaries() const {
+        return made().boundaries(dataOffset());
+    }
 
   private:
+    [[nodiscard]] Bytes made() const;
+
     std::vector<Channel> m_channels;
     int m_rate = 256, m_bytes = 2;
     long m_frames = 10;

@@ -4,17 +4,6 @@
 
 namespace kvsig::test {
 
-NeuroscanFile& NeuroscanFile::channels(int count) {
-    for (int i = 0; i < count; ++i)
-        channel({.label = "E" + std::to_string(i + 1)});
-    return *this;
-}
-
-NeuroscanFile& NeuroscanFile::event(long sample, int code, int key, int keypadAndStatus) {
-    m_events.push_back({sample, code, key, keypadAndStatus});
-    return *this;
-}
-
 std::int32_t NeuroscanFile::value(int channel, long index) const {
     if (!m_smooth)
         return rampCount(channel, index);
@@ -27,7 +16,7 @@ std::size_t NeuroscanFile::tableOffset() const {
                               static_cast<std::size_t>(m_bytes);
 }
 
-std::string NeuroscanFile::bytes() const {
+Bytes NeuroscanFile::made() const {
     const std::size_t recordBytes = m_tableType == 1 ? 8 : 19;
     const std::size_t trailerOffset = tableOffset() + 9 + recordBytes * m_events.size();
     Bytes out;
@@ -74,16 +63,7 @@ std::string NeuroscanFile::bytes() const {
         out.put(trailerOffset, "NSI TFF", 8)
             .put(trailerOffset + 52, static_cast<std::uint8_t>(m_trailer))
             .padTo(trailerOffset + 60);
-    return out.str();
-}
-
-std::vector<std::size_t> NeuroscanFile::boundaries() const {
-    std::vector<std::size_t> offsets = {0,   12,  16,  20,  21,  41,  61,  121, 141, 143, 145, 205,
-                                        225, 235, 370, 376, 804, 864, 885, 886, 890, 894, 900};
-    for (std::size_t i = 0; i < m_channels.size(); ++i)
-        for (const std::size_t field : {10U, 47U, 59U, 71U, 75U})
-            offsets.push_back(900 + 75 * i + field);
-    return offsets;
+    return out;
 }
 
 } // namespace kvsig::test

@@ -20,7 +20,11 @@ class NeuroscanFile {
         float sensitivity = 17.1875F, calibration = 1.0F;
     };
 
-    NeuroscanFile& channels(int count);
+    NeuroscanFile& channels(int count) {
+        for (int i = 0; i < count; ++i)
+            channel({.label = "E" + std::to_string(i + 1)});
+        return *this;
+    }
     NeuroscanFile& channel(Channel facts) { return m_channels.push_back(std::move(facts)), *this; }
     NeuroscanFile& frames(long count) { return m_frames = count, *this; }
     NeuroscanFile& sampleBytes(int bytes) { return m_bytes = bytes, *this; }
@@ -34,16 +38,22 @@ class NeuroscanFile {
     NeuroscanFile& date(const std::string& text) { return m_date = text, *this; }
     NeuroscanFile& tableType(int type) { return m_tableType = type, *this; }
     NeuroscanFile& smoothSignal() { return m_smooth = true, *this; }
-    NeuroscanFile& event(long sample, int code, int key, int keypadAndStatus);
+    NeuroscanFile& event(long sample, int code, int key, int keypadAndStatus) {
+        return m_events.push_back({sample, code, key, keypadAndStatus}), *this;
+    }
 
     [[nodiscard]] std::int32_t value(int channel, long index) const;
     [[nodiscard]] std::size_t dataOffset() const { return 900 + 75 * m_channels.size(); }
     [[nodiscard]] std::size_t tableOffset() const;
-    [[nodiscard]] std::string bytes() const;
+    [[nodiscard]] std::string bytes() const { return made().str(); }
     /// Offsets at which fields of the header begin, up to the first sample.
-    [[nodiscard]] std::vector<std::size_t> boundaries() const;
+    [[nodiscard]] std::vector<std::size_t> boundaries() const {
+        return made().boundaries(dataOffset());
+    }
 
   private:
+    [[nodiscard]] Bytes made() const;
+
     struct Event {
         long sample;
         int code, key, keypadAndStatus;

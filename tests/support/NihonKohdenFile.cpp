@@ -27,7 +27,7 @@ std::size_t NihonKohdenFile::blockOffset(std::size_t index) const {
     return offset;
 }
 
-std::string NihonKohdenFile::bytes() const {
+Bytes NihonKohdenFile::made() const {
     Bytes out;
     putSignature(out, m_signature);
     out.put(0x20, "MB0400FU.PNT", 16).put(0x40, m_start.empty() ? m_blocks[0].time : m_start, 14);
@@ -61,19 +61,7 @@ std::string NihonKohdenFile::bytes() const {
             out.add(std::uint16_t{2}); // the mark word
         }
     }
-    return out.str();
-}
-
-std::vector<std::size_t> NihonKohdenFile::boundaries() const {
-    std::vector<std::size_t> offsets = {0,    0x10, 0x20, 0x30, 0x40, 0x4E, 0x4F,
-                                        0x6F, 0x81, 0x91, 0x92, 0x96, 0xA6};
-    for (const std::size_t field : {0U, 1U, 17U, 18U, 22U, 38U})
-        offsets.push_back(controlOffset + field);
-    for (const std::size_t field : {0U, 1U, 0x11U, 0x14U, 0x1AU, 0x1CU, 0x20U, 0x26U})
-        offsets.push_back(firstBlock + field);
-    for (std::size_t k = 0; k <= m_codes.size(); ++k)
-        offsets.push_back(firstBlock + 0x27 + 10 * k);
-    return offsets;
+    return out;
 }
 
 std::string nihonKohdenPage(const std::string& stem, const std::string& exam) {
@@ -85,12 +73,6 @@ std::string nihonKohdenPage(const std::string& stem, const std::string& exam) {
     out.put(0x672, "54Y07", 8).put(0x69C, "Arzt", 8).put(0x6AA, "Dr. Arzt", 20);
     out.put(0xB26, exam, 10);
     return out.padTo(0xC30).str();
-}
-
-NihonKohdenLog& NihonKohdenLog::entry(const std::string& text, const std::string& elapsed,
-                                      const std::string& clock, const std::string& fraction) {
-    m_blocks.back().push_back({text, elapsed, clock, fraction});
-    return *this;
 }
 
 std::string NihonKohdenLog::bytes() const {

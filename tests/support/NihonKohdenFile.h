@@ -30,11 +30,15 @@ class NihonKohdenFile {
 
     [[nodiscard]] std::size_t blockOffset(std::size_t index) const;
     [[nodiscard]] std::size_t headBytes() const { return 0x27 + 10 * m_codes.size(); }
-    [[nodiscard]] std::string bytes() const;
+    [[nodiscard]] std::string bytes() const { return made().str(); }
     /// Offsets at which the fields of the header begin, up to the first sample.
-    [[nodiscard]] std::vector<std::size_t> boundaries() const;
+    [[nodiscard]] std::vector<std::size_t> boundaries() const {
+        return made().boundaries(firstBlock + headBytes());
+    }
 
   private:
+    [[nodiscard]] Bytes made() const;
+
     struct Block {
         std::string time;
         std::int64_t frames;
@@ -57,7 +61,9 @@ class NihonKohdenLog {
   public:
     /// `fraction`: six digits, or empty.
     NihonKohdenLog& entry(const std::string& text, const std::string& elapsed,
-                          const std::string& clock, const std::string& fraction = {});
+                          const std::string& clock, const std::string& fraction = {}) {
+        return m_blocks.back().push_back({text, elapsed, clock, fraction}), *this;
+    }
     /// The entries from here on are in another log block.
     NihonKohdenLog& block() { return m_blocks.emplace_back(), *this; }
     [[nodiscard]] std::string bytes() const;

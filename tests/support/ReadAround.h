@@ -36,27 +36,38 @@ inline void readAround(DataReader& reader) {
     reader.readEvents(events);
 }
 
-/// Calls what a host may call before open() too, in no sensible order. The reader need not be open.
-inline void callEverySlot(DataReader& reader) {
-    readAround(reader);
-    std::stringstream stream("[FileInfo]\n[ChannelMap]\n");
-    std::vector<short> chunk(1 << 16);
+/// Calls what takes an index, inside and far outside of what there is.
+inline void askByIndex(DataReader& reader) {
+    std::stringstream stream;
     SampleTime anchor;
-    char name[PatientRec::displayNameSize];
-    void* self = nullptr;
-    static_cast<void>(reader.QueryInterface(IID_IDataReader, &self));
     for (const int i : {INT_MIN, -1, 0, 1, INT_MAX}) {
         static_cast<void>(reader.partFileName(i));
         static_cast<void>(reader.partSampleCount(i));
         static_cast<void>(reader.partDuration(i));
-        reader.setZeroChannel(i, true);
         static_cast<void>(reader.getItem(i, i, i));
-        static_cast<void>(reader.getSampleChunk(i, chunk.data()));
-        static_cast<void>(reader.getChunk(i, chunk.data(), static_cast<int>(chunk.size())));
+        static_cast<void>(reader.channelSampleCount(i));
+        static_cast<void>(reader.channelSamplingRate(i));
+        static_cast<void>(reader.zeroChannel(i));
         reader.getSampleTime(i, anchor);
         static_cast<void>(reader.montageName(i));
         static_cast<void>(reader.montageDefn(i, stream));
         static_cast<void>(reader.getChannelMapNames(i));
+    }
+}
+
+/// Calls what a host may call before open() too, in no sensible order. The reader need not be open.
+inline void callEverySlot(DataReader& reader) {
+    readAround(reader);
+    askByIndex(reader);
+    std::stringstream stream("[FileInfo]\n[ChannelMap]\n");
+    std::vector<short> chunk(1 << 16);
+    char name[PatientRec::displayNameSize];
+    void* self = nullptr;
+    static_cast<void>(reader.QueryInterface(IID_IDataReader, &self));
+    for (const int i : {INT_MIN, -1, 0, 1, INT_MAX}) {
+        reader.setZeroChannel(i, true);
+        static_cast<void>(reader.getSampleChunk(i, chunk.data()));
+        static_cast<void>(reader.getChunk(i, chunk.data(), static_cast<int>(chunk.size())));
         static_cast<void>(reader.isMap1010());
         static_cast<void>(reader.hostRecordA(i));
         static_cast<void>(reader.hostRecordB(i));

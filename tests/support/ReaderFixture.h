@@ -2,10 +2,14 @@
 
 #include "kvsig/kernel/ClientEvent.h"
 #include "support/Bytes.h"
+#include "support/Opened.h"
 #include "support/TempDir.h"
 
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <deque>
+#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <initializer_list>
@@ -13,6 +17,9 @@
 #include <vector>
 
 namespace kvsig::test {
+
+/// Among findings: one with this part.
+inline auto tells(const char* part) { return testing::Contains(testing::HasSubstr(part)); }
 
 /// A reader of files that are written into a folder of its own.
 template <typename Reader>
@@ -60,14 +67,47 @@ class ReaderFixture : public testing::Test {
         }
     }
 
+    struct Reading {
+        std::string bytes;
+        long samples;
+        const char* finding; ///< a part of one; empty: there is none
+        int anchors = 0;     ///< 0: not looked at
+    };
+    /// Each opens and holds `ramp` in all channels.
+    void reads(std::initializer_list<Reading> cases) {
+        for (const Reading& c : cases) {
+            SCOPED_TRACE(std::to_string(&c - cases.begin()) + " " + c.finding);
+            ASSERT_TRUE(opens(c.bytes)) << reader.lastErrorText();
+            ASSERT_EQ(reader.sampleCount(), c.samples);
+            holds(ramp);
+            if (*c.finding)
+                EXPECT_THAT(findings(), tells(c.finding));
+            else
+                EXPECT_THAT(findings(), testing::IsEmpty());
+            if (c.anchors > 0) {
+                EXPECT_EQ(reader.sampleTimeCount(), c.anchors);
+            }
+        }
+    }
+    /// Every sample of every channel is value(channel, index).
+    template <typename Value>
+    void holds(Value value) {
+        std::vector<std::int32_t> expected(static_cast<std::size_t>(reader.sampleCount()));
+        for (int c = 0; c < reader.channelCount(); ++c) {
+            for (std::size_t i = 0; i < expected.size(); ++i)
+                expected[i] = value(c, static_cast<long>(i));
+            ASSERT_EQ(rawOf(reader, c, 0, reader.sampleCount() - 1), expected) << c;
+        }
+    }
+    std::function<std::int32_t(int channel, long index)> ramp = [](int channel, long index) {
+        return rampCount(channel, index);
+    };
+
     TempDir dir;
     Reader reader;
 
   private:
     const char* m_name;
 };
-
-/// Among findings: one with this part.
-inline auto tells(const char* part) { return testing::Contains(testing::HasSubstr(part)); }
 
 } // namespace kvsig::test

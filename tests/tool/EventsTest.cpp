@@ -58,6 +58,17 @@ TEST(Events, ListsWhatTheRecordingHolds) {
     EXPECT_EQ(runCommand(dir, "plot a.trc -o a.svg").exitCode, 0);
 }
 
+// What a file beside the recording loses is told by every command that looks at events.
+TEST(Events, ThatAreLostAreTold) {
+    const TempDir dir;
+    dir.write("a.trc", MicromedFile().channel({"Fp1"}).rate(100).frames(300).bytes());
+    dir.write("a.evt", "<EventFile><Events>");
+    const std::string sentence = "a.evt: its events are left out: not well-formed XML";
+    EXPECT_THAT(runCommand(dir, "events a.trc").err, HasSubstr("kvsig: " + sentence));
+    EXPECT_THAT(runCommand(dir, "plot a.trc -o a.svg").err, HasSubstr("kvsig: " + sentence));
+    EXPECT_THAT(runCommand(dir, "check a.trc").out, HasSubstr("a.trc: warning: " + sentence));
+}
+
 ListedEvent at(double seconds, const std::string& text, double duration = 0.0) {
     ListedEvent event;
     event.seconds = seconds;

@@ -77,6 +77,10 @@ TEST(NeighbourFile, FindsNamesFromOtherSystems) {
     dir.write("rec.dat", "1");
     EXPECT_EQ(neighbourFile(layout, "old/rec.dat"), dir.file("rec.dat"));
     EXPECT_EQ(neighbourFile(layout, "absent"), "");
+    std::filesystem::create_symlink("nowhere", dir.file("Lost.dat"));
+    EXPECT_EQ(neighbourFile(layout, "lost.dat"), dir.file("Lost.dat")) << "there, though not open";
+    std::filesystem::create_directory(dir.file("folder"));
+    EXPECT_EQ(neighbourFile(layout, "folder"), "");
     EXPECT_EQ(neighbourFile(layout, "old/"), "");
     EXPECT_EQ(neighbourFile(dir.file("no/such/x.lay"), "rec.dat"), "");
 }

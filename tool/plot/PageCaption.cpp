@@ -3,7 +3,10 @@
 #include "kvsig/filters/DisplayText.h"
 #include "kvsig/util/NeighbourFile.h"
 #include "kvsig/util/NumberText.h"
+#include "kvsig/util/Text.h"
 #include "tool/Words.h"
+
+#include <algorithm>
 
 namespace kvsig::tool {
 namespace {
@@ -15,7 +18,11 @@ std::string hertz(double value) {
 
 } // namespace
 
-std::string titleText(const Recording& recording, const MontageChoice& montage) {
+std::string titleText(const Recording& recording, const std::vector<Row>& rows,
+                      const MontageChoice& montage) {
+    const auto standsAgainst = [&montage](const Row& row) {
+        return row.source && equalNoCase(row.source->grid2(), montage.reference);
+    };
     std::string title;
     if (recording.isPair())
         for (const DataReader* member : recording.members())
@@ -24,7 +31,7 @@ std::string titleText(const Recording& recording, const MontageChoice& montage) 
         title = baseName(recording.path);
     if (!montage.name.empty())
         title += ", " + montage.name;
-    if (!montage.reference.empty())
+    if (!montage.reference.empty() && std::any_of(rows.begin(), rows.end(), standsAgainst))
         title += ", against " + montage.reference;
     return toUtf8(title);
 }

@@ -9,7 +9,8 @@ namespace kvsig::tool {
 namespace {
 
 constexpr double tallestPage = 1000.0; // mm; a picture of it stays below 64 MiB
-constexpr double bottomMargin = 18.0;
+constexpr double bottomMargin = 17.0;
+constexpr double belowTraces = 3.5; // for what reaches below the lowest row, as above the highest
 constexpr double clockWidth = 17.0; // mm that a clock text takes, with a gap
 constexpr double finestLines = 1.5; // mm between lines that still read as lines
 
@@ -35,8 +36,9 @@ double niceStep(double atLeast) {
 PageLayout::PageLayout(std::size_t rows, double aboveTraces) {
     top += aboveTraces;
     const auto count = static_cast<double>(std::max<std::size_t>(rows, 1));
-    rowSpacing = std::min(spacingFor(rows), (tallestPage - top - bottomMargin) / count);
-    bottom = top + rowSpacing * count;
+    rowSpacing =
+        std::min(spacingFor(rows), (tallestPage - top - belowTraces - bottomMargin) / count);
+    bottom = top + rowSpacing * count + belowTraces;
     height = bottom + bottomMargin;
 }
 
