@@ -53,7 +53,7 @@ KVSIG_API void writeSampleTimes(std::ostream& stream, const std::vector<SampleTi
 [[nodiscard]] KVSIG_API std::vector<SampleTime> readSampleTimes(std::istream& stream);
 /// Hands out those lines as anchors; `take` says whether one counts. Returns a sentence about the
 /// lines that do not, and one about times that are a number by their beginning only.
-[[nodiscard]] std::vector<std::string>
+[[nodiscard]] KVSIG_API std::vector<std::string>
 takeSampleTimes(std::istream& stream, const std::function<bool(SampleTime& anchor)>& take);
 
 } // namespace kvsig
