@@ -6,6 +6,7 @@
 #include "tool/FactsOfFiles.h"
 #include "tool/Recording.h"
 #include "tool/Words.h"
+#include "tool/check/AnchorOddities.h"
 #include "tool/check/ChannelOddities.h"
 
 #include <algorithm>
@@ -86,6 +87,7 @@ Report checkOpened(const Recording& recording) {
         const std::string prefix = recording.isPair() ? member->filePath() + ": " : "";
         report.add(member->openFindings(), prefix);
         report.add(member->inspectFile(), prefix);
+        report.add(anchorOddities(*member), prefix);
         for (const std::string& lost : lostEventsOf(*member))
             report.findings.push_back(
                 {Severity::warning,

@@ -1,4 +1,5 @@
 #include "tool/Command.h"
+#include "tool/CountStream.h"
 #include "tool/ExportWriters.h"
 #include "tool/FileNames.h"
 #include "tool/RowStream.h"
@@ -7,7 +8,6 @@
 #include "tool/raw/RawExport.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -24,38 +24,22 @@ struct ExportOptions {
 };
 
 bool hasRawValues(const Selection& selection) {
-    const Recording& recording = selection.recording;
     for (const Row& row : selection.rows.rows()) {
-        std::string why;
-        if (row.channel < 0)
-            why = " is a derivation, which has no raw values";
-        else if (recording.placeOf(row.channel).reader->samplingRate() !=
-                 recording.reader->samplingRate())
-            why = " is stretched to the rate of the other recording, which has no raw values";
-        if (why.empty())
+        if (row.channel >= 0)
             continue;
-        complain(recording.path + ": --values raw: " + row.name + why);
+        complain(selection.recording.path + ": --values raw: " + row.name +
+                 " is a derivation, which has no raw values");
         return false;
     }
     return true;
 }
 
 bool writeRaw(const Selection& selection, TableWriter& writer, LongWork& work) {
-    const std::vector<Row>& rows = selection.rows.rows();
-    const SampleRange range = selection.range;
-    const long window = windowLengthFor(rows, range);
-    std::vector<std::vector<std::int32_t>> columns(rows.size());
-    for (long first = range.first; first <= range.last; first += window) {
-        const SampleRange part{first, std::min(range.last, first + window - 1)};
-        for (std::size_t i = 0; i < columns.size(); ++i) {
-            columns[i].resize(static_cast<std::size_t>(part.length()));
-            const Recording::Place place = selection.recording.placeOf(rows[i].channel);
-            place.reader->getRawData(place.channel, part.first, part.last, columns[i].data());
-        }
-        if (!goOn(work, part, range) || !writer.writeRaw(part, columns))
+    CountStream stream(selection);
+    while (stream.next(work))
+        if (!writer.writeRaw(stream.window(), stream.columns()))
             return false;
-    }
-    return true;
+    return !work.interrupted();
 }
 
 bool writeValues(const Selection& selection, bool kernelValues, TableWriter& writer,

@@ -4,7 +4,7 @@
 #include "kvsig/registry/Allocation.h"
 #include "kvsig/registry/FrontDoor.h"
 #include "kvsig/registry/types/FileTypes.h"
-#include "kvsig/util/Saturate.h"
+#include "tool/HeldPair.h"
 #include "tool/Words.h"
 
 #include <algorithm>
@@ -35,27 +35,30 @@ void limitPages(IDataReader& reader) {
 
 } // namespace
 
+void Recording::Place::readCounts(long first, long last, std::int32_t* out) const {
+    if (!held.isSlower()) {
+        reader->getRawData(channel, first, last, out);
+        return;
+    }
+    std::vector<std::int32_t> own(static_cast<std::size_t>(held.at(last) - held.at(first) + 1));
+    reader->getRawData(channel, held.at(first), held.at(last), own.data());
+    held.spread(own.data(), first, last, [out](long i, std::int32_t count) { out[i] = count; });
+}
+
 Recording::Place Recording::placeOf(int channel) const {
     const std::vector<DataReader*> all = members();
     const int first = all.front()->channelCount();
-    if (all.size() > 1 && channel >= first)
-        return {all[1], channel - first};
-    return {all.front(), channel};
+    const bool ofSecond = all.size() > 1 && channel >= first;
+    DataReader* member = ofSecond ? all[1] : all.front();
+    return {member, ofSecond ? channel - first : channel,
+            HeldSamples(member->samplingRate(), reader->samplingRate())};
 }
 
 std::vector<DataReader*> Recording::members() const { return readersOf(reader.get()); }
 
-long Recording::atCommonRate(long samples) const {
-    const double own = members().front()->samplingRate();
-    const double common = reader->samplingRate();
-    if (!isPair() || !(own > 0) || own == common)
-        return samples;
-    return saturate<long>(static_cast<double>(samples) * (common / own));
-}
+long Recording::atCommonRate(long samples) const { return placeOf(0).held.firstShown(samples); }
 
-long Recording::storedSamples() const {
-    return atCommonRate(members().front()->storedSampleCount());
-}
+long Recording::storedSamples() const { return placeOf(0).storedSamples(); }
 
 const OpenFinding* Recording::unusable() const {
     for (const DataReader* member : members())
@@ -148,6 +151,11 @@ std::optional<Recording> openUsableRecording(const std::string& path, int type) 
     std::optional<Recording> recording = openRecording(path, type);
     if (!recording)
         return std::nullopt;
+    recording->reader = withHeldSamples(recording->reader);
+    if (!recording->reader) {
+        complain(path + ": a file of the pair cannot be opened again");
+        return std::nullopt;
+    }
     limitPages(*recording->reader);
     if (const OpenFinding* finding = recording->unusable()) {
         complain(path + ": " + finding->text);

@@ -2,7 +2,9 @@
 
 #include "kvsig/kernel/DataReader.h"
 #include "kvsig/kernel/ReaderPtr.h"
+#include "tool/HeldSamples.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,18 +16,27 @@ struct Recording {
     std::string path;
     ReaderPtr reader;
 
-    /// The reader that holds a channel and the channel's number there: of a pair, a member.
+    /// The reader that holds a channel and the channel's number there: of a pair, a member. Sample
+    /// numbers are those of the common rate.
     struct Place {
-        DataReader* reader;
-        int channel;
+        DataReader* reader = nullptr;
+        int channel = -1;
+        HeldSamples held;
+
+        /// The file's own integers of `first`..`last`; zeros where it has none.
+        void readCounts(long first, long last, std::int32_t* out) const;
+        /// Samples that the file holds.
+        [[nodiscard]] long storedSamples() const {
+            return held.firstShown(reader->storedSampleCount());
+        }
     };
     [[nodiscard]] Place placeOf(int channel) const;
     /// The reader itself, or both members of a pair.
     [[nodiscard]] std::vector<DataReader*> members() const;
     [[nodiscard]] bool isPair() const { return members().size() > 1; }
 
-    /// A number of samples at the common rate. A pair counts its samples, and numbers those of its
-    /// anchors, at its first recording's own rate, which may be the slower.
+    /// A sample's number at the common rate, or a number of samples. A pair counts its samples, and
+    /// numbers those of its anchors, at its first recording's own rate, which may be the slower.
     [[nodiscard]] long atCommonRate(long samples) const;
     /// Samples that the commands show: what the file holds, not what the kernel counts. Of a pair
     /// the first recording's, at the common rate.

@@ -65,18 +65,17 @@ bool RowStream::isFromCounts(const Row& row) const {
 void RowStream::fillFromCounts(const Row& row, float* out) {
     constexpr long blockLength = 4096;
     std::array<std::int32_t, blockLength> counts{};
-    DataReader& reader = *row.place.reader;
     // A pair's second recording may end before the first.
-    const long held = std::min(m_window.last, reader.storedSampleCount() - 1);
-    for (long first = m_window.first; first <= held; first += blockLength) {
-        const long last = std::min(held, first + blockLength - 1);
-        reader.getRawData(row.place.channel, first, last, counts.data());
+    const long end = std::min(m_window.last, row.place.storedSamples() - 1);
+    for (long first = m_window.first; first <= end; first += blockLength) {
+        const long last = std::min(end, first + blockLength - 1);
+        row.place.readCounts(first, last, counts.data());
         out = std::transform(counts.begin(), counts.begin() + (last - first + 1), out,
                              [&row](std::int32_t count) {
                                  return static_cast<float>(row.countMap->valueOf(count));
                              });
     }
-    const long missing = m_window.last - std::max(held, m_window.first - 1);
+    const long missing = m_window.last - std::max(end, m_window.first - 1);
     std::fill_n(out, missing, static_cast<float>(row.offset));
 }
 

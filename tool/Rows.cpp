@@ -213,8 +213,7 @@ Row Rows::recordedRow(int channel) const {
     row.gain = map.gain;
     row.offset = map.offset;
     row.place = m_recording->placeOf(channel);
-    if (row.place.reader->samplingRate() == reader.samplingRate())
-        row.countMap = countMapOf(reader, channel);
+    row.countMap = countMapOf(reader, channel);
     row.microvolts = reader.channelType(channel) != otherUnitType;
     return row;
 }

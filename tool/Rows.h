@@ -28,9 +28,8 @@ struct Row {
     double gain = 1.0;   ///< the scale that gives physical units
     double offset = 0.0; ///< added to the scaled values; 0 for derivations
     /// Of a recorded channel: where its counts are, and what they mean. Without it, as of
-    /// derivations and where a pair stretches a slower recording, values come from the source
-    /// alone.
-    Recording::Place place{nullptr, -1};
+    /// derivations, values come from the source alone.
+    Recording::Place place;
     std::optional<CountMap> countMap;
     bool microvolts = true;
     bool gap = false; ///< an empty row that sets others apart

@@ -1,9 +1,11 @@
 #include "tool/Selection.h"
 
+#include "kvsig/util/Text.h"
 #include "tool/Command.h"
 #include "tool/FileNames.h"
 #include "tool/Words.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
 #include <optional>
@@ -30,6 +32,16 @@ std::unique_ptr<Selection> openSelection(const SelectionJob& job, const std::str
     auto selection = std::make_unique<Selection>(std::move(*recording));
     selection->range = *range;
     return selection->rows.select(signals, job.keepsGaps) ? std::move(selection) : nullptr;
+}
+
+// The companion would be put in the place of the output just written. Names that differ in letter
+// case alone are one file on some disks.
+void refuseOneFileForTwo(const std::string& output, const std::string& companion) {
+    std::error_code ignored;
+    if (equalNoCase(output, companion) || std::filesystem::equivalent(output, companion, ignored))
+        throw CLI::ValidationError("--output " + output,
+                                   "the layout " + companion +
+                                       " would take the place of the data; choose another name");
 }
 
 // The folder that a "/" at the end of the output asks for.
@@ -66,6 +78,9 @@ int runForEachFile(const SelectionJob& job) {
     const SignalOptions& signals = *job.signals;
     setQuiet(signals.quiet);
     const std::vector<std::string> paths = outputPaths(signals.files, job.output, job.ending);
+    if (job.companion)
+        for (const std::string& path : paths)
+            refuseOneFileForTwo(path, job.companion(path));
     const std::optional<int> type = typeFromName(signals.type);
     if (!type)
         return exitWrongUsage;

@@ -63,6 +63,28 @@ bool takeInteger(std::string_view& text, std::int32_t& value) {
     return true;
 }
 
+// As "%i=%lf".
+bool scanSampleTime(const ProfileLine& line, SampleTime& anchor) {
+    std::string_view index = line.name;
+    return line.kind == ProfileLine::Kind::entry && takeInteger(index, anchor.sample) &&
+           index.empty() && leadingDouble(line.value, anchor.time);
+}
+
+// Lines of which the same is to be told: the first, and how many.
+struct TimeLines {
+    void add(const std::string& line) {
+        constexpr std::size_t longest = 80;
+        if (count++ == 0)
+            first = line.substr(0, longest);
+    }
+    [[nodiscard]] std::string words() const {
+        return "'" + first + "'" +
+               (count > 1 ? " and " + std::to_string(count - 1) + " more lines are" : " is");
+    }
+    std::string first;
+    std::size_t count = 0;
+};
+
 } // namespace
 
 void writeFileInfo(std::ostream& stream, const FileInfo& info) {
@@ -126,14 +148,40 @@ void writeSampleTimes(std::ostream& stream, const std::vector<SampleTime>& ancho
         writeLine(stream, std::to_string(anchor.sample), fixedText(anchor.time, 3));
 }
 
+std::vector<std::string> takeSampleTimes(std::istream& stream,
+                                         const std::function<bool(SampleTime& anchor)>& take) {
+    TimeLines ignored;
+    TimeLines cut;
+    std::string text;
+    if (findProfileSection(stream, sampleTimesSection))
+        while (readProfileLine(stream, text)) {
+            const ProfileLine line = splitProfileLine(text);
+            if (line.kind == ProfileLine::Kind::section)
+                break;
+            if (line.kind == ProfileLine::Kind::blank || line.kind == ProfileLine::Kind::comment)
+                continue;
+            SampleTime anchor;
+            double whole = 0.0;
+            const bool scanned = scanSampleTime(line, anchor);
+            const double stored = anchor.time;
+            if (!scanned || !take(anchor))
+                ignored.add(text);
+            else if (!wholeDouble(line.value, whole))
+                cut.add(text + "', read as '" + shortestText(stored));
+        }
+    std::vector<std::string> sentences;
+    if (ignored.count > 0)
+        sentences.push_back("SampleTimes: " + ignored.words() +
+                            " ignored: not 'sample=seconds' in rising order");
+    if (cut.count > 0)
+        sentences.push_back("SampleTimes: " + cut.words() + " taken by the number in front");
+    return sentences;
+}
+
 std::vector<SampleTime> readSampleTimes(std::istream& stream) {
     std::vector<SampleTime> anchors;
-    forEachProfileEntry(stream, sampleTimesSection, [&anchors](const ProfileLine& line) {
-        SampleTime anchor;
-        std::string_view index = line.name;
-        if (takeInteger(index, anchor.sample) && index.empty() &&
-            leadingDouble(line.value, anchor.time))
-            anchors.push_back(anchor);
+    (void)takeSampleTimes(stream, [&anchors](const SampleTime& anchor) {
+        anchors.push_back(anchor);
         return true;
     });
     return anchors;

@@ -4,6 +4,7 @@
 #include "kvsig/kernel/SampleTime.h"
 #include "kvsig/util/Export.h"
 
+#include <functional>
 #include <iosfwd>
 #include <optional>
 #include <string>
@@ -37,8 +38,8 @@ KVSIG_API void writeFileInfo(std::ostream& stream, const FileInfo& info);
 
 /// A heading in brackets, then each name with its number from 1. A name that would not read back is
 /// changed: "=", "|" and line ends become "_", so does "[" or ";" in front; a single name is joined
-/// with `reference` ("Ref" when that is empty), but for default names "Ch<n>"; of equal names the
-/// second gets "2_" in front.
+/// with `reference`, or with "Ref" when that is empty or the name is none of a scalp electrode, but
+/// for default names "Ch<n>"; of equal names the second gets "2_" in front.
 KVSIG_API void writeChannelNames(std::ostream& stream, std::string_view heading,
                                  const std::vector<std::string>& names, std::string_view reference);
 
@@ -50,5 +51,9 @@ KVSIG_API void readPatientSection(std::istream& stream, PatientRec& patient);
 KVSIG_API void writeSampleTimes(std::ostream& stream, const std::vector<SampleTime>& anchors);
 /// Lines that scan as "%i=%lf"; a sample index may be hexadecimal (0x) or octal (0).
 [[nodiscard]] KVSIG_API std::vector<SampleTime> readSampleTimes(std::istream& stream);
+/// Hands out those lines as anchors; `take` says whether one counts. Returns a sentence about the
+/// lines that do not, and one about times that are a number by their beginning only.
+[[nodiscard]] KVSIG_API std::vector<std::string>
+takeSampleTimes(std::istream& stream, const std::function<bool(SampleTime& anchor)>& take);
 
 } // namespace kvsig

@@ -2,6 +2,7 @@
 
 #include "kvsig/kernel/ChannelTable.h"
 #include "kvsig/montage/names/ReservedNames.h"
+#include "kvsig/montage/names/ScalpGrid.h"
 #include "kvsig/util/Limits.h"
 #include "kvsig/util/ProfileFile.h"
 #include "kvsig/util/ProfileLines.h"
@@ -115,6 +116,7 @@ std::vector<std::string> channelMapKeys(const std::vector<std::string>& names,
                                         std::string_view reference) {
     const std::string joined =
         "-" + (reference.empty() ? "Ref" : changedName(std::string(reference)));
+    const std::string notScalp = "-Ref"; // what the others were recorded against is not known
     std::vector<std::string> keys;
     std::unordered_set<std::string> used;
     std::unordered_map<std::string, int> copies;
@@ -123,7 +125,7 @@ std::vector<std::string> channelMapKeys(const std::vector<std::string>& names,
         std::string wanted = changedName(name);
         if (!isDerivation(wanted))
             wanted.replace(std::min<std::size_t>(wanted.size(), gridNameSize - 1),
-                           std::string::npos, joined);
+                           std::string::npos, IndexOf1020(wanted.c_str()) < 0 ? notScalp : joined);
         if (name == unnamed || !isDerivation(wanted)) {
             keys.push_back(unnamed);
             continue;

@@ -1,5 +1,6 @@
 #include "kvsig/kernel/AttributeFile.h"
 #include "kvsig/kernel/ChannelMap.h"
+#include "kvsig/kernel/ChannelTable.h"
 #include "kvsig/kernel/ExportAttributes.h"
 #include "kvsig/kernel/ReaderState.h"
 #include "kvsig/montage/names/ReservedNames.h"
@@ -150,6 +151,20 @@ void DataReader::reportIgnoredNames() {
         report(OpenFinding::Severity::note,
                "channel map: it names channel " + std::to_string(m_state->mappedChannels) +
                    ", the recording has " + std::to_string(channelCount()));
+    // A map that leaves channels out takes their own names away and gives them none.
+    int lost = 0;
+    for (int i = 0; i < channelCount(); ++i) {
+        const std::string unnamed = defaultChannelName(static_cast<std::size_t>(i));
+        const ChannelRecord* record = channelRecord(i);
+        const std::string own(viewOf(_channelName(i)));
+        if (record && record->name == unnamed && !own.empty() && own != unnamed)
+            ++lost;
+    }
+    if (lost > 0)
+        report(OpenFinding::Severity::note,
+               "channel map: it names " + std::to_string(channelCount() - lost) + " of " +
+                   std::to_string(channelCount()) +
+                   " channels; the others are called by their numbers, not by their own names");
 }
 
 const char* DataReader::builtinChannelMapName(int index) {

@@ -27,6 +27,7 @@ constexpr std::uint32_t rawMiscFlags = 8;
 constexpr int interleavedType = 1;
 constexpr std::int64_t valueBytes = 2; // in a page, whatever the file stores
 constexpr std::int64_t fewestSamples = 3;
+constexpr std::size_t longestTextTold = 40;
 
 constexpr int littleEndian16 = 0;
 constexpr int bigEndian16 = 4;
@@ -54,6 +55,8 @@ struct InterleavedReader::State {
     int dataType = littleEndian16;
     double calibration = 0.0;
     std::vector<StoredMontage> montages;
+    std::vector<std::string> numberNotes; ///< keys whose numbers are not what their texts say
+    std::vector<std::string> timeNotes;   ///< anchors that do not count
 };
 
 // What is written to an attribute file depends on the type.
@@ -68,6 +71,9 @@ std::uint32_t InterleavedReader::miscFlags() const { return rawMiscFlags; }
 bool InterleavedReader::openFile() {
     close();
     forgetSamples();
+    for (const auto* notes : {&m_raw->numberNotes, &m_raw->timeNotes})
+        for (const std::string& note : *notes)
+            report(OpenFinding::Severity::warning, note);
     if (channelCount() < 1)
         return refuseWithoutChannels();
     std::string reason;
@@ -177,8 +183,11 @@ bool InterleavedReader::readAttributeFile(std::istream& stream) {
     resetChannelNames();
     if (!DataReader::readAttributeFile(stream))
         return false;
-    for (SampleTime& anchor : readSampleTimes(stream))
+    m_raw->timeNotes = takeSampleTimes(stream, [this](SampleTime& anchor) {
+        const int before = sampleTimeCount();
         addSampleTime(anchor);
+        return sampleTimeCount() > before;
+    });
     // Read where it is written: other formats have their patient from the recording itself.
     readPatientSection(stream, *patientRec());
     m_raw->montages = readStoredMontages(stream);
@@ -193,10 +202,19 @@ bool InterleavedReader::readAttributeFile(std::istream& stream) {
 // All keys are looked at before the rest of the attribute file, so that one that is not complete
 // leaves an open recording its names, anchors and patient.
 bool InterleavedReader::readLayout(std::istream& stream) {
+    m_raw->numberNotes.clear();
     std::string text;
     const auto has = [&](const char* key) {
         text = profileValue(stream, pszINIFileInfo, key).value_or("").substr(0, longestLayoutValue);
         return !text.empty() || refuseWithout(key, stream);
+    };
+    // Numbers are read as far as they go, as in "1,5" or "0x10"; what was made of them is told.
+    const auto tell = [&](const char* key, double taken) {
+        double whole = 0.0;
+        if (!wholeDouble(text, whole) || whole != taken)
+            m_raw->numberNotes.push_back(std::string(key) + " is \"" +
+                                         text.substr(0, longestTextTold) + "\", read as " +
+                                         shortestText(taken));
     };
     if (!has("File"))
         return false;
@@ -204,18 +222,23 @@ bool InterleavedReader::readLayout(std::istream& stream) {
     if (!has("SamplingRate"))
         return false;
     setSamplingRate(leadingDouble(text));
+    tell("SamplingRate", samplingRate());
     if (!has("HeaderLength"))
         return false;
     setHeaderLength(saturate<long>(leadingInteger(text)));
+    tell("HeaderLength", static_cast<double>(headerLength()));
     if (!has("Calibration"))
         return false;
     m_raw->calibration = leadingDouble(text);
+    tell("Calibration", m_raw->calibration);
     if (!has("WaveformCount"))
         return false;
     setChannelCount(saturate<int>(leadingInteger(text)));
+    tell("WaveformCount", channelCount());
     if (!has("DataType"))
         return false;
     m_raw->dataType = saturate<int>(leadingInteger(text));
+    tell("DataType", m_raw->dataType);
     return true;
 }
 

@@ -66,7 +66,7 @@ IDataReader* newReader(ReaderType type) {
 
 bool KrnlIsReadable(int type) {
     if (isPairType(type))
-        return readableFormat(firstOfPair(type)) && readableFormat(secondOfPair(type));
+        return KrnlIsReadable(firstOfPair(type)) && KrnlIsReadable(secondOfPair(type));
     return isLayoutType(type) || readableFormat(type) != nullptr;
 }
 

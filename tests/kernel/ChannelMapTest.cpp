@@ -87,12 +87,14 @@ TEST(ChannelMap, IgnoredEntriesAreNotedWhenTheRecordingOpens) {
     std::vector<std::string> notes;
     for (const OpenFinding& finding : reader.openFindings())
         notes.push_back(finding.text);
-    ASSERT_EQ(notes.size(), 10U) << "eight, how many more, and the channel that is none";
+    ASSERT_EQ(notes.size(), 11U)
+        << "eight, how many more, the channel that is none, and those without a name";
     EXPECT_EQ(notes[0], "channel map: 'c3-a2=1' is ignored, the name comes a second time");
     EXPECT_THAT(notes[1], testing::StartsWith("channel map: 'C4-A2=x' is ignored, not a channel"));
     EXPECT_THAT(notes[2], testing::HasSubstr("'E0=1' is ignored, a name has two parts"));
     EXPECT_EQ(notes[8], "channel map: 4 more entries are ignored");
     EXPECT_EQ(notes[9], "channel map: it names channel 4, the recording has 3");
+    EXPECT_THAT(notes[10], testing::HasSubstr("it names 1 of 3 channels"));
     reader.setChannelMapName("(Default)");
     ASSERT_TRUE(reader.open("a"));
     EXPECT_TRUE(reader.openFindings().empty());
@@ -101,11 +103,11 @@ TEST(ChannelMap, IgnoredEntriesAreNotedWhenTheRecordingOpens) {
 TEST(ChannelMap, EveryNameIsWrittenUnderAKeyThatReadsBack) {
     const std::string single(40, 'n');
     const std::vector<std::string> names = {"[x]",   ";z",  "x=y",      "X=Y", "a|b",  "C3-A2",
-                                            "c3-a2", "Ch8", "C3-A2\n[", "",    single, "ECG"};
+                                            "c3-a2", "Ch8", "C3-A2\n[", "Fz",  single, ""};
     EXPECT_THAT(channelMapKeys(names, "A=1"),
-                ElementsAre("_x]-A_1", "_z-A_1", "x_y-A_1", "2_X_Y-A_1", "a_b-A_1", "C3-A2",
-                            "2_c3-a2", "Ch8", "C3-A2_[", "Ch10", single.substr(0, 15) + "-A_1",
-                            "ECG-A_1"));
+                ElementsAre("_x]-Ref", "_z-Ref", "x_y-Ref", "2_X_Y-Ref", "a_b-Ref", "C3-A2",
+                            "2_c3-a2", "Ch8", "C3-A2_[", "Fz-A_1", single.substr(0, 15) + "-Ref",
+                            "Ch12"));
     std::ostringstream text;
     writeChannelNames(text, "M", names, "");
     std::istringstream stream(text.str());

@@ -82,6 +82,7 @@ TEST_F(FrontDoor, AGivenTypeChoosesTheReader) {
     EXPECT_EQ(readerOf(47), typeid(TelefactorEDFReader));
     EXPECT_EQ(readerOf(48), typeid(BDFReader));
     EXPECT_TRUE(KrnlIsReadable(13) && KrnlIsReadable(pairType(6, 48)));
+    EXPECT_TRUE(KrnlIsReadable(pairType(13, 6))) << "a layout may be half of a pair";
     EXPECT_FALSE(KrnlIsReadable(0) || KrnlIsReadable(7) || KrnlIsReadable(pairType(6, 7)));
     const struct {
         int type;

@@ -3,6 +3,8 @@
 #include "kvsig/kernel/AttributeFile.h"
 #include "kvsig/registry/types/FileTypes.h"
 #include "kvsig/util/NeighbourFile.h"
+#include "kvsig/util/Saturate.h"
+#include "tool/Words.h"
 
 #include <algorithm>
 #include <iterator>
@@ -12,7 +14,8 @@ namespace kvsig::tool {
 namespace {
 
 // The clock at the first sample, and every anchor inside the range.
-std::vector<SampleTime> anchorsOf(IDataReader& reader, SampleRange range) {
+std::vector<SampleTime> anchorsOf(const Recording& recording, SampleRange range) {
+    IDataReader& reader = *recording.reader;
     SampleTime start;
     const double rate = reader.samplingRate();
     start.time = reader.getClockTime(rate > 0 ? static_cast<double>(range.first) / rate : 0.0);
@@ -20,12 +23,23 @@ std::vector<SampleTime> anchorsOf(IDataReader& reader, SampleRange range) {
     for (int i = 0; i < reader.sampleTimeCount(); ++i) {
         SampleTime anchor;
         reader.getSampleTime(i, anchor);
-        if (anchor.sample <= range.first || anchor.sample > range.last)
+        const long sample = recording.atCommonRate(anchor.sample);
+        if (sample < range.first || sample > range.last)
             continue;
-        anchor.sample -= static_cast<decltype(anchor.sample)>(range.first);
+        anchor.sample = saturate<decltype(anchor.sample)>(sample - range.first);
+        if (anchor.sample == 0)
+            anchors.clear(); // exact, where the clock's elapsed time is rounded
         anchors.push_back(anchor);
     }
     return anchors;
+}
+
+void writeNames(std::ostream& text, const Selection& selection) {
+    const std::vector<Row>& rows = selection.rows.rows();
+    std::vector<std::string> names;
+    std::transform(rows.begin(), rows.end(), std::back_inserter(names),
+                   [](const Row& row) { return row.name; });
+    writeChannelNames(text, "ChannelMap", names, selection.recording.reader->refGrid());
 }
 
 } // namespace
@@ -42,14 +56,27 @@ std::string layoutText(const Selection& selection, double calibration, const std
     std::ostringstream text;
     writeFileInfo(text, info);
     text << '\n';
-    std::vector<std::string> names;
-    std::transform(rows.begin(), rows.end(), std::back_inserter(names),
-                   [](const Row& row) { return row.name; });
-    writeChannelNames(text, "ChannelMap", names, reader.refGrid());
+    writeNames(text, selection);
     if (showPatient)
         writePatientSection(text, *reader.patientRec());
-    writeSampleTimes(text, anchorsOf(reader, selection.range));
+    writeSampleTimes(text, anchorsOf(selection.recording, selection.range));
     return text.str();
+}
+
+std::vector<std::string> changedNames(const Selection& selection) {
+    std::stringstream text;
+    writeNames(text, selection);
+    std::vector<std::string> sentences;
+    std::string line;
+    std::getline(text, line); // the heading
+    for (const Row& row : selection.rows.rows()) {
+        std::getline(text, line);
+        const std::string written = line.substr(0, line.rfind('='));
+        if (!written.starts_with(row.name))
+            sentences.push_back("the name " + printable(row.name) + " is written as " +
+                                printable(written));
+    }
+    return sentences;
 }
 
 } // namespace kvsig::tool

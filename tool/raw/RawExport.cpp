@@ -3,6 +3,7 @@
 #include "kvsig/util/ByteOrder.h"
 #include "kvsig/util/OutputFile.h"
 #include "kvsig/util/Saturate.h"
+#include "tool/CountStream.h"
 #include "tool/RowStream.h"
 #include "tool/Words.h"
 #include "tool/raw/LayoutText.h"
@@ -10,6 +11,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
+#include <system_error>
 #include <vector>
 
 namespace kvsig::tool {
@@ -40,25 +43,18 @@ class FrameWriter {
 
 bool writeCounts(const Selection& selection, const RawScale& scale, FrameWriter& frames,
                  LongWork& work) {
-    const std::vector<Row>& rows = selection.rows.rows();
-    const SampleRange range = selection.range;
-    const long window = windowLengthFor(rows, range);
-    std::vector<std::int32_t> counts(static_cast<std::size_t>(window));
-    for (long first = range.first; first <= range.last; first += window) {
-        const SampleRange part{first, std::min(range.last, first + window - 1)};
-        frames.start(part.length());
-        for (std::size_t row = 0; row < rows.size(); ++row) {
-            const Recording::Place place = selection.recording.placeOf(rows[row].channel);
-            place.reader->getRawData(place.channel, part.first, part.last, counts.data());
-            for (long i = 0; i < part.length(); ++i)
-                frames.put(i, row,
-                           saturate<std::int16_t>(counts[static_cast<std::size_t>(i)] *
-                                                  scale.multipliers[row]));
+    CountStream stream(selection);
+    while (stream.next(work)) {
+        frames.start(stream.window().length());
+        for (std::size_t row = 0; row < stream.columns().size(); ++row) {
+            long sample = 0;
+            for (const std::int32_t count : stream.columns()[row])
+                frames.put(sample++, row, saturate<std::int16_t>(count * scale.multipliers[row]));
         }
-        if (!goOn(work, part, range) || !frames.write())
+        if (!frames.write())
             return false;
     }
-    return true;
+    return !work.interrupted();
 }
 
 bool writeRounded(const Selection& selection, const RawScale& scale, FrameWriter& frames,
@@ -98,6 +94,12 @@ bool RawExport::writeData(const Selection& selection, Output& output, LongWork& 
 
 bool RawExport::writeLayout(const Selection& selection, const std::string& dataPath) {
     const std::string path = layoutPathFor(dataPath);
+    // A link that led nowhere before the data was written.
+    std::error_code ignored;
+    if (std::filesystem::equivalent(path, dataPath, ignored)) {
+        complain(path + ": is another name of the data " + dataPath + "; no layout is written");
+        return false;
+    }
     OutputFile layout;
     if (!layout.open(path.c_str()) ||
         !layout.write(layoutText(selection, m_scale.calibration, dataPath, m_showPatient)) ||
@@ -107,6 +109,8 @@ bool RawExport::writeLayout(const Selection& selection, const std::string& dataP
     }
     for (const std::string& loss : m_scale.losses)
         remark(selection.recording.path + ": " + loss);
+    for (const std::string& change : changedNames(selection))
+        remark(selection.recording.path + ": " + change);
     return true;
 }
 

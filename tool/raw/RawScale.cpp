@@ -1,6 +1,7 @@
 #include "tool/raw/RawScale.h"
 
 #include "kvsig/util/NumberText.h"
+#include "tool/CountStream.h"
 #include "tool/RowStream.h"
 #include "tool/Words.h"
 
@@ -14,15 +15,13 @@ namespace {
 constexpr int largestCount = std::numeric_limits<std::int16_t>::max();
 constexpr short otherUnitType = 100;
 
-bool isLinear16(const Recording& recording, const Row& row) {
+bool isLinear16(const Row& row) {
     if (row.channel < 0)
         return false;
-    const Recording::Place place = recording.placeOf(row.channel);
+    const Recording::Place& place = row.place;
     const double calibration = place.reader->calibration(place.channel);
     return place.reader->bytesPerSample() == 2 && calibration != 0.0 &&
-           std::isfinite(calibration) &&
-           place.reader->channelType(place.channel) != otherUnitType &&
-           place.reader->samplingRate() == recording.reader->samplingRate();
+           std::isfinite(calibration) && place.reader->channelType(place.channel) != otherUnitType;
 }
 
 // How many steps of `base` one of `calibration` is; 0 when that is no whole number.
@@ -34,21 +33,36 @@ int wholeMultiple(double calibration, double base) {
     return whole ? static_cast<int>(steps) : 0;
 }
 
-// Empty when the calibrations have no common step, or the multiplied counts might not fit.
+// Empty when the calibrations have no common step.
 std::vector<int> multipliersFor(const Recording& recording, const std::vector<Row>& rows,
                                 double base) {
     std::vector<int> multipliers;
     for (const Row& row : rows) {
-        IDataReader& reader = *recording.reader;
-        const int multiplier = wholeMultiple(reader.calibration(row.channel), base);
-        const std::int64_t largest =
-            std::max(std::abs(std::int64_t{reader.digitalLow(row.channel)}),
-                     std::abs(std::int64_t{reader.digitalHigh(row.channel)}));
-        if (multiplier == 0 || (multiplier != 1 && std::abs(multiplier) * largest > largestCount))
+        const int multiplier = wholeMultiple(recording.reader->calibration(row.channel), base);
+        if (multiplier == 0)
             return {};
         multipliers.push_back(multiplier);
     }
     return multipliers;
+}
+
+// Whether the counts of the range stay 16-bit ones when they are multiplied: a file may hold more
+// than its digital limits say. Empties the multipliers if they do not; false when interrupted.
+bool keepIfCountsFit(const Selection& selection, LongWork& work, std::vector<int>& multipliers) {
+    constexpr std::int64_t lowest = std::numeric_limits<std::int16_t>::min();
+    if (std::all_of(multipliers.begin(), multipliers.end(), [](int each) { return each == 1; }))
+        return true; // the counts are 16-bit ones as they are
+    CountStream stream(selection);
+    while (stream.next(work))
+        for (std::size_t row = 0; row < multipliers.size(); ++row)
+            for (const std::int64_t count : stream.columns()[row]) {
+                const std::int64_t multiplied = count * multipliers[row];
+                if (multiplied < lowest || multiplied > largestCount) {
+                    multipliers.clear();
+                    return true;
+                }
+            }
+    return !work.interrupted();
 }
 
 double smallestCalibration(const Recording& recording, const std::vector<Row>& rows) {
@@ -64,6 +78,7 @@ double smallestCalibration(const Recording& recording, const std::vector<Row>& r
 struct Peak {
     double value = 0.0; ///< whatever its sign
     std::size_t row = 0;
+    long notFinite = 0; ///< values that are none
 };
 
 // The largest finite value of the range; false when interrupted.
@@ -77,8 +92,12 @@ bool findPeak(const Selection& selection, LongWork& work, Peak& peak) {
             const float* values = stream.values(row);
             for (long i = 0; i < stream.window().length(); ++i) {
                 const double size = std::abs(static_cast<double>(values[i]));
-                if (std::isfinite(size) && size > peak.value)
-                    peak = {size, row};
+                if (!std::isfinite(size))
+                    ++peak.notFinite;
+                else if (size > peak.value) {
+                    peak.value = size;
+                    peak.row = row;
+                }
             }
         }
     }
@@ -102,11 +121,11 @@ bool chooseRawScale(const Selection& selection, bool filtered, LongWork& work, R
     scale = RawScale();
     const std::vector<Row>& rows = selection.rows.rows();
     const Recording& recording = selection.recording;
-    if (!filtered && std::all_of(rows.begin(), rows.end(), [&recording](const Row& row) {
-            return isLinear16(recording, row);
-        })) {
+    if (!filtered && std::all_of(rows.begin(), rows.end(), isLinear16)) {
         scale.calibration = smallestCalibration(recording, rows);
         scale.multipliers = multipliersFor(recording, rows, scale.calibration);
+        if (!keepIfCountsFit(selection, work, scale.multipliers))
+            return false;
     }
     if (!scale.isExact()) {
         Peak peak;
@@ -116,6 +135,9 @@ bool chooseRawScale(const Selection& selection, bool filtered, LongWork& work, R
         scale.losses.push_back("values are rounded to steps of " +
                                generalText(scale.calibration, 4) + ", at which " +
                                rows[peak.row].name + " fits, the largest");
+        if (peak.notFinite > 0)
+            scale.losses.push_back(std::to_string(peak.notFinite) +
+                                   " values that are no finite numbers are not kept");
     }
     tellLostFacts(rows, scale);
     return true;

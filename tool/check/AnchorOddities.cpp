@@ -1,0 +1,61 @@
+#include "tool/check/AnchorOddities.h"
+
+#include "kvsig/util/NumberText.h"
+
+#include <cmath>
+#include <cstddef>
+#include <string>
+
+namespace kvsig::tool {
+namespace {
+
+using Severity = OpenFinding::Severity;
+
+constexpr std::size_t toldInFull = 20;
+constexpr double writtenStep = 0.001; // seconds; anchors have three decimals in attribute files
+
+std::string secondsText(double seconds) {
+    return shortestText(std::round(seconds * 1e6) / 1e6) + " s";
+}
+
+} // namespace
+
+std::vector<OpenFinding> anchorOddities(DataReader& recording) {
+    std::vector<OpenFinding> found;
+    const double rate = recording.samplingRate();
+    if (!(rate > 0) || recording.sampleTimeCount() < 2)
+        return found;
+    const double tolerance = writtenStep + 0.5 / rate;
+    std::size_t moreGaps = 0;
+    std::size_t moreOverlaps = 0;
+    SampleTime start;
+    recording.getSampleTime(0, start);
+    SampleTime last = start;
+    for (int i = 1; i < recording.sampleTimeCount(); ++i) {
+        SampleTime anchor;
+        recording.getSampleTime(i, anchor);
+        const double due = last.time + (static_cast<double>(anchor.sample) - last.sample) / rate;
+        const double length = anchor.time - due;
+        last = anchor;
+        if (std::abs(length) <= tolerance)
+            continue;
+        if (found.size() == toldInFull) {
+            ++(length > 0 ? moreGaps : moreOverlaps);
+            continue;
+        }
+        const std::string sample = "sample " + std::to_string(anchor.sample);
+        const std::string place = secondsText(due - start.time);
+        found.push_back(
+            {Severity::warning,
+             length > 0 ? "a gap of " + secondsText(length) + " at " + place + ", before " + sample
+                        : sample + " overlaps by " + secondsText(-length) + " with what ends at " +
+                              place});
+    }
+    if (moreGaps + moreOverlaps > 0)
+        found.push_back({Severity::warning, std::to_string(moreGaps) + " more gaps and " +
+                                                std::to_string(moreOverlaps) +
+                                                " more overlaps between anchors"});
+    return found;
+}
+
+} // namespace kvsig::tool
