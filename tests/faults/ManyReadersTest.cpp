@@ -8,6 +8,30 @@
 namespace kvsig::test {
 namespace {
 
+TEST(ManyReaders, ThreeHundredAtOnceKeepApart) {
+    constexpr int count = 300;
+    const TempDir dir;
+    const auto firstOf = [](int i) { return (i - i % 3) * 64; }; // every third is open three times
+    std::vector<ReaderPtr> readers;
+    for (int i = 0; i < count; ++i) {
+        const EdfFile file = EdfFile()
+                                 .signal("EEG C3", 64)
+                                 .physical("-32768", "32767")
+                                 .samples([i, &firstOf](int, std::int64_t at) {
+                                     return firstOf(i) + static_cast<int>(at);
+                                 });
+        readers.push_back(
+            openReader(dir.write(std::to_string(firstOf(i)) + ".edf", file.bytes()).c_str()));
+        ASSERT_TRUE(readers.back());
+    }
+    for (int step = 0; step < 3 * count; ++step) {
+        const int i = step * 101 % count;
+        float value = 0.0F;
+        readers[static_cast<std::size_t>(i)]->getData(0, 63, 63, &value, 1.0, 0);
+        ASSERT_EQ(value, static_cast<float>(firstOf(i) + 63)) << i;
+    }
+}
+
 // The process may have no more than 40 while it lives.
 struct FewDescriptors {
     FewDescriptors() {

@@ -66,12 +66,12 @@ TEST_P(WriteFaultsOf, AFailureAtAnyCallKeepsTheOldFile) {
         }
 }
 
-TEST_P(WriteFaultsOf, ShortWritesAreCompleted) {
+TEST_P(WriteFaultsOf, InterruptedAndShortWritesAreCompleted) {
     rewind();
     ASSERT_TRUE(write());
     const std::string whole = content();
     rewind();
-    const WriteFaults faults({.longestTransfer = 4096});
+    const WriteFaults faults({.longestTransfer = 4096, .interrupts = true});
     EXPECT_TRUE(write());
     EXPECT_EQ(content(), whole);
 }

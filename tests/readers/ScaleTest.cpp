@@ -7,6 +7,9 @@
 #include "support/RawFile.h"
 #include "support/ReadAround.h"
 
+#include <chrono>
+#include <cstdio>
+
 // Recordings as large, as wide, as slow and as fast as they come. Long ones are sparse files.
 namespace kvsig::test {
 namespace {
@@ -61,6 +64,42 @@ TEST(Scale, SamplesBeyondTheLastIndexAreLeftOut) {
     std::vector<float> beyond(8, 5.0F);
     EXPECT_EQ(reader.getData(0, lastIndex + 10L, lastIndex + 17L, beyond.data(), 1.0, 0), 8);
     EXPECT_EQ(beyond, std::vector<float>(8, 0.0F));
+}
+
+TEST(Scale, TwoThousandChannels) {
+    EdfFile file;
+    for (int i = 0; i < 2000; ++i)
+        file.signal("E" + std::to_string(i + 1), 4);
+    file.records(20).samples(
+        [](int signal, std::int64_t i) { return static_cast<std::int32_t>(signal * 8 + i % 8); });
+    Opened<EDF90Reader> reader(file);
+    ASSERT_TRUE(reader.isOpen) << reader.lastErrorText();
+    ASSERT_EQ(reader.channelCount(), 2000);
+    for (const int channel : {0, 1, 999, 1999}) {
+        EXPECT_EQ(reader.indexOfG1(("E" + std::to_string(channel + 1)).c_str()), channel);
+        EXPECT_EQ(rawOf(reader, channel, 79, 79).front(), channel * 8 + 7);
+    }
+}
+
+// Every day of a leap year, with a time of day that differs from day to day.
+TEST(Scale, AYearOfStartTimes) {
+    const TempDir dir;
+    EDF90Reader reader;
+    using namespace std::chrono;
+    for (sys_days day = 2024y / 1 / 1; day < sys_days(2025y / 1 / 1); day += days(1)) {
+        const year_month_day date = day;
+        const int number = static_cast<int>((day - sys_days(2024y / 1 / 1)).count());
+        const int time[] = {number % 24, number * 7 % 60, number * 11 % 60};
+        char texts[3][16];
+        std::snprintf(texts[0], 16, "%02u.%02u.24", unsigned(date.day()), unsigned(date.month()));
+        std::snprintf(texts[1], 16, "%02d.%02d.%02d", time[0], time[1], time[2]);
+        std::snprintf(texts[2], 16, "2024.%02u.%02u", unsigned(date.month()), unsigned(date.day()));
+        const EdfFile file = EdfFile().signal("EEG C3", 4).start(texts[0], texts[1]);
+        ASSERT_TRUE(reader.open(dir.write("day.edf", file.bytes()).c_str()));
+        EXPECT_EQ(reader.getClockTime(0.0), time[0] * 3600 + time[1] * 60 + time[2]);
+        EXPECT_EQ(reader.patientRec()->testDate, std::string(texts[2]));
+        EXPECT_TRUE(reader.openFindings().empty()) << texts[0];
+    }
 }
 
 TEST(Scale, RatesFromAnHourlyTrendToIntracellularRecordings) {
