@@ -44,12 +44,12 @@ std::vector<OpenFinding> anchorOddities(DataReader& recording) {
             continue;
         }
         const std::string sample = "sample " + std::to_string(anchor.sample);
-        const std::string place = secondsText(due - start.time);
-        found.push_back(
-            {Severity::warning,
-             length > 0 ? "a gap of " + secondsText(length) + " at " + place + ", before " + sample
-                        : sample + " overlaps by " + secondsText(-length) + " with what ends at " +
-                              place});
+        std::string text = secondsText(std::abs(length)) +
+                           (length > 0 ? " at " : " with what ends at ") +
+                           secondsText(due - start.time);
+        text = length > 0 ? "a gap of " + text + ", before " + sample
+                          : sample + " overlaps by " + text;
+        found.push_back({Severity::warning, text});
     }
     if (moreGaps + moreOverlaps > 0)
         found.push_back({Severity::warning, std::to_string(moreGaps) + " more gaps and " +
