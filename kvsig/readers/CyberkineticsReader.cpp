@@ -351,10 +351,10 @@ void CyberkineticsReader::listEvents(std::vector<FlatEvent>& events) {
         return;
     HeaderFile file;
     std::string reason;
-    const double start = recording().start.secondOfDay() - m_state->clockOrigin;
+    const double start = recording().start.secondOfDay();
     if (file.open(m_state->eventFile.c_str(), &reason)) {
         forEachEvent(file, *m_state->events, [&](double seconds, const std::string& text) {
-            if (const auto sample = sampleAt(start + seconds))
+            if (const auto sample = sampleAt(start + (seconds - m_state->clockOrigin)))
                 events.push_back({*sample, text, {}, 0.0});
             return events.size() < mostEvents;
         });

@@ -199,16 +199,16 @@ int FlatReader::readEvents(std::deque<ClientEvent>& events) {
 std::optional<std::int64_t> FlatReader::sampleAt(double clock) const {
     const auto& segments = m_flat->recording.segments;
     const auto& latest = m_flat->latestStarts;
-    const auto next = std::upper_bound(latest.begin(), latest.end(), clock) - latest.begin();
-    if (next == 0)
+    if (segments.empty())
         return std::nullopt;
-    const auto index = static_cast<std::size_t>(next - 1);
+    const auto next = std::upper_bound(latest.begin(), latest.end(), clock) - latest.begin();
+    const auto index = static_cast<std::size_t>(next > 0 ? next - 1 : 0);
     const double place = std::round((clock - segments[index].start) * m_flat->recording.rate);
     const auto within = saturate<std::int64_t>(place);
-    if (index + 1 == segments.size() && within > segments[index].count)
+    // A clock is rounded: up to half a sample before the start it is the first one.
+    if (within < 0 || (index + 1 == segments.size() && within > segments[index].count))
         return std::nullopt;
-    const std::int64_t first = m_flat->samples.segmentStarts()[index];
-    return first + std::clamp<std::int64_t>(within, 0, segments[index].count);
+    return m_flat->samples.segmentStarts()[index] + std::min(within, segments[index].count);
 }
 
 int FlatReader::bytesPerSample() { return m_flat->samples.narrow() ? 2 : 4; }

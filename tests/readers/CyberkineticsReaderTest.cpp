@@ -95,7 +95,7 @@ TEST_F(Blackrock, SamplesOfANetworkClockFormRuns) {
 TEST_F(Blackrock, EventsStandAtTheirSamples) {
     const auto text = std::string("\xB5\0s\0", 4); // in UTF-16
     const BlackrockEventFile made = BlackrockEventFile()
-                                        .digital(2999, 1)
+                                        .digital(2992, 1)
                                         .digital(3000 + 15 * 40, 513)
                                         .spike(3100, 7)
                                         .comment(3000 + 15 * 50, "seizure ")

@@ -225,7 +225,8 @@ TEST(FlatReader, PausesAreAnchorsAndEventsKeepTheirSamples) {
     EXPECT_EQ(reader.getElapsedTime(2 * 86400.0), 6.0); // in the pause
     EXPECT_STREQ(reader.patientRec()->testDate, "2019.12.31");
     EXPECT_STREQ(reader.patientRec()->testTime, "23:59:50");
-    EXPECT_EQ(reader.sampleAt(86390.0), std::nullopt);
+    EXPECT_EQ(reader.sampleAt(86390.44), std::nullopt);
+    EXPECT_EQ(reader.sampleAt(86390.46), 0) << "less than half a sample early";
     EXPECT_EQ(reader.sampleAt(86391.0), 5);
     EXPECT_EQ(reader.sampleAt(86400.0), 30);
     EXPECT_EQ(reader.sampleAt(3 * 86400.0 + 4.0), 100);
