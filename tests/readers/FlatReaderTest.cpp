@@ -257,6 +257,18 @@ TEST(FlatReader, AClockThatWasSetBackAddsNoDay) {
     EXPECT_EQ(reader.getClockTime(10.0), 1010.0);
     ASSERT_EQ(reader.openFindings().size(), 1U);
     EXPECT_THAT(reader.openFindings()[0].text, HasSubstr("begins 100 s before"));
+    for (const double step : {0.0, 1.0}) { // by less than the first lasts, and within a second
+        ScriptedFlatReader twice(std::string(200, '\1'), [&](FlatRecording& recording) {
+            oneChannel(recording, {}, 100);
+            recording.clockStep = step;
+            recording.segments = {{30, 1000.0}, {30, 1002.0}, {40, 1004.95}};
+        });
+        ASSERT_EQ(twice.openFindings().size(), step > 0 ? 0U : 1U);
+        if (step == 0) {
+            EXPECT_THAT(twice.openFindings()[0].text,
+                        HasSubstr("segment 2 of 3 begins 1.000 s before what is before it ends"));
+        }
+    }
 }
 
 // A few bytes of a header claim any rate.
