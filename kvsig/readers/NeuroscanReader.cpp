@@ -57,6 +57,8 @@ struct NeuroscanReader::Places {
     std::int64_t frames = 0;    ///< of these that are samples
 
     [[nodiscard]] std::int64_t frameBytes() const { return channels * bytes; }
+    /// Bytes behind the last whole frame before `end`.
+    [[nodiscard]] std::int64_t rest() const { return (end - data) % frameBytes(); }
 };
 
 NeuroscanReader::NeuroscanReader() = default;
@@ -203,26 +205,29 @@ void NeuroscanReader::describeChannels(FlatRecording& recording, const Places& p
 }
 
 // Only the recording's own last block may be shorter, and then each channel's part of it is. That
-// block is known where nothing contradicts its end: neither a smaller number of samples, behind
-// which there may be more of them or something else, nor an event table that is not there.
+// block is known where nothing contradicts its end: neither a number of samples that is another one
+// nor an event table that is not there, or no table, or no whole number of samples away.
 void NeuroscanReader::describeTracks(const HeaderBlock& header, FlatRecording& recording,
                                      Places& places) {
     const bool blocks = standsInBlocks(header, recording, places);
     const std::int64_t together =
         blocks ? std::max<std::int64_t>(valueOf(header, channelOffset) / places.bytes, 1) : 1;
-    const bool isEndSure = places.frames == places.room &&
-                           (places.hasEvents || places.room == valueOf(header, numberOfSamples));
-    if (const std::int64_t rest = places.frames % together; !isEndSure) {
+    const std::int64_t said = valueOf(header, numberOfSamples);
+    const auto isEndSure = [&] {
+        return places.hasEvents ? (said == 0 || said == places.room) && places.rest() == 0 &&
+                                      isTableAt(recording.samples, places.end)
+                                : said == places.room;
+    };
+    if (const std::int64_t rest = places.frames % together; rest > 0 && !isEndSure()) {
         places.frames -= rest;
-        places.room = places.frames;
-        if (rest > 0)
-            report(Severity::warning,
-                   "what follows its first " + std::to_string(places.frames) +
-                       " samples is left out (" + std::to_string(rest) + "): their block of " +
-                       std::to_string(together) +
-                       " may have been cut or may be a shorter last one, in which channels stand "
-                       "elsewhere");
+        report(Severity::warning,
+               "what follows its first " + std::to_string(places.frames) +
+                   " samples is left out (" + std::to_string(rest) + "): their block of " +
+                   std::to_string(together) +
+                   " may have been cut or may be a shorter last one, in which channels stand "
+                   "elsewhere");
     }
+    places.room = places.frames;
     if (together <= std::max(longBlock / places.frameBytes(), std::int64_t{1})) {
         recording.tracks.push_back(
             {places.frameBytes(), together, 0.0, {{places.data, places.room}}, {}});
