@@ -68,9 +68,14 @@ bool isTableAt(const HeaderFile& file, std::int64_t offset) {
 EventTable readTable(const HeaderFile& file, const TablePlace& place) {
     EventTable table;
     const std::int64_t size = file.size();
-    if (place.offset >= size)
-        return table;
     const HeaderBlock head = file.read("event table", place.offset, tableHead);
+    if (std::cmp_less(head.bytes().size(), tableHead)) {
+        table.oddities.push_back("the event table (offset " + std::to_string(place.offset) +
+                                 ") is cut: " + std::to_string(head.bytes().size()) + " of its " +
+                                 std::to_string(tableHead) +
+                                 " bytes are in the file, its events are left out");
+        return table;
+    }
     const int type = valueOf(head, tableType);
     if (!isReadType(type)) {
         table.oddities.push_back(sentenceOf(head, tableType, 0, place.offset) +

@@ -122,7 +122,9 @@ TEST_F(Neuroscan, EventsOfAllTables) {
         const std::size_t table = file.tableOffset();
         ASSERT_TRUE(opens(all.substr(0, table + 9 + (type == 1 ? 8U : 19U))));
         EXPECT_EQ(events(), std::vector<std::string>{"0 reject"});
-        reads({{poked(all, table + 1, u32(~0U)), 100, "bytes of the event table"}});
+        reads({{all.substr(0, table), 100, "table (offset 1725) is cut: 0 of its 9 bytes are"},
+               {all.substr(0, table + 8), 100, "is cut: 8 of its 9 bytes are in the file"},
+               {poked(all, table + 1, u32(~0U)), 100, "bytes of the event table"}});
         EXPECT_EQ(events().size(), 8U);
         reads({{poked(all, table, "\4"), 100, "type of the event table"}});
         EXPECT_TRUE(events().empty());
