@@ -152,6 +152,14 @@ bool NeuroscanReader::findPlaces(const HeaderBlock& header, const HeaderFile& fi
     if (places.frames < places.room)
         report(Severity::note, sentenceOf(header, numberOfSamples) + ", there is room for " +
                                    std::to_string(places.room) + ": the first are shown");
+    if (count > places.room)
+        report(Severity::note, sentenceOf(header, numberOfSamples) + ", " +
+                                   std::to_string(places.room) + " are there");
+    if (places.rest() > 0)
+        report(Severity::note, "the " + std::to_string(places.rest()) + " bytes before " +
+                                   (places.hasEvents ? "its event table" : "its end") +
+                                   " are no whole sample of " + std::to_string(places.channels) +
+                                   " channels");
     return true;
 }
 

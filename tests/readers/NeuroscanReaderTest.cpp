@@ -36,7 +36,10 @@ TEST_F(Neuroscan, TheWidthOfSamplesIsTakenFromTheTrailerOrTheCount) {
     reads({{made(4).count(140).trailer(1).bytes(), 70, "taken for 32"},
            {unmarked, 70, "taken for 16"},
            {made(2).count(71).bytes(), 70, "nothing tells whether"},
-           {made(2).count(60).trailer(0).bytes(), 60, "(offset 864) is 60"}});
+           {made(2).count(60).trailer(0).bytes(), 60, "(offset 864) is 60"},
+           {made(2).count(5000).trailer(0).bytes(), 70, "(offset 864) is 5000, 70 are there"},
+           {poked(made(2).trailer(0).bytes(), 886, u32(made(2).tableOffset() - 2)), 69,
+            "the 4 bytes before its event table are no whole sample of 3 channels"}});
 }
 
 TEST_F(Neuroscan, BlocksAreTakenForWhatTheirSignalSays) {
