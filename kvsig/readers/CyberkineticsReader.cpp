@@ -142,7 +142,7 @@ bool CyberkineticsReader::describe(FlatRecording& recording) {
     if (recording.samples.size() < fileId.width)
         return refuse(2, "the file ends after " + std::to_string(recording.samples.size()) +
                              " bytes, inside the file id");
-    return refuse(3, "its first 8 bytes are none of NEURALSG, NEURALCD and BRSMPGRP");
+    return refuse(3, sentenceOf(head, fileId) + ", none of NEURALSG, NEURALCD and BRSMPGRP");
 }
 
 bool CyberkineticsReader::describeBare(const HeaderBlock& head, FlatRecording& recording) {
@@ -274,9 +274,12 @@ bool CyberkineticsReader::findBlocks(const HeaderBlock& head, FlatRecording& rec
     const auto isLong = [](const Run& run) { return run.frames > run.blocks; };
     const auto isStrided = [](const Run& run) { return run.blocks > 1; };
     const bool strided = std::any_of(scan.runs.begin(), scan.runs.end(), isStrided);
-    if (strided && std::any_of(scan.runs.begin(), scan.runs.end(), isLong))
-        return refuse(3, "blocks of one sample each and longer ones in one file are a variant that "
-                         "is not read");
+    const auto longer = std::find_if(scan.runs.begin(), scan.runs.end(), isLong);
+    if (strided && longer != scan.runs.end())
+        return refuse(3, "blocks of one sample each and longer ones (that at offset " +
+                             std::to_string(longer->offset) + " has " +
+                             std::to_string(longer->frames) +
+                             ") in one file are a variant that is not read");
     // A sample of a block of its own is as far from the next as the whole block is long.
     FlatTrack track{layout.frameBytes() + (strided ? layout.headBytes() : 0), 1, 0.0, {}, {}};
     if (strided)

@@ -111,8 +111,9 @@ void FlatReader::reportOddFacts() {
     const double page =
         std::min(recording.rate * usualPageSeconds, m_flat->longestPage(_minReadPts()));
     if (page * frame > static_cast<double>(maxPageBytes))
-        report(Severity::unusable, "five seconds of " + std::to_string(recording.channels.size()) +
-                                       " channels at " + shortestText(recording.rate) +
+        report(Severity::unusable, generalText(page / recording.rate, 4) + " s of " +
+                                       std::to_string(recording.channels.size()) + " channels at " +
+                                       shortestText(recording.rate) +
                                        " Hz do not fit a page: its samples read as zeros");
     if (count > mostSamples)
         report(Severity::warning, "of its " + std::to_string(count) + " samples the first " +

@@ -192,7 +192,9 @@ bool MicromedReader::isReadVariant(const HeaderBlock& header, std::int64_t size)
     if (type != readHeaderType)
         return refuse(3, typeText + ", which is none of a Micromed recording that is read; 4 is");
     if (!hasZones(header))
-        return refuse(2, "its first two zones (offset 176) are not ORDER and LABCOD");
+        return refuse(2, "of its first two zones the " + sentenceOf(header, zoneName, zonesOffset) +
+                             " and the " + sentenceOf(header, zoneName, zonesOffset + zoneBytes) +
+                             ", not ORDER and LABCOD");
     if (valueOf(header, compression) != 0)
         return refuse(3, sentenceOf(header, compression) +
                              ": compressed recordings are a variant that is not read");

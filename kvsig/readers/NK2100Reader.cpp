@@ -138,7 +138,7 @@ bool NK2100Reader::describe(FlatRecording& recording) {
                            " bytes, inside the header of at least " +
                            std::to_string(nk::headBytes));
     if (valueOf(head, nk::secondSignature) != device)
-        return fail(2, "its second device signature (offset 129) is not the first one");
+        return fail(2, sentenceOf(head, nk::secondSignature) + ", not the first one");
     if (!describeBlocks(head, recording) || !readCompanionPage(head) || !nameChannels(recording))
         return false;
     describePatient(head, recording);

@@ -101,7 +101,8 @@ bool NeuroscanReader::isReadVariant(const HeaderBlock& header, std::int64_t size
         return refuse(2, "the file ends after " + std::to_string(size) +
                              " bytes, inside the header of " + std::to_string(headerBytes));
     if (id != "Version 3.0")
-        return refuse(3, "its version (offset 0) is not \"Version 3.0\", the one that is read");
+        return refuse(3,
+                      sentenceOf(header, version) + ", not \"Version 3.0\", the one that is read");
     if (valueOf(header, acquisition) == 2)
         return refuse(3, sentenceOf(header, acquisition) +
                              ": recordings of the DC amplifier are a variant that is not read");
@@ -261,8 +262,14 @@ bool NeuroscanReader::standsInBlocks(const HeaderBlock& header, const FlatRecord
                                      const Places& places) {
     constexpr std::int64_t most = std::int64_t{1} << 18, enough = 4096;
     const std::int64_t offset = valueOf(header, channelOffset);
-    if (offset <= 1 || places.channels < 2 || offset % places.bytes != 0)
+    if (offset <= 1 || places.channels < 2)
         return false;
+    if (offset % places.bytes != 0) {
+        report(Severity::note, sentenceOf(header, channelOffset) +
+                                   ", no whole number of samples of " +
+                                   std::to_string(places.bytes) + " bytes: read as frames");
+        return false;
+    }
     const std::int64_t together = offset / places.bytes;
     if (together < 2)
         return false;

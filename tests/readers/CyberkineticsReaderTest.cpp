@@ -93,6 +93,7 @@ TEST_F(Blackrock, SamplesOfANetworkClockFormRuns) {
     EXPECT_NEAR(reader.getClockTime(0.06), start + 2.067, 1e-5);
     EXPECT_FALSE(opens(file.block(9'000'000'000, 7)));
     EXPECT_EQ(reader.getLastError(), 3);
+    EXPECT_THAT(reader.lastErrorText(), HasSubstr("(that at offset 4312 has 7)"));
 }
 
 TEST_F(Blackrock, EventsStandAtTheirSamples) {
@@ -182,7 +183,7 @@ TEST_F(Blackrock, OtherVariantsAndLyingHeadersAreRefused) {
         {BlackrockEventFile().bytes(), 3, "event file"},
         {poked(good, 9, "\4"), 3, "version 2.4 of NEURALCD"},
         {BlackrockFile("BRSMPGRP", 2, 3).channels(1).block(0, 9).bytes(), 3, "version 2.3"},
-        {poked(good, 0, "NEURALXX"), 3, "none of NEURALSG"},
+        {poked(good, 0, "NEURALXX"), 3, "file id (offset 0) is \"NEURALXX\", none of NEURALSG"},
         {poked(good, 310, u32(0)), 2, "number of channels (offset 310) is 0"},
         {poked(good, 310, u32(~0U)), 2, "is 4294967295"},
         {poked(good, 310, "\3"), 2, "header of 3 channels takes 512"},

@@ -232,7 +232,7 @@ TEST_F(NihonKohden, OtherVariantsAndLyingHeadersAreRefused) {
         {NihonKohdenFile("EEG-1200A V01.00").block("20190403160016", 9).bytes(), 3, "EEG-1200A"},
         {NihonKohdenFile("EEG-9999A V01.00").block("20190403160016", 9).bytes(), 3, "no signature"},
         {good.substr(0, 9), 2, "inside the device signature"},
-        {poked(good, 0x81, "EEG-2100  V01.00"), 2, "second device signature (offset 129)"},
+        {poked(good, 0x81, "EEG-2100  V01.00"), 2, "(offset 129) is \"EEG-2100  V01.00\", not"},
         {nihonKohdenPage() + std::string(4096, '\0'), 3, "samples are in the .EEG"},
         {poked(good, 0x91, u8(0)), 2, "number of blocks (offset 145) is 0"},
         {poked(good, 0x91, "\2"), 2, "control block 2 of 2 (offset 0) begins where"},
