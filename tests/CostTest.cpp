@@ -7,17 +7,14 @@
 #include "support/InDirectory.h"
 #include "support/NeuroscanFile.h"
 #include "support/Opened.h"
-#include "support/TempDir.h"
+#include "support/RawFile.h"
 
 #include <ctime>
 #include <functional>
-#include <gtest/gtest.h>
-#include <sstream>
-#include <string>
 
 // Inputs that are as large as they may be and made to be slow. Work that grows with the square of
 // their length would take minutes.
-namespace kvsig {
+namespace kvsig::test {
 namespace {
 
 double processorSeconds(const std::function<void()>& work) {
@@ -42,13 +39,12 @@ class Cost : public testing::Test {
         SetMontageDirectory(nullptr);
     }
     void openChannels(std::size_t count) {
-        std::istringstream attributes(
-            "[FileInfo]\nFile=x\nSamplingRate=1\nHeaderLength=0\nCalibration=1\nDataType=0\n"
-            "WaveformCount=" +
-            std::to_string(count) + "\n[ChannelMap]\n" + repeated(count, [](std::size_t i) {
-                return electrode(i) + "-Ref=" + std::to_string(i + 1) + "\n";
-            }));
-        ASSERT_TRUE(reader.readAttributeFile(attributes));
+        RawFile file;
+        file.channels(static_cast<int>(count)).headerLength(0);
+        file.sections("[ChannelMap]\n" + repeated(count, [](std::size_t i) {
+                          return electrode(i) + "-Ref=" + std::to_string(i + 1) + "\n";
+                      }));
+        ASSERT_TRUE(readAttributes(reader, file.attributes()));
         ASSERT_TRUE(reader.open(dir.write("x", std::string(count * 8, '\0')).c_str()));
     }
     double secondsFor(const std::string& montageText) {
@@ -60,8 +56,8 @@ class Cost : public testing::Test {
     }
 
     static constexpr double most = 10.0; // under sanitizers too
-    const test::TempDir dir;
-    const test::InDirectory here{dir.path()};
+    const TempDir dir;
+    const InDirectory here{dir.path()};
     InterleavedReader reader;
     SourceMontage montage;
 };
@@ -108,15 +104,15 @@ TEST_F(Cost, OfLayoutsOfManyNames) {
 
 // A rate is two bytes of a header: five seconds of it were a page of 0.9 GB.
 TEST_F(Cost, OfFewSamplesAtHighRates) {
-    const std::string honest = test::NeuroscanFile().channels(1400).frames(2).bytes();
+    const std::string honest = NeuroscanFile().channels(1400).frames(2).bytes();
     const auto secondsAt = [&](int rate) {
-        const std::string path = dir.write(
-            "a.cnt", test::poked(honest, 376, test::u16(static_cast<std::uint64_t>(rate))));
+        const std::string path =
+            dir.write("a.cnt", poked(honest, 376, u16(static_cast<std::uint64_t>(rate))));
         return processorSeconds([&] {
             NeuroscanReader recording;
             ASSERT_TRUE(recording.open(path.c_str()));
             for (int channel = 0; channel < 1400; channel += 100)
-                EXPECT_EQ(test::rawOf(recording, channel, 0, 0)[0], test::rampCount(channel, 0));
+                EXPECT_EQ(rawOf(recording, channel, 0, 0)[0], rampCount(channel, 0));
         });
     };
     constexpr double ratio = 10.0, startUp = 0.02;
@@ -124,4 +120,4 @@ TEST_F(Cost, OfFewSamplesAtHighRates) {
 }
 
 } // namespace
-} // namespace kvsig
+} // namespace kvsig::test

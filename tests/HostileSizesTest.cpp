@@ -7,18 +7,14 @@
 #include "support/EdfFile.h"
 #include "support/ReadAround.h"
 
-#include <fstream>
 #include <functional>
-#include <gtest/gtest.h>
-#include <sstream>
-#include <string>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 // Files of few bytes that claim to be huge, in a process that cannot have the memory which they ask
 // for.
-namespace kvsig {
+namespace kvsig::test {
 namespace {
 
 constexpr rlim_t pageBytes = 4096;
@@ -60,23 +56,23 @@ class HostileSizes : public testing::Test {
             if (!reader && error.empty())
                 ::_exit(3);
             if (reader)
-                test::readAround(dynamic_cast<DataReader&>(*reader));
+                readAround(dynamic_cast<DataReader&>(*reader));
         })) << path;
     }
 
     static constexpr rlim_t room = rlim_t{160} << 20;
-    const test::TempDir dir;
+    const TempDir dir;
 };
 
 TEST_F(HostileSizes, OfEdfHeaders) {
-    test::EdfFile wide;
+    EdfFile wide;
     for (int i = 0; i < 9999; ++i)
         wide.signal("EEG", 1);
     survives(dir.write("wide.edf", wide.records(4).bytes()));
     wide.poke(wide.fieldOffset(216, 8, 7), "99999999");
     survives(dir.write("wide and long.edf", wide.bytes()));
 
-    test::EdfFile fast;
+    EdfFile fast;
     fast.signal("EEG C3", 4).signal("EEG C4", 4).records(40);
     survives(dir.write("fast.edf", fast.duration("1e-7").bytes()));
     fast.duration("1");
@@ -86,19 +82,18 @@ TEST_F(HostileSizes, OfEdfHeaders) {
 
 // Every field at its greatest, in turn, and every pointer just behind the file.
 TEST_F(HostileSizes, OfHeadersOfOtherMakers) {
-    for (const test::ReaderRow& row : test::flatRows()) {
-        const test::SampleRecording file = row.sample();
+    for (const ReaderRow& row : flatRows()) {
+        const SampleRecording file = row.sample();
         static_cast<void>(file.writeTo(dir));
         EXPECT_TRUE(endsWellWithin(room, [&] {
             for (const std::size_t offset : file.boundaries)
                 for (const std::string& value :
-                     {test::u64(~0ULL), test::u32(0x7FFFFFFF), test::u32(file.bytes.size() + 1),
-                      test::f64(1e300)}) {
+                     {u64(~0ULL), u32(0x7FFFFFFF), u32(file.bytes.size() + 1), f64(1e300)}) {
                     const auto reader = row.reader();
                     const std::string path =
-                        dir.write(file.fileName, test::poked(file.bytes, offset, value));
+                        dir.write(file.fileName, poked(file.bytes, offset, value));
                     if (reader->open(path.c_str()))
-                        test::readAround(*reader);
+                        readAround(*reader);
                     else if (*reader->lastErrorText() == '\0')
                         ::_exit(3);
                     // A page takes a small multiple of the file, whatever rate is claimed.
@@ -136,4 +131,4 @@ TEST_F(HostileSizes, OfXmlDocuments) {
 }
 
 } // namespace
-} // namespace kvsig
+} // namespace kvsig::test

@@ -7,15 +7,13 @@
 #include "kvsig/util/ProfileText.h"
 #include "kvsig/util/TimeText.h"
 #include "support/FakeReader.h"
+#include "support/Testing.h"
 
 #include <clocale>
-#include <gtest/gtest.h>
 #include <iomanip>
 #include <locale>
-#include <sstream>
-#include <string>
 
-namespace kvsig {
+namespace kvsig::test {
 namespace {
 
 class CommaDecimal : public std::numpunct<char> {
@@ -70,9 +68,9 @@ TEST_F(Locale, SettingsAndDefinitionsKeepTheirPoint) {
 
 // A host's stream keeps its own flags, and they do not reach the texts.
 TEST_F(Locale, StreamsKeepTheirFlagsAndTheTextsTheirForm) {
-    test::FakeRecording recording;
+    FakeRecording recording;
     recording.rate = 1000.5;
-    test::FakeReader reader(recording);
+    FakeReader reader(recording);
     ASSERT_TRUE(reader.open("night.edf"));
     std::ostringstream stream;
     stream << std::hex << std::showbase << std::setw(12) << std::setfill('*');
@@ -98,4 +96,4 @@ TEST_F(Locale, AttributeFilesKeepTheirPoint) {
 }
 
 } // namespace
-} // namespace kvsig
+} // namespace kvsig::test

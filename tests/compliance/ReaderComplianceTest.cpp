@@ -1,68 +1,25 @@
-#include "compliance/ReaderRow.h"
+#include "compliance/RowFixture.h"
 #include "kvsig/montage/G1G2Source.h"
-#include "kvsig/readers/PushableReader.h"
 #include "kvsig/registry/FrontDoor.h"
-#include "kvsig/registry/ReadableFormats.h"
 #include "kvsig/registry/types/FileTypes.h"
 #include "kvsig/util/LogSink.h"
+#include "support/ChannelFacts.h"
 #include "support/LogCapture.h"
-#include "support/Opened.h"
 #include "support/ReadAround.h"
 #include "support/SameSamples.h"
 
-#include <algorithm>
 #include <climits>
 #include <deque>
-#include <filesystem>
-#include <fstream>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <limits>
 #include <random>
 #include <set>
-#include <sstream>
-#include <string>
 #include <string_view>
-#include <vector>
 
-namespace kvsig {
+namespace kvsig::test {
 namespace {
 
-using test::rawOf;
-using test::ReaderRow;
-using test::SampleRecording;
-using test::valuesOf;
-using Counts = std::vector<std::int32_t>;
-
-class ReaderCompliance : public testing::TestWithParam<ReaderRow> {
+class ReaderCompliance : public RowFixture {
   protected:
-    void SetUp() override { ASSERT_TRUE(reader->open(path.c_str())) << reader->lastErrorText(); }
-
-    // What the maker put there, by the rule of getData(): 0 where nothing is stored.
-    [[nodiscard]] Counts expected(int channel, long first, long last) const {
-        Counts counts;
-        for (long i = first; i <= last; ++i)
-            counts.push_back(i >= 0 && i < file.storedSampleCount ? file.raw(channel, i) : 0);
-        return counts;
-    }
-
-    // A reader that is ready to open recordings of this kind.
-    [[nodiscard]] std::unique_ptr<DataReader> newReader() const {
-        return prepared(GetParam().reader());
-    }
-
-    [[nodiscard]] std::unique_ptr<DataReader> prepared(std::unique_ptr<DataReader> made) const {
-        std::istringstream attributes(file.attributes);
-        EXPECT_EQ(made->readAttributeFile(attributes), !file.attributes.empty());
-        if (auto* pushed = dynamic_cast<PushableReader*>(made.get()))
-            pushed->addPart(path.c_str(), 1.0);
-        return made;
-    }
-
-    const test::TempDir dir;
-    const SampleRecording file = GetParam().sample();
-    const std::string path = file.writeTo(dir);
-    std::unique_ptr<DataReader> reader = newReader();
+    const std::unique_ptr<DataReader> reader = openedReader();
 };
 
 TEST_P(ReaderCompliance, TellsTheFactsOfTheRecording) {
@@ -100,7 +57,7 @@ TEST_P(ReaderCompliance, TheFrontDoorOpensItByItsType) {
 
 TEST_P(ReaderCompliance, AFreshReaderAnswersEveryCall) {
     const std::unique_ptr<DataReader> fresh = GetParam().reader();
-    test::callEverySlot(*fresh);
+    callEverySlot(*fresh);
     EXPECT_FALSE(fresh->readSampleInfo());
     EXPECT_EQ(fresh->sampleCount(), 0);
 }
@@ -110,7 +67,7 @@ TEST_P(ReaderCompliance, ClosesTwiceAndReopens) {
     for (int round = 0; round < 3; ++round) {
         reader->close();
         reader->close();
-        test::readAround(*reader);
+        readAround(*reader);
         EXPECT_FALSE(reader->open(dir.file("missing").c_str()));
         EXPECT_EQ(reader->getLastError(), 1);
         ASSERT_TRUE(reader->open(path.c_str()));
@@ -122,17 +79,11 @@ TEST_P(ReaderCompliance, ClosesTwiceAndReopens) {
 }
 
 TEST_P(ReaderCompliance, GettersAnswerNothingOutOfRange) {
+    const std::string outside = "|||0|0||0|0|0|0|0|0|" + std::to_string(file.sampleCount);
     for (const int channel : {INT_MIN, -1, file.channels, file.channels + 1, INT_MAX}) {
-        for (const char* text : {reader->channelName(channel), reader->grid1(channel),
-                                 reader->grid2(channel), reader->channelUnits(channel)})
-            EXPECT_STREQ(text, "") << channel;
-        for (const double number :
-             {reader->calibration(channel), reader->dcOffset(channel), reader->physioLow(channel),
-              reader->physioHigh(channel), reader->storedSamplingRate(channel),
-              static_cast<double>(reader->digitalLow(channel)),
-              static_cast<double>(reader->digitalHigh(channel)),
-              static_cast<double>(reader->channelType(channel))})
-            EXPECT_EQ(number, 0.0) << channel;
+        EXPECT_EQ(factsOf(*reader, channel), outside);
+        EXPECT_EQ(reader->dcOffset(channel), 0.0) << channel;
+        EXPECT_EQ(reader->storedSamplingRate(channel), 0.0) << channel;
         EXPECT_EQ(rawOf(*reader, channel, 0, 2), Counts(3, 0)) << channel;
     }
     for (int channel = 0; channel < file.channels; ++channel) {
@@ -168,7 +119,7 @@ TEST_P(ReaderCompliance, EveryWayOfReadingGivesTheMakersSamples) {
 TEST_P(ReaderCompliance, EveryPathToASampleGivesTheSameBits) {
     const std::unique_ptr<DataReader> framed = prepared(GetParam().framedReader());
     ASSERT_TRUE(framed->open(path.c_str()));
-    test::expectSameSamples(*reader, *framed, 1000);
+    expectSameSamples(*reader, *framed, 1000);
 
     G1G2Source cached(*reader, 0, -1), plain(*framed, 0, -1);
     plain.setUseCache(false);
@@ -212,17 +163,6 @@ TEST_P(ReaderCompliance, ChunksOutsideTheRecordingHoldNothing) {
         EXPECT_EQ(reader->getSampleChunk(first, frames.data()), 0) << first;
 }
 
-TEST_P(ReaderCompliance, AccumulatingTwiceDoublesWhatIsStored) {
-    for (int channel = 0; channel < file.channels; ++channel) {
-        const std::vector<float> once = valuesOf(*reader, channel, -2, 99);
-        std::vector<float> sum(once.size(), 0.0F);
-        for (int round = 0; round < 2; ++round)
-            EXPECT_EQ(reader->getData(channel, -2, 99, sum.data(), 1.0, 1), 102);
-        for (std::size_t i = 0; i < once.size(); ++i)
-            EXPECT_EQ(sum[i], 2 * once[i]);
-    }
-}
-
 TEST_P(ReaderCompliance, ValuesFollowFromCountsAndCalibration) {
     for (int channel = 0; channel < file.channels; ++channel) {
         const Counts raw = rawOf(*reader, channel, 0, file.sampleCount - 1);
@@ -251,9 +191,11 @@ TEST_P(ReaderCompliance, TruncatedFilesAreToldOrRead) {
         SCOPED_TRACE(length);
         const std::string cut = dir.write("cut", std::string_view(file.bytes).substr(0, length));
         const auto other = newReader();
-        if (!other->open(cut.c_str())) {
+        const bool opened = other->open(cut.c_str());
+        static_cast<void>(other->inspectFile());
+        if (!opened) {
             EXPECT_THAT(other->getLastError(), testing::AnyOf(1, 2, 3));
-            EXPECT_THAT(other->lastErrorText(), testing::StartsWith(cut + ": "));
+            EXPECT_THAT(other->lastErrorText(), StartsWith(cut + ": "));
             EXPECT_GT(std::string(other->lastErrorText()).size(), cut.size() + 10);
             continue;
         }
@@ -282,12 +224,11 @@ TEST_P(ReaderCompliance, DamagedFilesAreToldOrRead) {
     for (int i = 0; i < 300; ++i) {
         SCOPED_TRACE(i);
         const auto other = GetParam().reader();
-        std::istringstream attributes(damage(file.attributes, file.attributes.size()));
-        static_cast<void>(other->readAttributeFile(attributes));
+        readAttributes(*other, damage(file.attributes, file.attributes.size()));
         const std::string damaged = dir.write("damaged", damage(file.bytes, header));
         if (other->open(damaged.c_str())) {
             ++opened;
-            test::readAround(*other);
+            readAround(*other);
         } else {
             EXPECT_GT(std::string(other->lastErrorText()).size(), damaged.size() + 10);
         }
@@ -299,25 +240,23 @@ TEST_P(ReaderCompliance, DamagedFilesAreToldOrRead) {
 // One that is there and does not open may name channels, scale them or place events.
 TEST_P(ReaderCompliance, CompanionsThatDoNotOpenAreTold) {
     for (const auto& [name, bytes] : file.companions) {
-        std::filesystem::remove(dir.file(name));
-        std::filesystem::create_symlink("nowhere", dir.file(name));
+        fs::remove(dir.file(name));
+        fs::create_symlink("nowhere", dir.file(name));
         const auto other = newReader();
         if (other->open(path.c_str()) &&
             other->openFindings().size() == reader->openFindings().size()) {
-            test::LogCapture log;
+            LogCapture log;
             std::deque<ClientEvent> events;
             other->readEvents(events);
-            EXPECT_THAT(log.take(logWarning), testing::Contains(testing::HasSubstr("no such file")))
-                << name;
+            EXPECT_THAT(log.take(logWarning), Contains(HasSubstr("no such file"))) << name;
         }
-        std::filesystem::remove(dir.file(name));
+        fs::remove(dir.file(name));
         dir.write(name, bytes);
     }
 }
 
 TEST_P(ReaderCompliance, TwoReadersOfOneFileDoNotDisturbEachOther) {
-    const auto other = newReader();
-    ASSERT_TRUE(other->open(path.c_str()));
+    const auto other = openedReader();
     const std::string name = reader->channelName(0);
     for (long i = 0; i < file.sampleCount; i += 37) {
         const long mirrored = file.sampleCount - 1 - i;
@@ -341,29 +280,9 @@ TEST_P(ReaderCompliance, ClockAndElapsedTimeAreInverse) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Edf, ReaderCompliance, testing::ValuesIn(test::edfRows()),
-                         [](const auto& row) { return std::string(row.param.name); });
-
-INSTANTIATE_TEST_SUITE_P(Raw, ReaderCompliance, testing::ValuesIn(test::rawRows()),
-                         [](const auto& row) { return std::string(row.param.name); });
-
-INSTANTIATE_TEST_SUITE_P(Flat, ReaderCompliance, testing::ValuesIn(test::flatRows()),
-                         [](const auto& row) { return std::string(row.param.name); });
-
-// A format is readable when its reader has passed the kit, and when users are told.
-TEST(ReaderComplianceRows, CoverEveryReadableFormat) {
-    std::set<int> types;
-    for (const auto& rows : {test::edfRows(), test::rawRows(), test::flatRows()})
-        for (const ReaderRow& row : rows)
-            types.insert(row.type);
-    for (const ReadableFormat& format : readableFormats())
-        EXPECT_TRUE(types.contains(format.type)) << typeNameOf(format.type);
-    std::ifstream page(KVSIG_SOURCE_DIR "/docs/formats.md");
-    const std::string text{std::istreambuf_iterator<char>(page), {}};
-    for (const ReadableFormat& format : readableFormats())
-        EXPECT_THAT(text, testing::HasSubstr("| " + std::to_string(format.type) + " | " +
-                                             typeNameOf(format.type) + " |"));
-}
+INSTANTIATE_TEST_SUITE_P(Edf, ReaderCompliance, testing::ValuesIn(edfRows()), rowName);
+INSTANTIATE_TEST_SUITE_P(Raw, ReaderCompliance, testing::ValuesIn(rawRows()), rowName);
+INSTANTIATE_TEST_SUITE_P(Flat, ReaderCompliance, testing::ValuesIn(flatRows()), rowName);
 
 } // namespace
-} // namespace kvsig
+} // namespace kvsig::test

@@ -14,8 +14,8 @@ struct Active {
     bool interrupted = false;
 
     // Whether this call fails.
-    bool fails() {
-        if (plan.interrupts && !interrupted) {
+    bool fails(bool canBeInterrupted = true) {
+        if (plan.interrupts && canBeInterrupted && !interrupted) {
             interrupted = true;
             errno = EINTR;
             return true;
@@ -83,6 +83,6 @@ int __wrap_fsync(int handle) {
 int __real_rename(const char* from, const char* to);
 int __wrap_rename(const char* from, const char* to) {
     using kvsig::test::writes;
-    return writes.fails() ? writes.refusal() : __real_rename(from, to);
+    return writes.fails(false) ? writes.refusal() : __real_rename(from, to);
 }
 }

@@ -11,7 +11,7 @@ struct FaultPlan {
     int failures = 1 << 30;  ///< how many of them fail
     int code = EIO;          ///< errno of these failures
     int longestTransfer = 0; ///< bytes that one call moves at most; 0 for no limit
-    bool interrupts = false; ///< every second call fails with EINTR first
+    bool interrupts = false; ///< every second call, but of rename, fails with EINTR first
     bool kills = false;      ///< the process dies in the middle of the call instead (writes)
 };
 

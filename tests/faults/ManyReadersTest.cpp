@@ -1,75 +1,53 @@
 #include "kvsig/registry/FrontDoor.h"
 #include "support/EdfFile.h"
 #include "support/TempDir.h"
+#include "support/Testing.h"
 
-#include <fstream>
-#include <gtest/gtest.h>
-#include <string>
 #include <sys/resource.h>
-#include <vector>
 
-namespace kvsig {
+namespace kvsig::test {
 namespace {
-
-constexpr int perRecord = 8;
-
-std::string recordingOf(int number) {
-    return test::EdfFile()
-        .signal("EEG C3", perRecord)
-        .physical("-32768", "32767")
-        .records(8)
-        .samples(
-            [number](int, std::int64_t i) { return static_cast<std::int32_t>(number * 64 + i); })
-        .bytes();
-}
-
-std::vector<float> blockOf(IDataReader& reader) {
-    std::vector<float> values(64);
-    reader.getData(0, 0, 63, values.data(), 1.0, 0);
-    return values;
-}
 
 TEST(ManyReaders, ThreeHundredAtOnceKeepApart) {
     constexpr int count = 300;
-    const test::TempDir dir;
+    const TempDir dir;
+    const auto firstOf = [](int i) { return (i - i % 3) * 64; }; // every third is open three times
     std::vector<ReaderPtr> readers;
     for (int i = 0; i < count; ++i) {
-        std::string error;
-        // Every third recording is open twice.
-        readers.push_back(openReader(
-            dir.write(std::to_string(i - i % 3) + ".edf", recordingOf(i - i % 3)).c_str(), 0,
-            &error));
-        ASSERT_TRUE(readers.back()) << error;
+        const EdfFile file = EdfFile()
+                                 .signal("EEG C3", 64)
+                                 .physical("-32768", "32767")
+                                 .samples([i, &firstOf](int, std::int64_t at) {
+                                     return firstOf(i) + static_cast<int>(at);
+                                 });
+        readers.push_back(
+            openReader(dir.write(std::to_string(firstOf(i)) + ".edf", file.bytes()).c_str()));
+        ASSERT_TRUE(readers.back());
     }
-    for (int round = 0; round < 3; ++round)
-        for (int step = 0; step < count; ++step) {
-            const int i = step * 101 % count;
-            const auto values = blockOf(*readers[static_cast<std::size_t>(i)]);
-            ASSERT_EQ(values[0], static_cast<float>((i - i % 3) * 64)) << i;
-            ASSERT_EQ(values[63], static_cast<float>((i - i % 3) * 64 + 63)) << i;
-        }
+    for (int step = 0; step < 3 * count; ++step) {
+        const int i = step * 101 % count;
+        float value = 0.0F;
+        readers[static_cast<std::size_t>(i)]->getData(0, 63, 63, &value, 1.0, 0);
+        ASSERT_EQ(value, static_cast<float>(firstOf(i) + 63)) << i;
+    }
 }
 
-class FewDescriptors {
-  public:
+// The process may have no more than 40 while it lives.
+struct FewDescriptors {
     FewDescriptors() {
-        ::getrlimit(RLIMIT_NOFILE, &m_before);
-        rlimit few = m_before;
-        few.rlim_cur = 40;
+        ::getrlimit(RLIMIT_NOFILE, &before);
+        const rlimit few{40, before.rlim_max};
         ::setrlimit(RLIMIT_NOFILE, &few);
     }
-    ~FewDescriptors() { ::setrlimit(RLIMIT_NOFILE, &m_before); }
-    FewDescriptors(const FewDescriptors&) = delete;
-    FewDescriptors& operator=(const FewDescriptors&) = delete;
-
-  private:
-    rlimit m_before{};
+    ~FewDescriptors() { ::setrlimit(RLIMIT_NOFILE, &before); }
+    rlimit before{};
 };
 
 // Not under UndefinedBehaviorSanitizer, which needs descriptors of its own to look at memory.
-TEST(ManyReaders, WithoutDescriptorsAReaderIsRefusedAndTheOthersReadOn) {
-    const test::TempDir dir;
-    const std::string path = dir.write("a.edf", recordingOf(7));
+TEST(ManyReaders, WithoutDescriptorsOneIsRefusedAndTheOthersReadOn) {
+    const TempDir dir;
+    const EdfFile recording = EdfFile().signal("EEG C3", 8).physical("-32768", "32767");
+    const std::string path = dir.write("a.edf", recording.bytes());
     std::vector<ReaderPtr> readers;
     {
         const FewDescriptors few;
@@ -84,8 +62,11 @@ TEST(ManyReaders, WithoutDescriptorsAReaderIsRefusedAndTheOthersReadOn) {
         ASSERT_LT(readers.size(), 40U);
         EXPECT_EQ(error, path + ": Too many open files");
         EXPECT_FALSE(openReader(path.c_str())) << "nor is its type told";
-        for (const ReaderPtr& reader : readers)
-            EXPECT_EQ(blockOf(*reader)[3], 7.0F * 64 + 3);
+        for (const ReaderPtr& reader : readers) {
+            float value = 0.0F;
+            EXPECT_EQ(reader->getData(0, 3, 3, &value, 1.0, 0), 1);
+            EXPECT_EQ(value, static_cast<float>(recording.sample(0, 3)));
+        }
         readers.pop_back();
         readers.push_back(openReader(path.c_str(), 6, &error));
         ASSERT_TRUE(readers.back()) << "a closed one makes room: " << error;
@@ -94,4 +75,4 @@ TEST(ManyReaders, WithoutDescriptorsAReaderIsRefusedAndTheOthersReadOn) {
 }
 
 } // namespace
-} // namespace kvsig
+} // namespace kvsig::test

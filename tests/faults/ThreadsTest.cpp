@@ -5,16 +5,13 @@
 #include "kvsig/util/LogSink.h"
 #include "support/EdfFile.h"
 #include "support/TempDir.h"
+#include "support/Testing.h"
 
 #include <atomic>
-#include <gtest/gtest.h>
-#include <sstream>
-#include <string>
 #include <thread>
-#include <vector>
 
 // One reader per thread: nothing that readers share may show. Run under ThreadSanitizer too.
-namespace kvsig {
+namespace kvsig::test {
 namespace {
 
 constexpr int threads = 8;
@@ -48,11 +45,11 @@ Facts useReader(const std::string& path) {
 }
 
 TEST(Threads, OneReaderPerThreadOnEightThreads) {
-    const test::TempDir dir;
+    const TempDir dir;
     std::vector<std::string> paths;
     std::vector<Facts> expected;
     for (int i = 0; i < threads; ++i) {
-        test::EdfFile file;
+        EdfFile file;
         file.signal("EEG C" + std::to_string(i) + "-Ref", 32)
             .signal("EEG P" + std::to_string(i), 32)
             .records(20)
@@ -84,4 +81,4 @@ TEST(Threads, OneReaderPerThreadOnEightThreads) {
 }
 
 } // namespace
-} // namespace kvsig
+} // namespace kvsig::test

@@ -3,19 +3,12 @@
 #include "kvsig/util/OutputFile.h"
 #include "support/InDirectory.h"
 #include "support/TempDir.h"
+#include "support/Testing.h"
 
-#include <filesystem>
-#include <gtest/gtest.h>
 #include <iterator>
-#include <sstream>
-#include <string>
 
-namespace kvsig {
+namespace kvsig::test {
 namespace {
-
-namespace fs = std::filesystem;
-using test::FaultPlan;
-using test::WriteFaults;
 
 // One way of writing over an old file.
 struct Writer {
@@ -45,8 +38,8 @@ class WriteFaultsOf : public testing::TestWithParam<Writer> {
     }
 
     const std::string old = "[ChannelMap]\nOld=\n[Old]\nFp1-Ref=1\n";
-    const test::TempDir dir;
-    const test::InDirectory here{dir.path()};
+    const TempDir dir;
+    const InDirectory here{dir.path()};
 };
 
 // Disk full or broken at any call, the renaming included: false is returned and nothing else is
@@ -73,12 +66,12 @@ TEST_P(WriteFaultsOf, AFailureAtAnyCallKeepsTheOldFile) {
         }
 }
 
-TEST_P(WriteFaultsOf, ShortWritesAreCompleted) {
+TEST_P(WriteFaultsOf, InterruptedAndShortWritesAreCompleted) {
     rewind();
     ASSERT_TRUE(write());
     const std::string whole = content();
     rewind();
-    const WriteFaults faults({.longestTransfer = 4096});
+    const WriteFaults faults({.longestTransfer = 4096, .interrupts = true});
     EXPECT_TRUE(write());
     EXPECT_EQ(content(), whole);
 }
@@ -89,4 +82,4 @@ INSTANTIATE_TEST_SUITE_P(Files, WriteFaultsOf,
                          [](const auto& writer) { return std::string(writer.param.name); });
 
 } // namespace
-} // namespace kvsig
+} // namespace kvsig::test

@@ -2,23 +2,11 @@
 
 #include "support/LogCapture.h"
 #include "support/Opened.h"
-#include "support/ReadAround.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <string>
-#include <vector>
-
-namespace kvsig {
+namespace kvsig::test {
 namespace {
 
-using test::EdfFile;
-using test::rawOf;
-using test::valuesOf;
-using testing::ElementsAre;
-using testing::HasSubstr;
-
-struct Bdf : test::Opened<BDFReader> {
+struct Bdf : Opened<BDFReader> {
     using BDFReader::getChunk;
     using Opened::Opened;
 };
@@ -27,11 +15,9 @@ EdfFile bdf() { return EdfFile().bdf(); }
 
 TEST(BDFReader, SamplesHave24BitsAndFrames32) {
     const std::int32_t counts[] = {-1, -8388608, 8388607, 0, 1, -256};
-    Bdf reader(bdf()
-                   .signal("a", 6)
-                   .digital("-8388608", "8388607")
-                   .physical("-262144", "262143.9")
-                   .samples([&](int, std::int64_t index) { return counts[index]; }));
+    EdfFile file = bdf().signal("a", 6).digital("-8388608", "8388607");
+    file.physical("-262144", "262143.9");
+    Bdf reader(file.samples([&](int, std::int64_t index) { return counts[index]; }));
     ASSERT_TRUE(reader.isOpen);
     EXPECT_EQ(reader.bytesPerSample(), 4);
     EXPECT_THAT(rawOf(reader, 0, 0, 5), testing::ElementsAreArray(counts));
@@ -59,7 +45,7 @@ TEST(BDFReader, CountsHalfAgainAsManySamplesAsItHolds) {
 }
 
 TEST(BDFReader, MixedRatesReadAsFlatZerosAndSaySo) {
-    test::LogCapture log;
+    LogCapture log;
     Bdf reader(bdf().signal("a", 4).signal("b", 2).records(6));
     ASSERT_TRUE(reader.isOpen);
     ASSERT_EQ(reader.openFindings().size(), 1U);
@@ -67,7 +53,7 @@ TEST(BDFReader, MixedRatesReadAsFlatZerosAndSaySo) {
     EXPECT_THAT(reader.openFindings()[0].text, HasSubstr("flat zeros"));
     EXPECT_THAT(log.take(logWarning), ElementsAre(HasSubstr("flat zeros")));
     for (const int channel : {0, 1})
-        EXPECT_THAT(rawOf(reader, channel, 0, 23), testing::Each(0));
+        EXPECT_THAT(rawOf(reader, channel, 0, 23), Each(0));
     EXPECT_EQ(reader.storedSampleCount(), 24);
     EXPECT_EQ(reader.sampleCount(), 36);
     EXPECT_EQ(reader.storedSamplingRate(1), 2.0);
@@ -76,7 +62,7 @@ TEST(BDFReader, MixedRatesReadAsFlatZerosAndSaySo) {
     std::vector<std::int32_t> frames(10, 77);
     auto* buffer = static_cast<short*>(static_cast<void*>(frames.data()));
     EXPECT_EQ(reader.getChunk(6 * 32, buffer, 32), 0);
-    EXPECT_THAT(frames, testing::Each(77));
+    EXPECT_THAT(frames, Each(77));
     EXPECT_EQ(reader.getChunk(0, buffer, 36), 36);
     EXPECT_THAT(frames, ElementsAre(0, 0, 0, 0, 0, 0, 0, 0, 0, 77));
 
@@ -124,32 +110,5 @@ TEST(BDFReader, AChunkIsARecordOf32BitFrames) {
     EXPECT_EQ(reader.getChunk(0, buffer, chunkBytes - 1), 0);
 }
 
-TEST(BDFReader, TellsItsFilesByTheVersionMark) {
-    const test::TempDir dir;
-    const auto path = [&](const EdfFile& file) { return dir.write("f", file.bytes()); };
-    EXPECT_TRUE(BDFReader::isFileType(path(bdf().signal("a", 3)).c_str()));
-    EXPECT_FALSE(EDF90Reader::isFileType(path(bdf().signal("a", 3)).c_str()));
-    EXPECT_FALSE(BDFReader::isFileType(path(EdfFile().signal("a", 3)).c_str()));
-    EXPECT_FALSE(BDFReader::isFileType(path(bdf().signal("a", 3).poke(0, "\x7F")).c_str()));
-    EXPECT_FALSE(BDFReader::isFileType(path(bdf().signal("a", 3).truncate(7)).c_str()));
-}
-
-TEST(BDFReader, OddNumbersOfSamplesAreSurvived) {
-    for (const char* first : {"0       ", "-1      ", "-3      ", "2       ", "99999999"})
-        for (const char* second : {"3       ", "-9      ", "0       ", "8       "})
-            for (const char* kind : {"24BIT", "EDF+C"}) {
-                Bdf reader(bdf()
-                               .signal("EDF Annotations", 3)
-                               .signal("b", 3)
-                               .signal("c", 3)
-                               .records(9)
-                               .reserved(kind)
-                               .poke(256 + 216 * 3, first)
-                               .poke(256 + 216 * 3 + 16, second));
-                EXPECT_EQ(reader.isOpen, reader.getLastError() == 0);
-                test::readAround(reader);
-            }
-}
-
 } // namespace
-} // namespace kvsig
+} // namespace kvsig::test

@@ -3,13 +3,9 @@
 #include "kvsig/readers/HeaderBlock.h"
 #include "support/EdfFile.h"
 #include "support/TempDir.h"
+#include "support/Testing.h"
 
-#include <gtest/gtest.h>
-#include <limits>
-#include <string>
-#include <vector>
-
-namespace kvsig {
+namespace kvsig::test {
 namespace {
 
 HeaderBlock blockOf(const std::string& text) {
@@ -19,7 +15,7 @@ HeaderBlock blockOf(const std::string& text) {
     return HeaderBlock(bytes);
 }
 
-edf::Header headerOf(const test::EdfFile& file) { return edf::Header(blockOf(file.bytes())); }
+edf::Header headerOf(const EdfFile& file) { return edf::Header(blockOf(file.bytes())); }
 
 TEST(HeaderBlock, FieldsEndAtTheirWidthAtANulAndWithoutTrailingBlanks) {
     constexpr std::int64_t far = std::numeric_limits<std::int64_t>::max();
@@ -38,7 +34,7 @@ TEST(HeaderBlock, FieldsEndAtTheirWidthAtANulAndWithoutTrailingBlanks) {
 }
 
 TEST(HeaderBlock, HoldsNoMoreThanTheFileDoes) {
-    const test::TempDir dir;
+    const TempDir dir;
     File file;
     ASSERT_TRUE(file.open(dir.write("short", "0123456789").c_str()));
     EXPECT_EQ(HeaderBlock::readFrom(file, 4).bytes().size(), 4U);
@@ -46,29 +42,13 @@ TEST(HeaderBlock, HoldsNoMoreThanTheFileDoes) {
     EXPECT_EQ(HeaderBlock::readFrom(file, -1).bytes().size(), 0U);
 }
 
-TEST(EdfHeader, TheReservedFieldTellsTheKind) {
-    const struct {
-        const char* reserved;
-        edf::Kind kind;
-    } cases[] = {
-        {"", edf::Kind::plain},
-        {"EDF+C", edf::Kind::continuous},
-        {"EDF+D", edf::Kind::interrupted},
-        {"edf+c", edf::Kind::plain},
-        {"BDF+C", edf::Kind::plain},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(headerOf(test::EdfFile().signal("a", 2).reserved(c.reserved)).kind(), c.kind)
-            << c.reserved;
-}
-
 TEST(EdfHeader, AnnotationSignalsAreNoChannelsInEdfPlusOnly) {
-    test::EdfFile file;
+    EdfFile file;
     file.signal("EDF Annotations", 7).signal("a", 2).signal("edf annotations", 3);
     file.signal("EDF Annotations", 5).signal("EDF Annotations2", 2);
     using Signals = std::vector<std::int64_t>;
-    const edf::Header plain = headerOf(file);
-    EXPECT_EQ(plain.channels(), (Signals{0, 1, 2, 3, 4}));
+    for (const char* reserved : {"", "edf+c", "BDF+C"})
+        EXPECT_EQ(headerOf(file.reserved(reserved)).channels(), (Signals{0, 1, 2, 3, 4}));
     const edf::Header plus = headerOf(file.reserved("EDF+C"));
     EXPECT_EQ(plus.channels(), (Signals{1, 2, 4}));
     EXPECT_EQ(plus.fileSignals(), 5);
@@ -77,4 +57,4 @@ TEST(EdfHeader, AnnotationSignalsAreNoChannelsInEdfPlusOnly) {
 }
 
 } // namespace
-} // namespace kvsig
+} // namespace kvsig::test

@@ -4,34 +4,22 @@
 #include "support/RawFile.h"
 
 #include <climits>
-#include <cmath>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <numeric>
-#include <sstream>
-#include <string>
-#include <vector>
 
-namespace kvsig {
+namespace kvsig::test {
 namespace {
-
-using test::RawFile;
-using test::rawOf;
-using testing::Each;
-using testing::ElementsAre;
 
 // Two channels of 32 Hz: a page is 160 samples.
 class Pushable : public testing::Test {
   protected:
     void SetUp() override {
         const RawFile file = RawFile().channels(2);
-        std::istringstream attributes(file.attributes());
-        ASSERT_TRUE(reader.readAttributeFile(attributes));
+        ASSERT_TRUE(readAttributes(reader, file.attributes()));
         ASSERT_TRUE(reader.open(dir.write("x.raw", file.bytes()).c_str()));
         std::iota(page.begin(), page.end(), short{1});
     }
 
-    const test::TempDir dir;
+    const TempDir dir;
     PushableReader reader;
     std::vector<short> page = std::vector<short>(2 * 160 + 8);
     std::vector<short> chunk = std::vector<short>(2 * 160 + 1, -1);
@@ -39,7 +27,7 @@ class Pushable : public testing::Test {
 
 TEST_F(Pushable, APushedPageServesOnce) {
     ASSERT_EQ(reader.openFindings().size(), 1U);
-    EXPECT_THAT(reader.openFindings()[0].text, testing::HasSubstr("pushed by the host; none are"));
+    EXPECT_THAT(reader.openFindings()[0].text, HasSubstr("pushed by the host; none are"));
     EXPECT_EQ(reader.chunkPts(), 160);
     EXPECT_EQ(reader.getSampleChunk(0, chunk.data()), 0) << "nothing pushed, whatever the file has";
     reader.pushBuffer(page.data(), 2 * 2 * 160);
@@ -50,8 +38,7 @@ TEST_F(Pushable, APushedPageServesOnce) {
     reader.pushBuffer(page.data(), 2 * 2 * 160);
     EXPECT_EQ(rawOf(reader, 0, 0, 1), (std::vector<std::int32_t>{1, 3}));
 
-    std::istringstream slower(RawFile().channels(2).rate("20").attributes());
-    ASSERT_TRUE(reader.readAttributeFile(slower));
+    ASSERT_TRUE(readAttributes(reader, RawFile().channels(2).rate("20").attributes()));
     reader.pushBuffer(page.data(), 4);
     ASSERT_TRUE(reader.open(dir.file("x.raw").c_str()));
     EXPECT_EQ(reader.chunkPts(), 100) << "five seconds of this recording";
@@ -97,4 +84,4 @@ TEST_F(Pushable, PartsAcceptAnIndexEqualToTheirCount) {
 }
 
 } // namespace
-} // namespace kvsig
+} // namespace kvsig::test

@@ -1,31 +1,21 @@
 #include "kvsig/readers/TelefactorEDFReader.h"
 
+#include "support/ChannelFacts.h"
 #include "support/Opened.h"
 
-#include <gtest/gtest.h>
-
-namespace kvsig {
+namespace kvsig::test {
 namespace {
 
-using test::EdfFile;
-using Telefactor = test::Opened<TelefactorEDFReader>;
+using Telefactor = Opened<TelefactorEDFReader>;
 
 TEST(TelefactorEDFReader, NamesAreTheFirstWordOfTheLabel) {
-    const struct {
-        const char *label, *name, *grid1, *grid2;
-    } cases[] = {
-        {"Fp1     EEG", "Fp1", "Fp1", ""},
-        {"   C3-A2 x", "C3-A2", "C3", "A2"},
-        {"EEG Fp1-Ref", "EEG", "EEG", ""},
-        {"", "", "1", ""},
-        {"0123456789abcdef", "0123456789abcdef", "0123456789abcde", ""},
-    };
-    for (const auto& c : cases) {
-        Telefactor reader(EdfFile().signal(c.label, 4));
-        ASSERT_TRUE(reader.isOpen);
-        EXPECT_STREQ(reader.channelName(0), c.name) << c.label;
-        EXPECT_STREQ(reader.grid1(0), c.grid1) << c.label;
-        EXPECT_STREQ(reader.grid2(0), c.grid2) << c.label;
+    for (const auto& [label, names] : {std::pair{"Fp1     EEG", "Fp1|Fp1|"},
+                                       {"   C3-A2 x", "C3-A2|C3|A2"},
+                                       {"EEG Fp1-Ref", "EEG|EEG|"},
+                                       {"", "|1|"},
+                                       {"0123456789abcdef", "0123456789abcdef|0123456789abcde|"}}) {
+        Telefactor reader(EdfFile().signal(label, 4));
+        EXPECT_EQ(namesOf(reader, 0), names);
     }
 }
 
@@ -38,8 +28,8 @@ TEST(TelefactorEDFReader, HiddenSignalsAreNotSkippedForNames) {
     EXPECT_STREQ(reader.channelName(0), "EDF");
     EXPECT_STREQ(reader.channelName(1), "Fp1");
     EXPECT_STREQ(reader.channelUnits(0), "mV");
-    EXPECT_EQ(test::rawOf(reader, 1, 3, 3).front(), file.sample(2, 3));
+    EXPECT_EQ(rawOf(reader, 1, 3, 3).front(), file.sample(2, 3));
 }
 
 } // namespace
-} // namespace kvsig
+} // namespace kvsig::test

@@ -6,16 +6,13 @@
 #include "kvsig/registry/types/FormatFactories.h"
 #include "kvsig/registry/types/TypeTable.h"
 #include "support/FakeReader.h"
+#include "support/Testing.h"
 
 #include <cstring>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <set>
 
-namespace kvsig {
+namespace kvsig::test {
 namespace {
-
-using testing::ElementsAre;
 
 std::vector<int> typesOf(DataReaderManager& manager) {
     std::vector<int> types;
@@ -74,6 +71,7 @@ TEST_F(Registry, TheTableHoldsEveryRowOnceAndInOrder) {
 
 TEST_F(Registry, FormatsThatAreNotBuiltInHaveAFactoryClassEach) {
     EXPECT_NE(dynamic_cast<BDFFactory*>(manager.findFactoryByType(48)), nullptr);
+    manager.findFactoryByType(48)->owned = 1; // goes once, as all that are the registry's own
     EXPECT_NE(dynamic_cast<BlackrockFactory*>(manager.findFactoryByType(54)), nullptr);
     NervusFactory2 second;
     EXPECT_STREQ(second.name, "NicoletOne nEEG/LTM/Monitor (*.e)");
@@ -81,12 +79,6 @@ TEST_F(Registry, FormatsThatAreNotBuiltInHaveAFactoryClassEach) {
     EXPECT_TRUE(unlisted.isEnabled() && !unlisted.isListed());
     const UnheldReader made(second.create("a.e"));
     EXPECT_NE(made, nullptr);
-}
-
-TEST(RegistryEnd, RecordsOfItsOwnGoOnceWhateverTheirFlag) {
-    DataReaderManager manager;
-    manager.findFactoryByType(6)->owned = 1;
-    manager.findFactoryByType(48)->owned = 1;
 }
 
 TEST_F(Registry, ModesSwitchFormatsOnAndOff) {
@@ -115,26 +107,23 @@ TEST_F(Registry, ModesSwitchFormatsOnAndOff) {
 }
 
 TEST_F(Registry, FindsTypesByNameAndNamesByType) {
-    const struct {
-        const char* name;
-        int type;
-    } cases[] = {{"", 13},
-                 {"EDF90", 6},
-                 {"nihonkohden", 19},
-                 {"Unknown", 1},
-                 {"interleaved", 1},
-                 {"SnapshotData", 39},
-                 {"PushableDataAndMore", 43},
-                 {"xltech", 30},
-                 {"NetworkConcepts", 12},
-                 {"NicOne", 50},
-                 {"ProfusionEEG4", 60},
-                 {"KelvaneLayoutXML", 45},
-                 {"Nonsense", 0},
-                 {"EDF90 (*.edf)x", 0},
-                 {nullptr, 0}};
-    for (const auto& c : cases)
-        EXPECT_EQ(manager.getFileType(c.name), c.type) << (c.name ? c.name : "null");
+    const char* none = nullptr;
+    for (const auto& [name, type] : {std::pair{"", 13},
+                                     {"EDF90", 6},
+                                     {"nihonkohden", 19},
+                                     {"Unknown", 1},
+                                     {"interleaved", 1},
+                                     {"SnapshotData", 39},
+                                     {"PushableDataAndMore", 43},
+                                     {"xltech", 30},
+                                     {"NetworkConcepts", 12},
+                                     {"NicOne", 50},
+                                     {"ProfusionEEG4", 60},
+                                     {"KelvaneLayoutXML", 45},
+                                     {"Nonsense", 0},
+                                     {"EDF90 (*.edf)x", 0},
+                                     {none, 0}})
+        EXPECT_EQ(manager.getFileType(name), type) << (name ? name : "null");
     EXPECT_EQ(nameOf(manager, 1), "KelvaneLayout");
     EXPECT_EQ(nameOf(manager, 24), "Bravo");
     EXPECT_EQ(nameOf(manager, 24 | wholeTypeName), "Bravo (*.eeg)");
@@ -183,7 +172,7 @@ struct OwnFactory : DRFactory {
     ~OwnFactory() override { ++count; }
     IDataReader* create(const char* fileName) override {
         asked = fileName;
-        return yields ? new test::FakeReader() : nullptr;
+        return yields ? new FakeReader() : nullptr;
     }
     int& count;
     bool yields = true;
@@ -200,7 +189,7 @@ TEST(RegistryAllocation, AsksTheFirstEnabledRecordOnly) {
         CString name = "a.own";
         std::string reason;
         UnheldReader reader = manager.allocate(6, name, reason);
-        EXPECT_NE(dynamic_cast<test::FakeReader*>(reader.get()), nullptr);
+        EXPECT_NE(dynamic_cast<FakeReader*>(reader.get()), nullptr);
         EXPECT_EQ(own->asked, "a.own");
         // A record that creates nothing leaves a built-in type to the registry.
         own->yields = false;
@@ -267,4 +256,4 @@ TEST(RegistryAllocation, StampsTypeAndName) {
 }
 
 } // namespace
-} // namespace kvsig
+} // namespace kvsig::test

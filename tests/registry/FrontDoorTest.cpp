@@ -9,29 +9,20 @@
 #include "support/Opened.h"
 #include "support/ReadAround.h"
 
-#include <filesystem>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <string>
+#include <random>
 #include <sys/stat.h>
-#include <typeinfo>
+#include <typeindex>
 #include <unistd.h>
-#include <utility>
 
-namespace kvsig {
+namespace kvsig::test {
 namespace {
-
-using test::EdfFile;
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::StartsWith;
 
 class FrontDoor : public testing::Test {
   protected:
     std::string write(const char* name, const EdfFile& file) const {
         return dir.write(name, file.bytes());
     }
-    test::TempDir dir;
+    TempDir dir;
     EdfFile edf = EdfFile().signal("EEG C3-A2", 4).records(3);
     std::string error = "untouched";
 };
@@ -45,6 +36,7 @@ TEST_F(FrontDoor, TellsFormatsByContentNotByName) {
         {"a.edf", edf, 6},
         {"a.bdf", edf, 6},
         {"b.edf", EdfFile().bdf().signal("a", 4).records(3), 48},
+        {"g.bdf", EdfFile().bdf().signal("a", 4).records(3).poke(0, "\x7F"), 0},
         {"c.edf", EdfFile(edf).poke(0, "1"), 0},
         {"d.edf", EdfFile(edf).poke(0, "0       0"), 6},
         {"f.edf", EdfFile(edf).truncate(0), 0},
@@ -79,22 +71,16 @@ TEST_F(FrontDoor, TheHostsOrderChoosesAmongReadersOfOneContent) {
 
 TEST_F(FrontDoor, AGivenTypeChoosesTheReader) {
     const std::string path = write("a.edf", edf);
-    const struct {
-        int type;
-        const std::type_info& reader;
-    } cases[] = {
-        {6, typeid(EDF90Reader)},
-        {41, typeid(LifelinesReader)},
-        {47, typeid(TelefactorEDFReader)},
-        {48, typeid(BDFReader)},
+    const auto readerOf = [&](int type) {
+        const ReaderPtr opened = openReader(path.c_str(), type, &error);
+        EXPECT_TRUE(opened) << error;
+        const IDataReader& reader = *opened;
+        return std::type_index(typeid(reader));
     };
-    for (const auto& c : cases) {
-        const ReaderPtr reader = openReader(path.c_str(), c.type, &error);
-        ASSERT_TRUE(reader) << error;
-        const IDataReader& made = *reader;
-        EXPECT_EQ(typeid(made), c.reader);
-        EXPECT_EQ(reader->fileType(), c.type);
-    }
+    EXPECT_EQ(readerOf(6), typeid(EDF90Reader));
+    EXPECT_EQ(readerOf(41), typeid(LifelinesReader));
+    EXPECT_EQ(readerOf(47), typeid(TelefactorEDFReader));
+    EXPECT_EQ(readerOf(48), typeid(BDFReader));
     EXPECT_TRUE(KrnlIsReadable(13) && KrnlIsReadable(pairType(6, 48)));
     EXPECT_TRUE(KrnlIsReadable(pairType(13, 6))) << "a layout may be half of a pair";
     EXPECT_FALSE(KrnlIsReadable(0) || KrnlIsReadable(7) || KrnlIsReadable(pairType(6, 7)));
@@ -137,7 +123,7 @@ TEST_F(FrontDoor, ManyStarsAreNoDepth) {
 
 TEST_F(FrontDoor, TheLicenceCheckGuardsEveryAllocation) {
     const std::string path = write("a.edf", edf);
-    test::LogCapture log;
+    LogCapture log;
     KrnlSetLicenceCheck([] { return false; });
     CString name = path;
     EXPECT_EQ(_KrnlAllocReaderEx(6, name), nullptr);
@@ -149,7 +135,7 @@ TEST_F(FrontDoor, TheLicenceCheckGuardsEveryAllocation) {
     EXPECT_EQ(asked, 1) << "without a reader too";
     KrnlSetLicenceCheck({});
     EXPECT_THAT(error, HasSubstr("licence"));
-    EXPECT_THAT(log.take(), testing::Contains(HasSubstr("licence check refuses")));
+    EXPECT_THAT(log.take(), Contains(HasSubstr("licence check refuses")));
     EXPECT_TRUE(openReader(path.c_str()));
 }
 
@@ -157,7 +143,7 @@ TEST_F(FrontDoor, OnlyRegularFilesOpen) {
     const std::string fifo = dir.file("fifo");
     ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
     const std::string target = write("target.edf", edf);
-    std::filesystem::create_symlink(target, dir.file("link.edf"));
+    fs::create_symlink(target, dir.file("link.edf"));
     const struct {
         std::string path;
         const char* words;
@@ -186,7 +172,7 @@ TEST_F(FrontDoor, OnlyRegularFilesOpen) {
 
 TEST_F(FrontDoor, AFileWithoutPermissionSaysSo) {
     const std::string path = write("a.edf", edf);
-    std::filesystem::permissions(path, std::filesystem::perms::none);
+    fs::permissions(path, fs::perms::none);
     if (::geteuid() == 0)
         GTEST_SKIP() << "root reads everything";
     EXPECT_FALSE(openReader(path.c_str(), 0, &error));
@@ -198,28 +184,23 @@ TEST_F(FrontDoor, WhatFailsToOpenHandsOutTheReadersSentence) {
     EXPECT_FALSE(openReader(cut.c_str(), 0, &error));
     EXPECT_EQ(error,
               cut + ": header length (offset 184) is \"512\", but the file ends after 400 bytes");
-    EXPECT_FALSE(openReader(write("d.edf", EdfFile(edf).reserved("EDF+D")).c_str(), 0, &error));
-    EXPECT_THAT(error, HasSubstr("is Interrupted EDF+. This format is not supported."));
     EXPECT_FALSE(openReader(cut.c_str())); // nobody asks why
 }
 
 // The wrong reader by force reads nonsense, but safely.
 TEST_F(FrontDoor, AnyBytesByAnyReaderAreSurvived) {
     std::string noise;
-    for (unsigned i = 0, state = 1; i < 4000; ++i) {
-        state = state * 1103515245U + 12345U;
-        noise.push_back(static_cast<char>(state >> 16));
-    }
-    const std::string paths[] = {write("a.edf", edf),
+    std::minstd_rand next(1);
+    while (noise.size() < 4000)
+        noise.push_back(static_cast<char>(next() >> 8U));
+    const std::string paths[] = {write("a.edf", edf), dir.write("noise", noise),
                                  write("b.bdf", EdfFile().bdf().signal("a", 5).records(3)),
-                                 dir.write("noise", noise),
-                                 dir.write("blanks", std::string(3000, ' ')),
                                  dir.write("digits", std::string(3000, '9')),
                                  dir.write("nuls", std::string(3000, '\0'))};
     for (const std::string& path : paths)
         for (const ReadableFormat& row : readableFormats())
             if (const ReaderPtr reader = openReader(path.c_str(), row.type, &error))
-                test::readAround(dynamic_cast<DataReader&>(*reader));
+                readAround(dynamic_cast<DataReader&>(*reader));
 }
 
 struct Counted : EDF90Reader {
@@ -252,4 +233,4 @@ TEST(ReaderPtr, HoldsExactlyOneReferenceEach) {
 }
 
 } // namespace
-} // namespace kvsig
+} // namespace kvsig::test

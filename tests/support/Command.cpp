@@ -5,14 +5,13 @@
 
 namespace kvsig::test {
 
-CommandResult runCommand(const TempDir& directory, const std::string& arguments,
-                         const std::string& before) {
-    const std::string line = "cd '" + directory.path().string() + "' && { " + before +
+CommandResult CommandTest::command(const std::string& arguments, const std::string& before) const {
+    const std::string line = "cd '" + dir.path().string() + "' && { " + before +
                              "; } && '" KVSIG_COMMAND "' " + arguments +
                              " >stdout.txt 2>stderr.txt";
     const int status = std::system(line.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, directory.read("stdout.txt"),
-            directory.read("stderr.txt")};
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, dir.read("stdout.txt"),
+            dir.read("stderr.txt")};
 }
 
 } // namespace kvsig::test

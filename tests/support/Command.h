@@ -1,8 +1,7 @@
 #pragma once
 
 #include "support/TempDir.h"
-
-#include <string>
+#include "support/Testing.h"
 
 namespace kvsig::test {
 
@@ -13,9 +12,13 @@ struct CommandResult {
     std::string err;
 };
 
-/// Runs the real command with these arguments (as a shell splits them) in a directory, after the
-/// shell has done `before`.
-CommandResult runCommand(const TempDir& directory, const std::string& arguments,
-                         const std::string& before = ":");
+/// Tests of the real command, in a folder of their own.
+class CommandTest : public testing::Test {
+  protected:
+    /// Runs it with these arguments (as a shell splits them), after the shell has done `before`.
+    CommandResult command(const std::string& arguments, const std::string& before = ":") const;
+
+    const TempDir dir;
+};
 
 } // namespace kvsig::test

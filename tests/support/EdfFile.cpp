@@ -1,5 +1,7 @@
 #include "support/EdfFile.h"
 
+#include "support/Bytes.h"
+
 #include <fstream>
 
 namespace kvsig::test {
@@ -12,100 +14,8 @@ std::string padded(std::string text, std::size_t width) {
 
 } // namespace
 
-EdfFile& EdfFile::bdf() {
-    m_bdf = true;
-    if (m_reserved.empty())
-        m_reserved = "24BIT";
-    return *this;
-}
-
-EdfFile& EdfFile::signal(const std::string& label, int samplesPerRecord) {
-    Signal added;
-    added.label = label;
-    added.samplesPerRecord = samplesPerRecord;
-    m_signals.push_back(added);
-    return *this;
-}
-
-EdfFile& EdfFile::units(const std::string& text) {
-    m_signals.back().units = text;
-    return *this;
-}
-
-EdfFile& EdfFile::physical(const std::string& low, const std::string& high) {
-    m_signals.back().physicalLow = low;
-    m_signals.back().physicalHigh = high;
-    return *this;
-}
-
-EdfFile& EdfFile::digital(const std::string& low, const std::string& high) {
-    m_signals.back().digitalLow = low;
-    m_signals.back().digitalHigh = high;
-    return *this;
-}
-
-EdfFile& EdfFile::samples(Samples values) {
-    m_samples = std::move(values);
-    return *this;
-}
-
-EdfFile& EdfFile::records(int count) {
-    m_records = count;
-    return *this;
-}
-
-EdfFile& EdfFile::onsets(std::vector<std::string> texts) {
-    m_onsets = std::move(texts);
-    return records(static_cast<int>(m_onsets.size()));
-}
-
-EdfFile& EdfFile::duration(const std::string& seconds) {
-    m_duration = seconds;
-    return *this;
-}
-
-EdfFile& EdfFile::reserved(const std::string& text) {
-    m_reserved = text;
-    return *this;
-}
-
-EdfFile& EdfFile::patient(const std::string& text) {
-    m_patient = text;
-    return *this;
-}
-
-EdfFile& EdfFile::recording(const std::string& text) {
-    m_recording = text;
-    return *this;
-}
-
-EdfFile& EdfFile::start(const std::string& date, const std::string& time) {
-    m_date = date;
-    m_time = time;
-    return *this;
-}
-
-EdfFile& EdfFile::poke(std::size_t offset, const std::string& bytes) {
-    m_patches.push_back({offset, bytes});
-    return *this;
-}
-
-EdfFile& EdfFile::append(const std::string& bytes) {
-    m_tail += bytes;
-    return *this;
-}
-
-EdfFile& EdfFile::truncate(std::size_t length) {
-    m_length = length;
-    return *this;
-}
-
 std::int32_t EdfFile::sample(int signal, std::int64_t index) const {
-    if (m_samples)
-        return m_samples(signal, index);
-    // Distinct for every signal and sign-changing, so that a swap or a shift shows.
-    const auto value = static_cast<std::int32_t>((index * 7 + signal * 1013) % 30011);
-    return (index + signal) % 2 == 0 ? value : -value;
+    return m_samples ? m_samples(signal, index) : rampCount(signal, index);
 }
 
 std::size_t EdfFile::fieldOffset(int before, int width, int signal) const {
@@ -157,8 +67,8 @@ std::string EdfFile::bytes() const {
             }
         }
     out += m_tail;
-    for (const Patch& patch : m_patches)
-        out.replace(patch.offset, patch.bytes.size(), patch.bytes);
+    for (const auto& [offset, by] : m_patches)
+        out.replace(offset, by.size(), by);
     if (m_length < out.size())
         out.resize(m_length);
     return out;

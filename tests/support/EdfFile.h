@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace kvsig::test {
@@ -18,24 +19,36 @@ class EdfFile {
   public:
     using Samples = std::function<std::int32_t(int signal, std::int64_t index)>;
 
-    EdfFile& bdf();
-    EdfFile& signal(const std::string& label, int samplesPerRecord);
-    EdfFile& units(const std::string& text);
-    EdfFile& physical(const std::string& low, const std::string& high);
-    EdfFile& digital(const std::string& low, const std::string& high);
-    EdfFile& samples(Samples values);
-    EdfFile& records(int count);
+    EdfFile& bdf() { return m_bdf = true, m_reserved = "24BIT", *this; }
+    EdfFile& signal(const std::string& label, int samplesPerRecord) {
+        return m_signals.push_back({label, samplesPerRecord}), *this;
+    }
+    EdfFile& units(const std::string& text) { return m_signals.back().units = text, *this; }
+    EdfFile& physical(const std::string& low, const std::string& high) {
+        return m_signals.back().physicalLow = low, m_signals.back().physicalHigh = high, *this;
+    }
+    EdfFile& digital(const std::string& low, const std::string& high) {
+        return m_signals.back().digitalLow = low, m_signals.back().digitalHigh = high, *this;
+    }
+    EdfFile& samples(Samples values) { return m_samples = std::move(values), *this; }
+    EdfFile& records(int count) { return m_records = count, *this; }
     /// As many records; their annotation signals begin with these onsets ("+0"), empty for none.
-    EdfFile& onsets(std::vector<std::string> texts);
-    EdfFile& duration(const std::string& seconds);
-    EdfFile& reserved(const std::string& text);
-    EdfFile& patient(const std::string& text);
-    EdfFile& recording(const std::string& text);
-    EdfFile& start(const std::string& date, const std::string& time);
+    EdfFile& onsets(std::vector<std::string> texts) {
+        return m_onsets = std::move(texts), records(static_cast<int>(m_onsets.size()));
+    }
+    EdfFile& duration(const std::string& seconds) { return m_duration = seconds, *this; }
+    EdfFile& reserved(const std::string& text) { return m_reserved = text, *this; }
+    EdfFile& patient(const std::string& text) { return m_patient = text, *this; }
+    EdfFile& recording(const std::string& text) { return m_recording = text, *this; }
+    EdfFile& start(const std::string& date, const std::string& time) {
+        return m_date = date, m_time = time, *this;
+    }
     /// Overwrites bytes of the finished file, as often as needed.
-    EdfFile& poke(std::size_t offset, const std::string& bytes);
-    EdfFile& append(const std::string& bytes);
-    EdfFile& truncate(std::size_t length);
+    EdfFile& poke(std::size_t offset, const std::string& bytes) {
+        return m_patches.emplace_back(offset, bytes), *this;
+    }
+    EdfFile& append(const std::string& bytes) { return m_tail += bytes, *this; }
+    EdfFile& truncate(std::size_t length) { return m_length = length, *this; }
 
     [[nodiscard]] std::string bytes() const;
     [[nodiscard]] std::size_t headerLength() const { return 256 * (m_signals.size() + 1); }
@@ -49,14 +62,10 @@ class EdfFile {
   private:
     struct Signal {
         std::string label;
-        int samplesPerRecord = 0;
+        int samplesPerRecord;
         std::string units = "uV";
         std::string physicalLow = "-3276.8", physicalHigh = "3276.7";
         std::string digitalLow = "-32768", digitalHigh = "32767";
-    };
-    struct Patch {
-        std::size_t offset;
-        std::string bytes;
     };
 
     bool m_bdf = false;
@@ -66,7 +75,7 @@ class EdfFile {
     std::string m_date = "04.07.89", m_time = "23.05.07";
     Samples m_samples;
     std::vector<std::string> m_onsets;
-    std::vector<Patch> m_patches;
+    std::vector<std::pair<std::size_t, std::string>> m_patches;
     std::string m_tail;
     std::size_t m_length = std::string::npos;
 };

@@ -13,28 +13,23 @@ namespace kvsig::test {
 class LogCapture {
   public:
     LogCapture() {
-        SetLogSink([this](int level, const char* text) { m_lines.push_back({level, text}); });
+        SetLogSink([this](int level, const char* text) { m_lines.emplace_back(level, text); });
     }
     ~LogCapture() { SetLogSink({}); }
     LogCapture(const LogCapture&) = delete;
     LogCapture& operator=(const LogCapture&) = delete;
 
-    struct Line {
-        int level = 0;
-        std::string text;
-    };
-
     /// The texts so far, at or above a level; the capture is empty afterwards.
     std::vector<std::string> take(int level = logInfo) {
         std::vector<std::string> texts;
-        for (const Line& line : std::exchange(m_lines, {}))
-            if (line.level >= level)
-                texts.push_back(line.text);
+        for (auto& [lineLevel, text] : std::exchange(m_lines, {}))
+            if (lineLevel >= level)
+                texts.push_back(text);
         return texts;
     }
 
   private:
-    std::vector<Line> m_lines;
+    std::vector<std::pair<int, std::string>> m_lines;
 };
 
 } // namespace kvsig::test

@@ -3,15 +3,17 @@
 #include "kvsig/kernel/DataReader.h"
 #include "support/EdfFile.h"
 #include "support/TempDir.h"
+#include "support/Testing.h"
 
-#include <algorithm>
 #include <cstddef>
-#include <cstdint>
-#include <string>
-#include <utility>
-#include <vector>
 
 namespace kvsig::test {
+
+/// Gives a reader the text of an attribute file.
+inline bool readAttributes(DataReader& reader, const std::string& text) {
+    std::istringstream stream(text);
+    return reader.readAttributeFile(stream);
+}
 
 /// Samples `first`..`last` (inclusive) as raw counts, and as getData() gives them.
 inline std::vector<std::int32_t> rawOf(DataReader& reader, int channel, long first, long last) {
@@ -20,11 +22,21 @@ inline std::vector<std::int32_t> rawOf(DataReader& reader, int channel, long fir
     return out;
 }
 
-inline std::vector<float> valuesOf(DataReader& reader, int channel, long first, long last,
+inline std::vector<float> valuesOf(IDataReader& reader, int channel, long first, long last,
                                    double gain = 1.0) {
     std::vector<float> out(static_cast<std::size_t>(std::max(last - first + 1, 0L)), -99.0F);
     reader.getData(channel, first, last, out.data(), gain, 0);
     return out;
+}
+
+/// The physical values of the stored samples as the format defines them, in double precision.
+inline std::vector<double> physicalOf(DataReader& reader, int channel) {
+    std::vector<double> values;
+    const double low = reader.digitalLow(channel), high = reader.digitalHigh(channel);
+    const double scale = (reader.physioHigh(channel) - reader.physioLow(channel)) / (high - low);
+    for (const std::int32_t raw : rawOf(reader, channel, 0, reader.storedSampleCount() - 1))
+        values.push_back((raw - low) * scale + reader.physioLow(channel));
+    return values;
 }
 
 /// A recording written to a directory of its own, opened by a reader on the stack.

@@ -4,9 +4,7 @@
 #include "support/Opened.h"
 
 #include <climits>
-#include <cmath>
 #include <deque>
-#include <sstream>
 
 namespace kvsig::test {
 

@@ -5,16 +5,10 @@
 #include "support/Opened.h"
 #include "support/TempDir.h"
 
-#include <cmath>
 #include <cstddef>
-#include <cstdint>
 #include <deque>
 #include <functional>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <initializer_list>
-#include <string>
-#include <vector>
 
 namespace kvsig::test {
 

@@ -3,70 +3,51 @@
 #include "support/MicromedFile.h"
 #include "tool/plot/EventMarks.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 namespace kvsig::test {
 namespace {
 
 using Json = nlohmann::json;
-using testing::HasSubstr;
 using tool::EventMarks;
 using tool::ListedEvent;
 using tool::placeEvents;
 
-TEST(Events, ListsWhatTheRecordingHolds) {
-    const TempDir dir;
-    dir.write("a.trc", MicromedFile()
-                           .channel({"Fp1"})
-                           .rate(100)
-                           .frames(300)
-                           .piece(500, 0)
-                           .piece(2000, 100)
-                           .note(50, "\xC4rger")
-                           .flag(150, 170)
-                           .bytes());
+class Events : public CommandTest {};
+
+TEST_F(Events, ListsWhatTheRecordingHolds) {
+    MicromedFile file;
+    file.channel({"Fp1"}).rate(100).frames(300).piece(500, 0).piece(2000, 100);
+    dir.write("a.trc", file.note(50, "\xC4rger").flag(150, 170).bytes());
     EdfFile().signal("C3", 64).records(2).writeTo(dir.file("b.edf"));
-    const CommandResult run = runCommand(dir, "events a.trc b.edf gone.edf --json");
+    const CommandResult run = command("events a.trc b.edf gone.edf --json");
     EXPECT_EQ(run.exitCode, 1);
     const Json files = Json::parse(run.out);
     ASSERT_EQ(files.size(), 3U);
     EXPECT_EQ(files[0]["file"], "a.trc");
-    const double start = 23 * 3600 + 5 * 60 + 7;
-    EXPECT_EQ(files[0]["events"], Json::array({{{"time", 0.5},
-                                                {"clock", start + 5.5},
-                                                {"sample", 50},
-                                                {"duration", 0.0},
-                                                {"kind", 0},
-                                                {"label", ""},
-                                                {"text", "\xC3\x84rger"}},
-                                               {{"time", 1.5},
-                                                {"clock", start + 20.5},
-                                                {"sample", 150},
-                                                {"duration", 0.2},
-                                                {"kind", 0},
-                                                {"label", ""},
-                                                {"text", "Flag"}}}));
+    EXPECT_EQ(files[0]["events"], Json::parse(R"([
+        {"time": 0.5, "clock": 83112.5, "sample": 50, "duration": 0.0,
+         "kind": 0, "label": "", "text": "\u00C4rger"},
+        {"time": 1.5, "clock": 83127.5, "sample": 150, "duration": 0.2,
+         "kind": 0, "label": "", "text": "Flag"}])"));
     EXPECT_EQ(files[1]["events"], Json::array());
     EXPECT_THAT(files[2]["error"].get<std::string>(), HasSubstr("no such file"));
 
-    const CommandResult text = runCommand(dir, "events a.trc b.edf");
+    const CommandResult text = command("events a.trc b.edf");
     EXPECT_EQ(text.exitCode, 0);
     EXPECT_THAT(text.out, HasSubstr("23:05:27.50     150         0.2         Flag"));
     EXPECT_THAT(text.out, HasSubstr("b.edf\nno events\n"));
-    EXPECT_EQ(runCommand(dir, "plot a.trc -o a.svg").exitCode, 0);
+    EXPECT_EQ(command("plot a.trc -o a.svg").exitCode, 0);
 }
 
 // What a file beside the recording loses is told by every command that looks at events.
-TEST(Events, ThatAreLostAreTold) {
-    const TempDir dir;
+TEST_F(Events, ThatAreLostAreTold) {
     dir.write("a.trc", MicromedFile().channel({"Fp1"}).rate(100).frames(300).bytes());
     dir.write("a.evt", "<EventFile><Events>");
     const std::string sentence = "a.evt: its events are left out: not well-formed XML";
-    EXPECT_THAT(runCommand(dir, "events a.trc").err, HasSubstr("kvsig: " + sentence));
-    EXPECT_THAT(runCommand(dir, "plot a.trc -o a.svg").err, HasSubstr("kvsig: " + sentence));
-    EXPECT_THAT(runCommand(dir, "check a.trc").out, HasSubstr("a.trc: warning: " + sentence));
+    EXPECT_THAT(command("events a.trc").err, HasSubstr("kvsig: " + sentence));
+    EXPECT_THAT(command("plot a.trc -o a.svg").err, HasSubstr("kvsig: " + sentence));
+    EXPECT_THAT(command("check a.trc").out, HasSubstr("a.trc: warning: " + sentence));
 }
 
 ListedEvent at(double seconds, const std::string& text, double duration = 0.0) {
@@ -82,7 +63,7 @@ EventMarks placed(const std::vector<ListedEvent>& events) {
     return placeEvents(events, 5, 10, 100);
 }
 
-TEST(Events, TextsOnAPageDoNotLieOverEachOther) {
+TEST_F(Events, TextsOnAPageDoNotLieOverEachOther) {
     std::vector<ListedEvent> many;
     for (std::size_t i = 0; i < 40; ++i)
         many.push_back(at(5 + 0.25 * static_cast<double>(i), std::string(3 + i % 11, 'x')));
@@ -103,7 +84,7 @@ TEST(Events, TextsOnAPageDoNotLieOverEachOther) {
     EXPECT_EQ(texts + marks.left, 40U);
 }
 
-TEST(Events, OnlyThoseOfThePageAreDrawn) {
+TEST_F(Events, OnlyThoseOfThePageAreDrawn) {
     const EventMarks marks =
         placed({at(1, "before"), at(2, "reaches in", 4), at(4, "ends there", 1), at(5, "first"),
                 at(14.99, "last", 9), at(15, "behind")});

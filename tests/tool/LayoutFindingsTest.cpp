@@ -2,17 +2,10 @@
 #include "support/EdfFile.h"
 #include "support/RawFile.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 namespace kvsig::test {
 namespace {
 
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::Not;
-
-class LayoutFindings : public testing::Test {
+class LayoutFindings : public CommandTest {
   protected:
     // What check says of 752 frames of three channels at 32 Hz, with a line of the layout changed.
     std::string check(const std::string& from, const std::string& to,
@@ -21,13 +14,11 @@ class LayoutFindings : public testing::Test {
         std::string text = RawFile().sections("FileType=Interleaved\n" + sections).attributes();
         text.replace(text.find(from), from.size(), to);
         dir.write("a.lay", text);
-        return runCommand(dir, "check a.lay").out;
+        return command("check a.lay").out;
     }
     std::string checkTimes(const std::string& lines) {
         return check("", "", "[SampleTimes]\n" + lines);
     }
-
-    const TempDir dir;
 };
 
 TEST_F(LayoutFindings, NumbersThatAreReadByTheirBeginning) {
@@ -71,15 +62,11 @@ TEST_F(LayoutFindings, LinesOfSampleTimesThatDoNotCount) {
 }
 
 TEST_F(LayoutFindings, NamesThatAMapTakesAway) {
-    EdfFile()
-        .signal("C3", 4)
-        .signal("P8-Cz", 4)
-        .signal("ECG", 4)
-        .records(3)
-        .writeTo(dir.file("a.edf"));
+    EdfFile file = EdfFile().signal("C3", 4).signal("P8-Cz", 4).signal("ECG", 4);
+    file.records(3).writeTo(dir.file("a.edf"));
     const auto checkMap = [this](const std::string& map) {
         dir.write("a.lay", "[FileInfo]\nFile=a.edf\nFileType=EDF90\n[ChannelMap]\n" + map);
-        return runCommand(dir, "check a.lay").out;
+        return command("check a.lay").out;
     };
     EXPECT_EQ(checkMap("Fz-A1=2\n"),
               "a.lay: note: channel map: it names 1 of 3 channels; the others are called by their "

@@ -3,16 +3,12 @@
 #include "tool/CountStream.h"
 #include "tool/RowStream.h"
 
-#include <gtest/gtest.h>
 #include <optional>
-#include <string>
-#include <vector>
 
 namespace kvsig::tool {
 namespace {
 
 using test::EdfFile;
-using test::runCommand;
 using test::TempDir;
 
 std::int32_t countOf(int signal, std::int64_t index) {
@@ -117,21 +113,22 @@ INSTANTIATE_TEST_SUITE_P(Rates, PairWindows,
                                          std::pair(Rate{300, 1}, Rate{100, 1}),
                                          std::pair(Rate{100, 7}, Rate{1000, 9})));
 
+class PairExports : public test::CommandTest {};
+
 // Ten hertz beside twenty: a ramp of one count a sample.
-TEST(PairExports, ARangeAsShortAsASampleHasItsValue) {
-    const TempDir dir;
+TEST_F(PairExports, ARangeAsShortAsASampleHasItsValue) {
     const auto ramp = [](int, std::int64_t index) { return static_cast<std::int32_t>(index); };
     EdfFile().signal("C3", 10).samples(ramp).records(5).writeTo(dir.file("a.edf"));
     EdfFile().signal("P3", 20).samples(ramp).records(5).writeTo(dir.file("b.edf"));
-    const auto exported = [&dir](const std::string& options) {
-        return runCommand(dir, "export 'a.edf*b.edf' --channels C3 " + options).out;
+    const auto exported = [this](const std::string& options) {
+        return command("export 'a.edf*b.edf' --channels C3 " + options).out;
     };
     EXPECT_EQ(exported("--from 0.1 --to 0.15 --values raw"), "time,C3\n0.1,1\n");
     EXPECT_EQ(exported("--from 0.15 --to 0.3 --values raw"), "time,C3\n0.15,1\n0.2,2\n0.25,2\n");
     EXPECT_EQ(exported("--from 0.15 --to 0.2 --values kernel"), "time,C3\n0.15,0.1\n");
     // The counts of both survive in raw data.
-    EXPECT_EQ(runCommand(dir, "export 'a.edf*b.edf' -o pair.raw").err, "");
-    EXPECT_EQ(runCommand(dir, "export pair.lay --values raw --from 0.15 --to 0.2").out,
+    EXPECT_EQ(command("export 'a.edf*b.edf' -o pair.raw").err, "");
+    EXPECT_EQ(command("export pair.lay --values raw --from 0.15 --to 0.2").out,
               "time,C3-Ref,P3-Ref\n0.15,1,3\n");
 }
 

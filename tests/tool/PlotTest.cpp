@@ -4,64 +4,36 @@
 #include "tool/plot/PageLayout.h"
 #include "tool/plot/TraceReducer.h"
 
-#include <algorithm>
-#include <cmath>
-#include <filesystem>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <limits>
 #include <locale>
-#include <sstream>
-#include <string>
-#include <utility>
-#include <vector>
 
 namespace kvsig::test {
 namespace {
 
-using testing::StartsWith;
+class Plot : public CommandTest {};
 
-TEST(Plot, WritesThreeKindsOfPicture) {
-    const TempDir dir;
-    EdfFile()
-        .signal("EEG C3-Ref", 64)
-        .signal("Temp", 1)
-        .units("DegC")
-        .records(10)
-        .writeTo(dir.file("a.edf"));
+// A channel of equal digital limits calibrates to infinities; the others must still be drawn.
+TEST_F(Plot, WritesThreeKindsOfPicture) {
+    EdfFile file = EdfFile().signal("EEG C3-Ref", 64).signal("Temp", 1).units("DegC");
+    file.signal("dummy", 64).digital("5", "5").records(10).writeTo(dir.file("a.edf"));
     const std::string png("\x89PNG\r\n\x1A\n", 8);
     for (const auto& [name, start] : {std::pair<const char*, std::string>("a.svg", "<?xml"),
                                       {"a.PNG", png},
                                       {"a.pdf", "%PDF-"}}) {
         const CommandResult run =
-            runCommand(dir, std::string("plot a.edf --low-filter 0.5 --notch 20 -o ") + name);
+            command(std::string("plot a.edf --low-filter 0.5 --notch 20 -o ") + name);
         EXPECT_EQ(run.exitCode, 0) << run.err;
         EXPECT_THAT(dir.read(name), StartsWith(start)) << name;
     }
+    EXPECT_EQ(command("plot a.edf -o out/ --format svg").exitCode, 0);
+    EXPECT_THAT(dir.read("out/a.svg"), StartsWith("<?xml"));
 }
 
-TEST(Plot, RefusalsLeaveNoPicture) {
-    const TempDir dir;
+TEST_F(Plot, RefusalsLeaveNoPicture) {
     EdfFile().signal("C3", 64).records(2).writeTo(dir.file("a.edf"));
-    EXPECT_EQ(runCommand(dir, "plot a.edf -o a.gif").exitCode, 2);
-    EXPECT_EQ(runCommand(dir, "plot a.edf").exitCode, 2);
-    EXPECT_EQ(runCommand(dir, "plot a.edf --channels Cz -o a.svg").exitCode, 1);
-    EXPECT_EQ(runCommand(dir, "plot a.edf --sensitivity 0 -o a.svg").exitCode, 2);
+    for (const char* wrong : {"-o a.gif", "", "--sensitivity 0 -o a.svg"})
+        EXPECT_EQ(command(std::string("plot a.edf ") + wrong).exitCode, 2) << wrong;
+    EXPECT_EQ(command("plot a.edf --channels Cz -o a.svg").exitCode, 1);
     EXPECT_EQ(dir.read("a.svg"), "");
-}
-
-// A channel of equal digital limits calibrates to infinities; the others must still be drawn.
-TEST(Plot, DrawsWhatIsNotFiniteAsNothing) {
-    const TempDir dir;
-    EdfFile()
-        .signal("C3", 64)
-        .signal("dummy", 64)
-        .digital("5", "5")
-        .records(2)
-        .writeTo(dir.file("a.edf"));
-    const CommandResult run = runCommand(dir, "plot a.edf -o a.svg");
-    EXPECT_EQ(run.exitCode, 0) << run.err;
-    EXPECT_THAT(dir.read("a.svg"), StartsWith("<?xml"));
 }
 
 TEST(TraceReducer, KeepsEverySampleOfAShortTrace) {
@@ -138,22 +110,16 @@ std::vector<Points> tracesOf(const std::string& svg) {
 }
 
 // Each row has one pulse of its own time and sign; the areas of the page are those of its layout.
-TEST(Plot, NegativeIsUpAndRowsFollowTheSelection) {
-    const TempDir dir;
-    EdfFile()
-        .signal("EEG C3-Ref", 64) // 0.1 uV a count
-        .signal("EEG C4-Ref", 64)
-        .signal("ECG", 64)
-        .records(10)
-        .samples([](int signal, std::int64_t i) {
-            const int second[] = {2, 6, 8};
-            const int counts[] = {1000, -1000, 10000};
-            const int wiggle = i % 2 == 0 ? 1 : -1; // of a straight line no points are left
-            return wiggle + (i / 64 == second[signal] ? counts[signal] : 50);
-        })
-        .writeTo(dir.file("a.edf"));
-    const CommandResult run =
-        runCommand(dir, "plot a.edf --channels C4,ECG,C3 --sensitivity 10 -o a.svg");
+TEST_F(Plot, NegativeIsUpAndRowsFollowTheSelection) {
+    EdfFile file = EdfFile().signal("EEG C3-Ref", 64).signal("EEG C4-Ref", 64).signal("ECG", 64);
+    file.samples([](int signal, std::int64_t i) { // 0.1 uV a count
+        const int second[] = {2, 6, 8};
+        const int counts[] = {1000, -1000, 10000};
+        const int wiggle = i % 2 == 0 ? 1 : -1; // of a straight line no points are left
+        return wiggle + (i / 64 == second[signal] ? counts[signal] : 50);
+    });
+    file.records(10).writeTo(dir.file("a.edf"));
+    const CommandResult run = command("plot a.edf --channels C4,ECG,C3 --sensitivity 10 -o a.svg");
     ASSERT_EQ(run.exitCode, 0) << run.err;
     const std::vector<Points> traces = tracesOf(dir.read("a.svg"));
     ASSERT_EQ(traces.size(), 3U);
@@ -171,28 +137,14 @@ TEST(Plot, NegativeIsUpAndRowsFollowTheSelection) {
     EXPECT_NEAR(belowCentre(2, 2.5), 9.5, 0.03) << "95 uV to the positive: down";
 }
 
-TEST(Plot, LongPagesAreNoSolidInk) {
-    const TempDir dir;
+TEST_F(Plot, LongPagesAreNoSolidInk) {
     EdfFile().signal("C3", 64).records(200).writeTo(dir.file("a.edf"));
-    const auto shades = [&dir](const std::string& range) {
-        EXPECT_EQ(runCommand(dir, "plot a.edf -o a.svg " + range).exitCode, 0);
-        const std::string svg = dir.read("a.svg");
-        return svg.find("fill-opacity:0.22") != std::string::npos;
+    const auto shades = [this](const std::string& range) {
+        EXPECT_EQ(command("plot a.edf -o a.svg " + range).exitCode, 0);
+        return dir.read("a.svg").find("fill-opacity:0.22") != std::string::npos;
     };
     EXPECT_TRUE(shades(""));
     EXPECT_FALSE(shades("--to 30")) << "a usual page is a line";
-}
-
-TEST(Plot, SeveralFilesGoToOneFolder) {
-    const TempDir dir;
-    for (const char* name : {"a.edf", "b.edf"})
-        EdfFile().signal("C3", 64).records(2).writeTo(dir.file(name));
-    std::filesystem::create_directory(dir.file("out"));
-    EXPECT_EQ(runCommand(dir, "plot a.edf missing.edf b.edf -o out/ --format svg").exitCode, 1);
-    for (const char* name : {"out/a.svg", "out/b.svg"})
-        EXPECT_THAT(dir.read(name), StartsWith("<?xml")) << name;
-    EXPECT_EQ(runCommand(dir, "plot a.edf b.edf -o x.svg").exitCode, 2);
-    EXPECT_EQ(dir.read("x.svg"), "");
 }
 
 TEST(PageCaption, NamesSensitivitySpeedAndFilters) {

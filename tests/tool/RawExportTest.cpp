@@ -3,34 +3,22 @@
 #include "support/EdfFile.h"
 #include "support/Opened.h"
 
-#include <filesystem>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 namespace kvsig::test {
 namespace {
-
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
 
 std::vector<std::int32_t> countsOf(IDataReader& reader, int channel) {
     return rawOf(dynamic_cast<DataReader&>(reader), channel, 0, reader.sampleCount() - 1);
 }
 
-class RawExport : public testing::Test {
+class RawExport : public CommandTest {
   protected:
-    CommandResult run(const std::string& arguments) {
-        return runCommand(dir, "export " + arguments);
-    }
+    CommandResult run(const std::string& arguments) const { return command("export " + arguments); }
     ReaderPtr open(const char* name) {
         std::string error;
         ReaderPtr reader = openReader(dir.file(name).c_str(), 0, &error);
         EXPECT_TRUE(reader) << error;
         return reader;
     }
-    TempDir dir;
 };
 
 TEST_F(RawExport, SixteenBitCountsSurviveExactly) {
@@ -100,7 +88,7 @@ TEST_F(RawExport, NeverReplacesWhatItReads) {
         EXPECT_EQ(again.exitCode, 1);
         EXPECT_THAT(again.err, HasSubstr("would replace the recording itself"));
     }
-    EXPECT_FALSE(std::filesystem::exists(dir.file("a.txt")));
+    EXPECT_FALSE(fs::exists(dir.file("a.txt")));
     EXPECT_EQ(run("a.edf --format raw").exitCode, 2);
     EXPECT_EQ(run("a.edf --values raw -o b.raw").exitCode, 2);
 }

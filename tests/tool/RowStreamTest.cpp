@@ -2,12 +2,9 @@
 
 #include "support/EdfFile.h"
 #include "support/TempDir.h"
+#include "support/Testing.h"
 
-#include <algorithm>
-#include <cmath>
-#include <gtest/gtest.h>
 #include <optional>
-#include <vector>
 
 namespace kvsig::tool {
 namespace {

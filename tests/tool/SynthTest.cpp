@@ -1,5 +1,6 @@
+#include "kvsig/registry/FrontDoor.h"
+#include "support/Opened.h"
 #include "support/Sine.h"
-#include "support/TempDir.h"
 #include "tool/Command.h"
 #include "tool/TimeOption.h"
 #include "tool/synth/RecordBuffer.h"
@@ -8,85 +9,37 @@
 #include "tool/synth/SynthRecording.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <cmath>
-#include <filesystem>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <limits>
-#include <string>
-#include <vector>
 
 namespace kvsig::tool {
 namespace {
 
-using testing::HasSubstr;
-
-/// The bytes of a recording, read back by the format's book.
+// A recording as it was planned and made, and as the library reads it.
 struct Made {
-    std::string bytes;
-
-    std::string field(std::size_t offset, std::size_t width) const {
-        std::string text = bytes.substr(offset, width);
-        text.resize(text.find_last_not_of(' ') + 1);
-        return text;
-    }
-    std::size_t number(std::size_t offset, std::size_t width) const {
-        return std::stoul(field(offset, width));
-    }
-    std::size_t signals() const { return number(252, 4); }
-    std::size_t records() const { return number(236, 8); }
-    std::size_t width() const { return bytes[0] == '0' ? 2 : 3; }
-    std::string label(std::size_t i) const { return field(256 + 16 * i, 16); }
-    /// A column of 8-character fields: 96 units, 104 physical minimum ... 216 samples per record.
-    std::string column(std::size_t offset, std::size_t i) const {
-        return field(256 + offset * signals() + 8 * i, 8);
-    }
-    std::size_t samples(std::size_t i) const { return std::stoul(column(216, i)); }
-    std::size_t recordSamples() const {
-        std::size_t sum = 0;
-        for (std::size_t i = 0; i < signals(); ++i)
-            sum += samples(i);
-        return sum;
-    }
-    std::size_t position(std::size_t record, std::size_t signal) const {
-        std::size_t before = record * recordSamples();
-        for (std::size_t i = 0; i < signal; ++i)
-            before += samples(i);
-        return number(184, 8) + before * width();
-    }
-    std::vector<double> values(std::size_t i) const {
-        const double low = std::stod(column(104, i));
-        const double digitalLow = std::stod(column(120, i));
-        const double step =
-            (std::stod(column(112, i)) - low) / (std::stod(column(128, i)) - digitalLow);
-        std::vector<double> values;
-        for (std::size_t r = 0; r < records(); ++r) {
-            std::size_t at = position(r, i);
-            for (std::size_t k = 0; k < samples(i); ++k, at += width()) {
-                double digital = static_cast<signed char>(bytes[at + width() - 1]);
-                for (std::size_t b = width() - 1; b-- > 0;)
-                    digital = digital * 256 + static_cast<unsigned char>(bytes[at + b]);
-                values.push_back((digital - digitalLow) * step + low);
-            }
+    explicit Made(const SynthOptions& options) {
+        std::string reason;
+        plan = planRecording(options, reason).value();
+        bytes = headerBytes(plan.header, reason);
+        EXPECT_EQ(reason, "");
+        SynthRecording recording(plan, options);
+        for (std::int64_t i = 0; i < plan.header.records; ++i) {
+            const auto record = recording.nextRecord();
+            bytes.append(reinterpret_cast<const char*>(record.data()), record.size());
         }
-        return values;
+        reader = openReader(dir.write("made", bytes).c_str(), 0, &reason);
+        EXPECT_TRUE(reader) << reason;
+        for (const OpenFinding& odd : dynamic_cast<DataReader&>(*reader).inspectFile())
+            ADD_FAILURE() << odd.text;
     }
-};
+    // In physical units, at the rate of the fastest channel.
+    std::vector<double> values(int channel) const {
+        return test::physicalOf(dynamic_cast<DataReader&>(*reader), channel);
+    }
 
-Made make(const SynthOptions& options) {
-    std::string reason;
-    const auto plan = planRecording(options, reason);
-    EXPECT_TRUE(plan) << reason;
-    Made made{headerBytes(plan->header, reason)};
-    EXPECT_EQ(reason, "");
-    SynthRecording recording(*plan, options);
-    for (std::int64_t i = 0; i < plan->header.records; ++i) {
-        const auto bytes = recording.nextRecord();
-        made.bytes.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    }
-    return made;
-}
+    test::TempDir dir;
+    RecordingPlan plan;
+    std::string bytes;
+    ReaderPtr reader;
+};
 
 SynthOptions lasting(double seconds) {
     SynthOptions options;
@@ -96,47 +49,44 @@ SynthOptions lasting(double seconds) {
 
 TEST(Synth, TheSeedAloneDecides) {
     SynthOptions options = lasting(3);
-    const std::string first = make(options).bytes;
-    EXPECT_TRUE(make(options).bytes == first);
-    const std::string longer = make(lasting(5)).bytes;
+    const std::string first = Made(options).bytes;
+    EXPECT_TRUE(Made(options).bytes == first);
+    const std::string longer = Made(lasting(5)).bytes;
     constexpr std::size_t header = 6144;
     EXPECT_TRUE(longer.compare(header, first.size() - header, first, header) == 0)
         << "a longer recording begins like a shorter one";
     options.seed = 2;
-    EXPECT_FALSE(make(options).bytes == first);
+    EXPECT_FALSE(Made(options).bytes == first);
 }
 
 TEST(Synth, EdfPlusHeaderAndLength) {
-    const Made made = make(lasting(2.5));
-    EXPECT_EQ(made.field(0, 168),
-              "0       X X X X" + std::string(73, ' ') + "Startdate 15-MAR-2024 X X synthetic");
-    EXPECT_EQ(made.field(168, 24), "15.03.2422.30.006144");
-    EXPECT_EQ(made.field(192, 44), "EDF+C");
-    EXPECT_EQ(made.field(236, 20), "3       1       23") << "rounded up to whole records";
-    EXPECT_EQ(made.label(0), "EEG Fp1-Ref");
-    EXPECT_EQ(made.label(21), "ECG");
-    EXPECT_EQ(made.label(22), "EDF Annotations");
-    const std::pair<std::size_t, const char*> columns[] = {{96, "uV"},      {104, "-3276.8"},
-                                                           {112, "3276.7"}, {120, "-32768"},
-                                                           {128, "32767"},  {216, "256"}};
-    for (const auto& [column, text] : columns)
-        EXPECT_EQ(made.column(column, 0), text);
-    EXPECT_EQ(made.bytes.size(), 6144U + 6U * made.recordSamples());
+    const Made made(lasting(2.5));
+    const auto has = [&](std::size_t offset, const std::string& text) {
+        EXPECT_EQ(made.bytes.substr(offset, text.size() + 1), text + " ") << offset;
+    };
+    has(0, "0       X X X X" + std::string(73, ' ') + "Startdate 15-MAR-2024 X X synthetic");
+    has(168, "15.03.2422.30.006144    EDF+C");
+    has(236, "3       1       23"); // rounded up to whole records
+    has(256, "EEG Fp1-Ref");
+    has(256 + 16 * 21, "ECG");
+    has(256 + 16 * 22, "EDF Annotations");
+    for (const auto& [column, text] :
+         {std::pair{96, "uV"}, {104, "-3276.8"}, {112, "3276.7"}, {120, "-32768"}, {216, "256"}})
+        has(256 + static_cast<std::size_t>(column) * 23, text);
+    EXPECT_EQ(made.bytes.size(), 6144U + 3U * made.plan.header.recordBytes());
 }
 
 TEST(Synth, PlainEdfAndBdfHaveNoAnnotations) {
     SynthOptions options = lasting(2);
     options.kind = EdfKind::edf;
     options.channels = 100;
-    const Made edf = make(options);
-    EXPECT_EQ(edf.field(192, 44), "");
-    EXPECT_EQ(edf.label(72), "EEG E73-Ref");
+    const Made edf(options);
+    EXPECT_EQ(edf.bytes.substr(192, 44), std::string(44, ' '));
+    EXPECT_STREQ(edf.reader->channelName(72), "E73-Ref");
     options.kind = EdfKind::bdf;
-    const Made bdf = make(options);
-    EXPECT_EQ(bdf.bytes.substr(0, 8), "\xFF"
-                                      "BIOSEMI");
-    EXPECT_EQ(bdf.field(192, 44), "24BIT");
-    EXPECT_EQ(bdf.column(120, 0), "-8388608");
+    const Made bdf(options);
+    EXPECT_EQ(bdf.bytes.substr(192, 6), "24BIT ");
+    EXPECT_EQ(bdf.reader->digitalLow(0), -8388608);
     EXPECT_EQ(bdf.bytes.size(), 256U * 101 + 2 * 3 * 100 * 256);
     const auto from16 = edf.values(12);
     const auto from24 = bdf.values(12);
@@ -144,28 +94,20 @@ TEST(Synth, PlainEdfAndBdfHaveNoAnnotations) {
         ASSERT_NEAR(from16[k], from24[k], 0.05 + 0.016 + 1e-6) << "half a step of each";
 }
 
+// The library looks for the time of every record: a gap or another byte would be told.
 TEST(Synth, EveryRecordHoldsItsTimeAndTheEyes) {
     SynthOptions options = lasting(60);
     options.recordDuration = 0.1;
     options.rate = 200;
-    const Made made = make(options);
-    ASSERT_EQ(made.records(), 600U);
+    const Made made(options);
+    ASSERT_EQ(made.plan.header.records, 600);
     std::vector<std::string> texts;
-    for (std::size_t r = 0; r < 600; ++r) {
-        const std::string lists = made.bytes.substr(made.position(r, 22), 2 * made.samples(22));
-        const std::string onset = std::to_string(r / 10) + "." + std::to_string(r % 10);
-        const std::string keeper = "+" + onset + "\x14\x14" + '\0';
-        ASSERT_EQ(lists.substr(0, keeper.size()), keeper);
-        std::size_t at = keeper.size();
-        for (; at < lists.size() && lists[at] == '+'; at = lists.find('\0', at) + 1) {
-            const std::size_t mark = lists.find('\x14', at);
-            const double time = std::stod(lists.substr(at, mark - at));
-            EXPECT_NEAR(time, std::stod(onset) + 0.05, 0.0501);
-            const std::size_t end = lists.find('\x14', mark + 1);
-            ASSERT_EQ(lists[end + 1], '\0');
-            texts.push_back(lists.substr(mark + 1, end - mark - 1));
-        }
-        EXPECT_EQ(lists.find_first_not_of('\0', at), std::string::npos) << "zeros to the end";
+    for (std::size_t at = made.bytes.find("Eyes "); at != std::string::npos;
+         at = made.bytes.find("Eyes ", at + 1)) {
+        texts.push_back(made.bytes.substr(at, made.bytes.find('\x14', at) - at));
+        const double onset = std::stod(made.bytes.substr(made.bytes.rfind('+', at)));
+        const auto record = (at - 6144) / made.plan.header.recordBytes();
+        EXPECT_NEAR(onset, 0.1 * static_cast<double>(record) + 0.05, 0.0501);
     }
     ASSERT_GE(texts.size(), 5U) << "a change at least every 12 s";
     for (std::size_t i = 0; i < texts.size(); ++i)
@@ -176,11 +118,11 @@ TEST(Synth, MainsHumStandsAtItsFrequencyOnly) {
     SynthOptions options = lasting(8);
     for (const double mains : {60.0, 50.0, 0.0}) {
         options.mains = mains;
-        const auto x = make(options).values(9); // Cz
+        const auto x = Made(options).values(9); // Cz
         for (const double frequency : {50.0, 60.0}) {
             const double size = amplitudeAt(frequency / 256, x, 0, 2048);
             if (frequency == mains)
-                EXPECT_THAT(size, testing::AllOf(testing::Gt(3.8), testing::Lt(7.7)));
+                EXPECT_THAT(size, AllOf(testing::Gt(3.8), testing::Lt(7.7)));
             else
                 EXPECT_LT(size, 0.5) << mains;
         }
@@ -188,15 +130,13 @@ TEST(Synth, MainsHumStandsAtItsFrequencyOnly) {
 }
 
 TEST(Synth, AlphaComesWithClosedEyesAndBlinksWithOpenOnes) {
-    const Made made = make(lasting(30));
-    std::vector<double> changes;
-    for (const char* text : {"Eyes closed", "Eyes open"}) {
-        const std::size_t from = changes.empty() ? 0 : made.bytes.find("Eyes closed");
-        const std::size_t at = made.bytes.find(text, from);
-        ASSERT_NE(at, std::string::npos);
-        changes.push_back(std::stod(made.bytes.substr(made.bytes.rfind('+', at) + 1)));
-    }
-    const auto alpha = [&](std::size_t channel, double from, double to) {
+    const Made made(lasting(30));
+    const auto timeOf = [&](const char* text, std::size_t from) {
+        return std::stod(made.bytes.substr(made.bytes.rfind('+', made.bytes.find(text, from)) + 1));
+    };
+    const double close = timeOf("Eyes closed", 0);
+    const double open = timeOf("Eyes open", made.bytes.find("Eyes closed"));
+    const auto alpha = [&](int channel, double from, double to) {
         const auto x = made.values(channel);
         const auto first = static_cast<std::size_t>(from * 256);
         const std::size_t count = static_cast<std::size_t>(to * 256) - first;
@@ -205,12 +145,10 @@ TEST(Synth, AlphaComesWithClosedEyesAndBlinksWithOpenOnes) {
             power += std::pow(amplitudeAt(tenth * 0.1 / 256, x, first, count), 2);
         return power;
     };
-    const double close = changes[0];
-    const double open = changes[1];
     EXPECT_GT(alpha(17, close + 1, open), 8 * alpha(0, close + 1, open)) << "O1 and Fp1";
     EXPECT_GT(alpha(17, close + 1, open), 8 * alpha(17, 1, close)) << "closed and open";
 
-    const auto highest = [&](std::size_t channel) {
+    const auto highest = [&](int channel) {
         const auto x = made.values(channel);
         return *std::max_element(x.begin() + 256, x.begin() + static_cast<long>(close * 256) - 256);
     };
@@ -222,31 +160,27 @@ TEST(Synth, MixedRatesLayOutEachGroup) {
     SynthOptions options = lasting(2);
     options.kind = EdfKind::edf;
     options.rates = {{8, 512}, {8, 256}, {6, 64}, {4, 1}};
-    const Made made = make(options);
-    EXPECT_EQ(made.recordSamples(), 8U * 512 + 8 * 256 + 6 * 64 + 4);
-    EXPECT_EQ(made.samples(8), 256U);
-    EXPECT_EQ(made.column(96, 16), "mV");
-    EXPECT_EQ(made.label(25), "SpO2 2");
+    const Made made(options);
+    EXPECT_EQ(made.bytes.size(), 256U * 27 + 2 * 2 * (8 * 512 + 8 * 256 + 6 * 64 + 4));
+    EXPECT_STREQ(made.reader->channelUnits(16), "mV");
+    EXPECT_STREQ(made.reader->channelName(25), "SpO2 2");
     for (const double oxygen : made.values(22))
         EXPECT_NEAR(oxygen, 96, 4);
-
-    options.rates = {{16, 512}};
-    const auto fine = make(options).values(8);
     const auto coarse = made.values(8);
-    for (std::size_t k = 0; k < coarse.size(); ++k)
-        ASSERT_NEAR(coarse[k], (fine[2 * k] + fine[2 * k + 1]) / 2, 0.1001)
+    options.rates = {{16, 512}};
+    const auto fine = Made(options).values(8);
+    for (std::size_t k = 0; k < coarse.size(); k += 2)
+        ASSERT_NEAR(coarse[k], (fine[k] + fine[k + 1]) / 2, 0.1001)
             << "a slower channel averages what it cannot hold";
-}
 
-TEST(Synth, StandardMixKeepsSlowSignalsWhole) {
-    SynthOptions options = lasting(4);
+    options = lasting(4);
     options.mixed = true;
     options.recordDuration = 2;
-    const Made made = make(options);
-    ASSERT_EQ(made.signals(), 22U + 4 + 1);
-    EXPECT_EQ(made.samples(22), 64U) << "breathing";
-    EXPECT_EQ(made.samples(25), 2U) << "temperature, 1 Hz";
-    EXPECT_EQ(made.column(96, 25), "degC");
+    const Made standard(options);
+    ASSERT_EQ(standard.plan.header.signals.size(), 22U + 4 + 1);
+    EXPECT_EQ(standard.plan.header.signals[22].samplesPerRecord, 64) << "breathing";
+    EXPECT_EQ(standard.plan.header.signals[25].samplesPerRecord, 2) << "temperature, 1 Hz";
+    EXPECT_STREQ(standard.reader->channelUnits(25), "degC");
 }
 
 TEST(Synth, ValuesAreRoundedClippedAndStoredLowByteFirst) {
@@ -301,12 +235,11 @@ TEST(Synth, RefusesWhatCannotBeWritten) {
 
 TEST(Synth, OddRatesStayFinite) {
     for (const double rate : {0.5, 1.0, 60.0, 20000.0}) {
-        SynthOptions options;
+        SynthOptions options = lasting(rate < 100 ? 600 : 2);
         options.rate = rate;
         options.recordDuration = 2;
-        options.duration = rate < 100 ? 600 : 2;
-        const Made made = make(options);
-        for (const std::size_t channel : {0U, 17U, 21U})
+        const Made made(options);
+        for (const int channel : {0, 17, 21})
             for (const double x : made.values(channel))
                 ASSERT_LT(std::fabs(x), 2000) << rate;
     }
@@ -355,7 +288,7 @@ TEST(SynthCommand, WritesOrSaysWhyNot) {
     EXPECT_EQ(run("--duration 1:00 --seed 18446744073709551615 --rates 2x128,1x1 --format EDF -o " +
                   file),
               exitWell);
-    EXPECT_EQ(std::filesystem::file_size(file), 256U * 4 + 60 * 2 * 257);
+    EXPECT_EQ(fs::file_size(file), 256U * 4 + 60 * 2 * 257);
     const std::string wide = dir.file("x.BDF");
     EXPECT_EQ(run("--duration 1 -o " + wide), exitWell);
     EXPECT_EQ(dir.read("x.BDF").substr(0, 8), "\xFF"
