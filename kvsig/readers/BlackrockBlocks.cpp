@@ -80,23 +80,38 @@ void append(std::vector<Run>& runs, const Block& block, const BlockLayout& layou
 
 std::string atOffset(std::int64_t offset) { return " at offset " + std::to_string(offset); }
 
-// Whether what stands behind a block of no frames is a head, which makes that block an empty one,
-// or already a sample of a recording that was never closed. Of a million samples that begin like a
-// head fewer than one also holds a later time and a number of frames that a file of this size may
-// have.
-bool isHeadBehind(const Block& open, const Block& block, std::int64_t framesOfFile) {
+/// What stands behind a block of no frames.
+enum class Behind { samples, block, either };
+
+// A head there makes that block an empty one; else it is a sample of a recording that was never
+// closed. Samples may look like a head: flag, time and number of frames fit about one start in a
+// hundred thousand of recordings of a million frames, more often in longer ones and where the
+// signal is near zero. So the head is believed only when the number leads to another head or to the
+// end of the file.
+Behind whatIsBehind(const Block& open, const Block& block, Heads& ahead, std::int64_t size,
+                    const BlockLayout& layout) {
     constexpr std::int64_t cutOff = 16; // times the file, that the recording was longer
-    return block.flag == soundFlag && block.stamp >= open.stamp &&
-           block.frames <= cutOff * framesOfFile;
+    const auto follows = [&](const Block& next, const Block& earlier) {
+        return next.flag == soundFlag && next.stamp >= earlier.stamp &&
+               next.stamp - open.stamp < layout.stampsPerDay;
+    };
+    if (!follows(block, open) ||
+        block.frames > cutOff * wholeFrames(layout.offset, size, layout.frameBytes()))
+        return Behind::samples;
+    const std::int64_t data = block.offset + layout.headBytes();
+    if (block.frames > wholeFrames(data, size, layout.frameBytes()))
+        return Behind::either;
+    const std::int64_t end = data + block.frames * layout.frameBytes();
+    const bool confirmed = size - end < layout.headBytes() || follows(ahead.at(end), block);
+    return confirmed ? Behind::block : Behind::either;
 }
 
 } // namespace
 
 BlockScan scanBlocks(const HeaderFile& file, const BlockLayout& layout) {
     BlockScan scan;
-    Heads heads(file, layout);
+    Heads heads(file, layout), ahead(file, layout);
     const std::int64_t size = file.size();
-    const std::int64_t framesOfFile = wholeFrames(layout.offset, size, layout.frameBytes());
     std::optional<Block> open; // a block of no frames: empty, or never closed
     std::size_t runsBeforeOpen = 0;
     bool broken = false;
@@ -117,9 +132,19 @@ BlockScan scanBlocks(const HeaderFile& file, const BlockLayout& layout) {
             broken = true;
             break;
         }
-        if (open && offset == open->offset + layout.headBytes() &&
-            isHeadBehind(*open, block, framesOfFile))
-            open.reset();
+        if (open && offset == open->offset + layout.headBytes()) {
+            const Behind behind = whatIsBehind(*open, block, ahead, size, layout);
+            if (behind == Behind::either) {
+                scan.runs.resize(runsBeforeOpen);
+                scan.oddities.push_back(
+                    "the data block" + atOffset(open->offset) +
+                    " says 0 samples, and what follows it may be another block or, of a recording "
+                    "that was not closed, its samples: the recording is shown up to there");
+                return scan;
+            }
+            if (behind == Behind::block)
+                open.reset();
+        }
         const std::int64_t whole = wholeFrames(data, size, layout.frameBytes());
         if (block.frames > whole) {
             scan.oddities.push_back("the data block" + atOffset(offset) + " says " +

@@ -60,6 +60,7 @@ constexpr double samplesPerSecond = 30000.0;          // of which the period tak
 constexpr std::uint32_t networkTicks = 1'000'000'000; // of a clock that stamps every sample
 constexpr std::int64_t sampleBytes = 2;
 constexpr double bareMicrovoltsPerBit = 0.25;
+constexpr std::uint64_t secondsPerDay = 86400;
 constexpr double secondsPerYear = 31557600.0;
 
 std::string idOf(const char* path) {
@@ -141,7 +142,7 @@ bool CyberkineticsReader::describe(FlatRecording& recording) {
     if (recording.samples.size() < fileId.width)
         return refuse(2, "the file ends after " + std::to_string(recording.samples.size()) +
                              " bytes, inside the file id");
-    return refuse(3, "its first 8 bytes are none of NEURALSG, NEURALCD and BRSMPGRP");
+    return refuse(3, sentenceOf(head, fileId) + ", none of NEURALSG, NEURALCD and BRSMPGRP");
 }
 
 bool CyberkineticsReader::describeBare(const HeaderBlock& head, FlatRecording& recording) {
@@ -258,7 +259,8 @@ bool CyberkineticsReader::describeBlocks(const HeaderBlock& head, FlatRecording&
 bool CyberkineticsReader::findBlocks(const HeaderBlock& head, FlatRecording& recording) {
     const double ticks = valueOf(head, full::ticks);
     BlockLayout layout{valueOf(head, full::headerBytes), valueOf(head, fileId) == wideId,
-                       static_cast<std::int64_t>(recording.channels.size()), 0};
+                       static_cast<std::int64_t>(recording.channels.size()), 0,
+                       std::uint64_t{valueOf(head, full::ticks)} * secondsPerDay};
     if (layout.wideStamps && valueOf(head, full::ticks) == networkTicks)
         layout.longestStep = static_cast<std::uint64_t>(2.0 * ticks / recording.rate);
     const BlockScan scan = scanBlocks(recording.samples, layout);
@@ -272,9 +274,12 @@ bool CyberkineticsReader::findBlocks(const HeaderBlock& head, FlatRecording& rec
     const auto isLong = [](const Run& run) { return run.frames > run.blocks; };
     const auto isStrided = [](const Run& run) { return run.blocks > 1; };
     const bool strided = std::any_of(scan.runs.begin(), scan.runs.end(), isStrided);
-    if (strided && std::any_of(scan.runs.begin(), scan.runs.end(), isLong))
-        return refuse(3, "blocks of one sample each and longer ones in one file are a variant that "
-                         "is not read");
+    const auto longer = std::find_if(scan.runs.begin(), scan.runs.end(), isLong);
+    if (strided && longer != scan.runs.end())
+        return refuse(3, "blocks of one sample each and longer ones (that at offset " +
+                             std::to_string(longer->offset) + " has " +
+                             std::to_string(longer->frames) +
+                             ") in one file are a variant that is not read");
     // A sample of a block of its own is as far from the next as the whole block is long.
     FlatTrack track{layout.frameBytes() + (strided ? layout.headBytes() : 0), 1, 0.0, {}, {}};
     if (strided)
@@ -351,10 +356,10 @@ void CyberkineticsReader::listEvents(std::vector<FlatEvent>& events) {
         return;
     HeaderFile file;
     std::string reason;
-    const double start = recording().start.secondOfDay() - m_state->clockOrigin;
+    const double start = recording().start.secondOfDay();
     if (file.open(m_state->eventFile.c_str(), &reason)) {
         forEachEvent(file, *m_state->events, [&](double seconds, const std::string& text) {
-            if (const auto sample = sampleAt(start + seconds))
+            if (const auto sample = sampleAt(start + (seconds - m_state->clockOrigin)))
                 events.push_back({*sample, text, {}, 0.0});
             return events.size() < mostEvents;
         });

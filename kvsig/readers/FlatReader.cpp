@@ -24,6 +24,7 @@ namespace {
 using Severity = OpenFinding::Severity;
 
 constexpr double usualPageSeconds = 5; // what open() asks for
+constexpr double driftSeconds = 0.1;   // by which a rate may be off over a segment
 constexpr std::int64_t mostSamples = std::numeric_limits<std::int32_t>::max();
 
 // The start of a text; a character of UTF-8 that would be cut in two is left out.
@@ -110,8 +111,9 @@ void FlatReader::reportOddFacts() {
     const double page =
         std::min(recording.rate * usualPageSeconds, m_flat->longestPage(_minReadPts()));
     if (page * frame > static_cast<double>(maxPageBytes))
-        report(Severity::unusable, "five seconds of " + std::to_string(recording.channels.size()) +
-                                       " channels at " + shortestText(recording.rate) +
+        report(Severity::unusable, generalText(page / recording.rate, 4) + " s of " +
+                                       std::to_string(recording.channels.size()) + " channels at " +
+                                       shortestText(recording.rate) +
                                        " Hz do not fit a page: its samples read as zeros");
     if (count > mostSamples)
         report(Severity::warning, "of its " + std::to_string(count) + " samples the first " +
@@ -142,22 +144,39 @@ bool FlatReader::readSampleInfo() {
 // it is the recorder's clock that was set back.
 void FlatReader::addAnchors() {
     const auto& segments = m_flat->recording.segments;
+    const double near = m_flat->recording.clockStep + driftSeconds;
+    double end = -std::numeric_limits<double>::infinity(); // of the clock, as it is shown
+    std::size_t overlaps = 0;
+    std::string firstOverlap;
     m_flat->ownAnchors = true;
     for (std::size_t i = 0; i < segments.size(); ++i) {
+        const double seconds = static_cast<double>(segments[i].count) / m_flat->recording.rate;
         if (segments[i].start < m_flat->latestStarts[i]) {
             report(Severity::warning,
                    "segment " + std::to_string(i + 1) + " of " + std::to_string(segments.size()) +
                        " begins " + shortestText(m_flat->latestStarts[i] - segments[i].start) +
                        " s before an earlier one: its samples are shown as if there were no pause");
+            end += seconds;
             continue;
         }
         if (segments[i].count < 1 || m_flat->samples.segmentStarts()[i] > mostSamples)
             continue;
+        if (segments[i].start < end - near && overlaps++ == 0)
+            firstOverlap = "segment " + std::to_string(i + 1) + " of " +
+                           std::to_string(segments.size()) + " begins " +
+                           fixedText(end - segments[i].start, 3) +
+                           " s before what is before it ends";
+        end = segments[i].start + seconds;
         SampleTime anchor;
         anchor.sample = saturate<std::int32_t>(m_flat->samples.segmentStarts()[i]);
         anchor.time = segments[i].start;
         addSampleTime(anchor);
     }
+    if (overlaps > 0)
+        report(Severity::warning,
+               firstOverlap +
+                   (overlaps > 1 ? ", and so do " + std::to_string(overlaps - 1) + " more" : "") +
+                   ": clock times there stand twice");
 }
 
 bool FlatReader::getPatientRec() {
@@ -199,16 +218,26 @@ int FlatReader::readEvents(std::deque<ClientEvent>& events) {
 std::optional<std::int64_t> FlatReader::sampleAt(double clock) const {
     const auto& segments = m_flat->recording.segments;
     const auto& latest = m_flat->latestStarts;
-    const auto next = std::upper_bound(latest.begin(), latest.end(), clock) - latest.begin();
-    if (next == 0)
+    if (segments.empty())
         return std::nullopt;
-    const auto index = static_cast<std::size_t>(next - 1);
+    const auto next = std::upper_bound(latest.begin(), latest.end(), clock) - latest.begin();
+    const auto index = static_cast<std::size_t>(next > 0 ? next - 1 : 0);
     const double place = std::round((clock - segments[index].start) * m_flat->recording.rate);
     const auto within = saturate<std::int64_t>(place);
-    if (index + 1 == segments.size() && within > segments[index].count)
+    // A clock is rounded: up to half a sample before the start it is the first one.
+    if (within < 0 || (index + 1 == segments.size() && within > segments[index].count))
         return std::nullopt;
-    const std::int64_t first = m_flat->samples.segmentStarts()[index];
-    return first + std::clamp<std::int64_t>(within, 0, segments[index].count);
+    return m_flat->samples.segmentStarts()[index] + std::min(within, segments[index].count);
+}
+
+double FlatReader::clockAt(std::int64_t sample) const {
+    const auto& starts = m_flat->samples.segmentStarts();
+    const auto next = std::upper_bound(starts.begin(), starts.end(), sample) - starts.begin();
+    if (starts.empty())
+        return 0.0;
+    const auto index = static_cast<std::size_t>(next > 0 ? next - 1 : 0);
+    return m_flat->recording.segments[index].start +
+           static_cast<double>(sample - starts[index]) / m_flat->recording.rate;
 }
 
 int FlatReader::bytesPerSample() { return m_flat->samples.narrow() ? 2 : 4; }

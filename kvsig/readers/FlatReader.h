@@ -50,8 +50,11 @@ class KVSIG_API FlatReader : public DataReader {
     /// The description that the last describe() gave; empty when it failed.
     [[nodiscard]] const FlatRecording& recording() const;
     /// The sample nearest to a clock time (seconds since midnight of the recording's first day): in
-    /// a pause the next segment's first one; nothing before and behind the recording.
+    /// a pause the next segment's first one; nothing before and behind the recording by half a
+    /// sample or more.
     [[nodiscard]] std::optional<std::int64_t> sampleAt(double clock) const;
+    /// The clock time of a sample as its own segment counts it; not bounded by the recording.
+    [[nodiscard]] double clockAt(std::int64_t sample) const;
 
     const char* _grid1(int channel) override;
     const char* _grid2(int channel) override;

@@ -86,7 +86,8 @@ struct FlatRecording {
     std::vector<FlatTrack> tracks;
     std::vector<FlatChannel> channels;
     std::vector<FlatSegment> segments;
-    CalendarTime start; ///< of the recording, for the patient record
+    double clockStep = 0.0; ///< seconds, in which the starts of segments are counted
+    CalendarTime start;     ///< of the recording, for the patient record
     PatientRec patient{};
 };
 

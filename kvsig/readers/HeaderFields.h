@@ -2,6 +2,7 @@
 
 #include "kvsig/readers/HeaderBlock.h"
 
+#include <algorithm>
 #include <bit>
 #include <concepts>
 #include <cstddef>
@@ -61,6 +62,16 @@ template <std::integral Number>
     return std::string(field.name) + " (offset " +
            std::to_string(blockOffset + base + field.offset) + ") is " +
            std::to_string(valueOf(block, field, base));
+}
+
+/// "version (offset 0) is "Version 2.0"", with a question mark for each byte outside ASCII.
+[[nodiscard]] inline std::string sentenceOf(const HeaderBlock& block, TextField field,
+                                            std::int64_t base = 0) {
+    std::string text = valueOf(block, field, base);
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return c < ' ' || c > '~'; }, '?');
+    return std::string(field.name) + " (offset " + std::to_string(base + field.offset) + ") is \"" +
+           text + "\"";
 }
 
 } // namespace kvsig

@@ -192,7 +192,9 @@ bool MicromedReader::isReadVariant(const HeaderBlock& header, std::int64_t size)
     if (type != readHeaderType)
         return refuse(3, typeText + ", which is none of a Micromed recording that is read; 4 is");
     if (!hasZones(header))
-        return refuse(2, "its first two zones (offset 176) are not ORDER and LABCOD");
+        return refuse(2, "of its first two zones the " + sentenceOf(header, zoneName, zonesOffset) +
+                             " and the " + sentenceOf(header, zoneName, zonesOffset + zoneBytes) +
+                             ", not ORDER and LABCOD");
     if (valueOf(header, compression) != 0)
         return refuse(3, sentenceOf(header, compression) +
                              ": compressed recordings are a variant that is not read");
@@ -311,8 +313,12 @@ void MicromedReader::describePieces(const HeaderBlock& header, FlatRecording& re
             recording.segments.clear();
             break;
         }
-        if (begin >= frames)
+        if (begin >= frames) {
+            report(Severity::warning, "piece " + std::to_string(i + 1) + " begins at sample " +
+                                          std::to_string(begin) + ", " + std::to_string(frames) +
+                                          " are in the file: it was cut");
             break;
+        }
         begins.push_back(begin);
         recording.segments.push_back({0, static_cast<double>(original) / recording.rate});
     }
@@ -354,12 +360,22 @@ void MicromedReader::listEvents(std::vector<FlatEvent>& events) {
         return;
     std::vector<std::string> oddities;
     const CalendarTime& start = recording().start;
-    for (const ClockEvent& event : readEventFile(path.c_str(), oddities)) {
+    const std::vector<ClockEvent> listed = readEventFile(path.c_str(), oddities);
+    std::size_t outside = 0;
+    for (const ClockEvent& event : listed) {
         const double begin = event.begin.secondsFromDayOf(start);
         const double length = event.end.hasTime() ? event.end.secondsFromDayOf(start) - begin : 0.0;
         if (const auto sample = sampleAt(begin))
             events.push_back({*sample, event.text, {}, std::max(length, 0.0)});
+        else
+            ++outside;
     }
+    if (outside > 0)
+        oddities.push_back(outside == listed.size()
+                               ? "all its events (" + std::to_string(outside) +
+                                     ") lie outside the recording: it is of another"
+                               : "events outside the recording are left out (" +
+                                     std::to_string(outside) + ")");
     for (const std::string& oddity : oddities)
         logMessage(logWarning, path + ": " + oddity);
 }

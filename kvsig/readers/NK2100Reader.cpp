@@ -138,7 +138,7 @@ bool NK2100Reader::describe(FlatRecording& recording) {
                            " bytes, inside the header of at least " +
                            std::to_string(nk::headBytes));
     if (valueOf(head, nk::secondSignature) != device)
-        return fail(2, "its second device signature (offset 129) is not the first one");
+        return fail(2, sentenceOf(head, nk::secondSignature) + ", not the first one");
     if (!describeBlocks(head, recording) || !readCompanionPage(head) || !nameChannels(recording))
         return false;
     describePatient(head, recording);
@@ -269,6 +269,7 @@ void NK2100Reader::setStart(const HeaderBlock& head, FlatRecording& recording) {
                    shortestText(block.secondsFromDayOf(start) - start.secondOfDay()) +
                    " s after the start in the header (offset 64)");
     }
+    recording.clockStep = 1.0;
     double next = start.secondOfDay();
     for (std::size_t i = 0; i < recording.segments.size(); ++i) {
         FlatSegment& segment = recording.segments[i];
@@ -365,9 +366,11 @@ void NK2100Reader::listEvents(std::vector<FlatEvent>& events) {
     for (const nk::LogEntry& entry : m_state->log) {
         auto sample = saturate<std::int64_t>(std::round(entry.elapsed * made.rate));
         if (made.segments.size() > 1 && entry.clock.hasDate() && made.start.hasDate()) {
-            const auto byClock =
-                sampleAt(entry.clock.secondsFromDayOf(made.start) + entry.fraction);
-            if (byClock && std::abs(static_cast<double>(*byClock - sample)) > made.rate)
+            const double clock = entry.clock.secondsFromDayOf(made.start) + entry.fraction;
+            const auto byClock = sampleAt(clock);
+            // A clock that was set back shows such a time twice.
+            const bool agree = std::abs(clockAt(sample) - clock) <= 1.0;
+            if (byClock && !agree && std::abs(static_cast<double>(*byClock - sample)) > made.rate)
                 sample = *byClock;
         }
         events.push_back({sample, entry.text, {}, 0.0});

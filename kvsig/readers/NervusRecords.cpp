@@ -15,6 +15,7 @@ namespace {
 constexpr double epochDay = 25569;  // 1970-01-01
 constexpr double lastDay = 2958466; // of the year 9999, exclusive
 constexpr double secondsPerDay = 86400;
+constexpr std::int64_t mostPadding = 1 << 16; // behind the events, as far as it is looked at
 constexpr double ticks = 1e5; // per second; finer than that a date of eight bytes is not
 
 struct TextTarget {
@@ -41,6 +42,11 @@ constexpr TypeName typeNames[] = {
     {"{6387C7C8-6F98-4886-9AF4-FA750ED300DE}", "Reconnect"},
     {"{71EECE80-EBC4-41C7-BF26-E56911426FB4}", "Paused"},
 };
+
+bool isZero(const HeaderBlock& block) {
+    return std::all_of(block.bytes().begin(), block.bytes().end(),
+                       [](std::byte byte) { return byte == std::byte{0}; });
+}
 
 std::string joined(const std::string& name, const std::string& text) {
     return text.empty() ? name : name.empty() ? text : name + ": " + text;
@@ -123,8 +129,13 @@ std::string forEachEvent(const HeaderFile& file, const Container& container,
     for (std::int64_t at = 0; at < section.length && file.fault().empty();) {
         const HeaderBlock head = section.read(file, at, event::headBytes);
         const std::uint64_t said = valueOf(head, event::length);
-        if (guidAt(head, event::mark) != event::markGuid)
-            break;
+        if (guidAt(head, event::mark) != event::markGuid) {
+            const HeaderBlock rest = section.read(file, at, mostPadding);
+            if (section.length - at < event::headBytes || isZero(rest))
+                break;
+            return "events are left out: at byte " + std::to_string(at) + " of their section of " +
+                   std::to_string(section.length) + " there is none";
+        }
         if (said < event::headBytes || std::cmp_greater(said, section.length - at))
             return "events are left out: the one at byte " + std::to_string(at) +
                    " of their section of " + std::to_string(section.length) + " is " +

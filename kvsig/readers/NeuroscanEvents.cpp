@@ -19,6 +19,9 @@ constexpr NumberField<std::uint8_t> keypadAndStatus{"keypad and status", 3};
 constexpr NumberField<std::uint32_t> eventPlace{"place of an event", 4};
 constexpr int startStop = 0xE;
 
+bool isReadType(int type) { return type >= 1 && type <= 3; }
+std::int64_t recordBytesOf(int type) { return type == 1 ? shortRecord : longRecord; }
+
 const char* statusText(int status) {
     switch (status) {
     case 0xA:
@@ -54,14 +57,27 @@ std::string eventText(const HeaderBlock& block, std::int64_t base) {
 
 } // namespace
 
+bool isTableAt(const HeaderFile& file, std::int64_t offset) {
+    const HeaderBlock head = file.read("event table", offset, tableHead);
+    const int type = valueOf(head, tableType);
+    const std::int64_t said = valueOf(head, tableBytes);
+    return isReadType(type) && said <= file.size() - offset - tableHead &&
+           said % recordBytesOf(type) == 0;
+}
+
 EventTable readTable(const HeaderFile& file, const TablePlace& place) {
     EventTable table;
     const std::int64_t size = file.size();
-    if (place.offset >= size)
-        return table;
     const HeaderBlock head = file.read("event table", place.offset, tableHead);
+    if (std::cmp_less(head.bytes().size(), tableHead)) {
+        table.oddities.push_back("the event table (offset " + std::to_string(place.offset) +
+                                 ") is cut: " + std::to_string(head.bytes().size()) + " of its " +
+                                 std::to_string(tableHead) +
+                                 " bytes are in the file, its events are left out");
+        return table;
+    }
     const int type = valueOf(head, tableType);
-    if (type < 1 || type > 3) {
+    if (!isReadType(type)) {
         table.oddities.push_back(sentenceOf(head, tableType, 0, place.offset) +
                                  ", 1, 2 and 3 are read: its events are left out");
         return table;
@@ -72,7 +88,7 @@ EventTable readTable(const HeaderFile& file, const TablePlace& place) {
             "behind 4 GiB the places of its events are ambiguous: all are left out");
         return table;
     }
-    const std::int64_t recordBytes = type == 1 ? shortRecord : longRecord;
+    const std::int64_t recordBytes = recordBytesOf(type);
     const std::int64_t room = std::max<std::int64_t>(size - place.offset - tableHead, 0);
     const std::int64_t said = valueOf(head, tableBytes);
     if (said > room)

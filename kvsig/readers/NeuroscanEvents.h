@@ -21,6 +21,9 @@ struct EventTable {
     std::vector<std::string> oddities; ///< one sentence each
 };
 
+/// Whether what stands at an offset may be an event table: its type is one and it fits the file.
+[[nodiscard]] bool isTableAt(const HeaderFile& file, std::int64_t offset);
+
 [[nodiscard]] EventTable readTable(const HeaderFile& file, const TablePlace& place);
 
 } // namespace kvsig::neuroscan

@@ -57,6 +57,8 @@ struct NeuroscanReader::Places {
     std::int64_t frames = 0;    ///< of these that are samples
 
     [[nodiscard]] std::int64_t frameBytes() const { return channels * bytes; }
+    /// Bytes behind the last whole frame before `end`.
+    [[nodiscard]] std::int64_t rest() const { return (end - data) % frameBytes(); }
 };
 
 NeuroscanReader::NeuroscanReader() = default;
@@ -99,7 +101,8 @@ bool NeuroscanReader::isReadVariant(const HeaderBlock& header, std::int64_t size
         return refuse(2, "the file ends after " + std::to_string(size) +
                              " bytes, inside the header of " + std::to_string(headerBytes));
     if (id != "Version 3.0")
-        return refuse(3, "its version (offset 0) is not \"Version 3.0\", the one that is read");
+        return refuse(3,
+                      sentenceOf(header, version) + ", not \"Version 3.0\", the one that is read");
     if (valueOf(header, acquisition) == 2)
         return refuse(3, sentenceOf(header, acquisition) +
                              ": recordings of the DC amplifier are a variant that is not read");
@@ -150,6 +153,14 @@ bool NeuroscanReader::findPlaces(const HeaderBlock& header, const HeaderFile& fi
     if (places.frames < places.room)
         report(Severity::note, sentenceOf(header, numberOfSamples) + ", there is room for " +
                                    std::to_string(places.room) + ": the first are shown");
+    if (count > places.room)
+        report(Severity::note, sentenceOf(header, numberOfSamples) + ", " +
+                                   std::to_string(places.room) + " are there");
+    if (places.rest() > 0)
+        report(Severity::note, "the " + std::to_string(places.rest()) + " bytes before " +
+                                   (places.hasEvents ? "its event table" : "its end") +
+                                   " are no whole sample of " + std::to_string(places.channels) +
+                                   " channels");
     return true;
 }
 
@@ -203,26 +214,29 @@ void NeuroscanReader::describeChannels(FlatRecording& recording, const Places& p
 }
 
 // Only the recording's own last block may be shorter, and then each channel's part of it is. That
-// block is known where nothing contradicts its end: neither a smaller number of samples, behind
-// which there may be more of them or something else, nor an event table that is not there.
+// block is known where nothing contradicts its end: neither a number of samples that is another one
+// nor an event table that is not there, or no table, or no whole number of samples away.
 void NeuroscanReader::describeTracks(const HeaderBlock& header, FlatRecording& recording,
                                      Places& places) {
     const bool blocks = standsInBlocks(header, recording, places);
     const std::int64_t together =
         blocks ? std::max<std::int64_t>(valueOf(header, channelOffset) / places.bytes, 1) : 1;
-    const bool isEndSure = places.frames == places.room &&
-                           (places.hasEvents || places.room == valueOf(header, numberOfSamples));
-    if (const std::int64_t rest = places.frames % together; !isEndSure) {
+    const std::int64_t said = valueOf(header, numberOfSamples);
+    const auto isEndSure = [&] {
+        return places.hasEvents ? (said == 0 || said == places.room) && places.rest() == 0 &&
+                                      isTableAt(recording.samples, places.end)
+                                : said == places.room;
+    };
+    if (const std::int64_t rest = places.frames % together; rest > 0 && !isEndSure()) {
         places.frames -= rest;
-        places.room = places.frames;
-        if (rest > 0)
-            report(Severity::warning,
-                   "what follows its first " + std::to_string(places.frames) +
-                       " samples is left out (" + std::to_string(rest) + "): their block of " +
-                       std::to_string(together) +
-                       " may have been cut or may be a shorter last one, in which channels stand "
-                       "elsewhere");
+        report(Severity::warning,
+               "what follows its first " + std::to_string(places.frames) +
+                   " samples is left out (" + std::to_string(rest) + "): their block of " +
+                   std::to_string(together) +
+                   " may have been cut or may be a shorter last one, in which channels stand "
+                   "elsewhere");
     }
+    places.room = places.frames;
     if (together <= std::max(longBlock / places.frameBytes(), std::int64_t{1})) {
         recording.tracks.push_back(
             {places.frameBytes(), together, 0.0, {{places.data, places.room}}, {}});
@@ -248,8 +262,14 @@ bool NeuroscanReader::standsInBlocks(const HeaderBlock& header, const FlatRecord
                                      const Places& places) {
     constexpr std::int64_t most = std::int64_t{1} << 18, enough = 4096;
     const std::int64_t offset = valueOf(header, channelOffset);
-    if (offset <= 1 || places.channels < 2 || offset % places.bytes != 0)
+    if (offset <= 1 || places.channels < 2)
         return false;
+    if (offset % places.bytes != 0) {
+        report(Severity::note, sentenceOf(header, channelOffset) +
+                                   ", no whole number of samples of " +
+                                   std::to_string(places.bytes) + " bytes: read as frames");
+        return false;
+    }
     const std::int64_t together = offset / places.bytes;
     if (together < 2)
         return false;

@@ -225,7 +225,8 @@ TEST(FlatReader, PausesAreAnchorsAndEventsKeepTheirSamples) {
     EXPECT_EQ(reader.getElapsedTime(2 * 86400.0), 6.0); // in the pause
     EXPECT_STREQ(reader.patientRec()->testDate, "2019.12.31");
     EXPECT_STREQ(reader.patientRec()->testTime, "23:59:50");
-    EXPECT_EQ(reader.sampleAt(86390.0), std::nullopt);
+    EXPECT_EQ(reader.sampleAt(86390.44), std::nullopt);
+    EXPECT_EQ(reader.sampleAt(86390.46), 0) << "less than half a sample early";
     EXPECT_EQ(reader.sampleAt(86391.0), 5);
     EXPECT_EQ(reader.sampleAt(86400.0), 30);
     EXPECT_EQ(reader.sampleAt(3 * 86400.0 + 4.0), 100);
@@ -256,6 +257,18 @@ TEST(FlatReader, AClockThatWasSetBackAddsNoDay) {
     EXPECT_EQ(reader.getClockTime(10.0), 1010.0);
     ASSERT_EQ(reader.openFindings().size(), 1U);
     EXPECT_THAT(reader.openFindings()[0].text, HasSubstr("begins 100 s before"));
+    for (const double step : {0.0, 1.0}) { // by less than the first lasts, and within a second
+        ScriptedFlatReader twice(std::string(200, '\1'), [&](FlatRecording& recording) {
+            oneChannel(recording, {}, 100);
+            recording.clockStep = step;
+            recording.segments = {{30, 1000.0}, {30, 1002.0}, {40, 1004.95}};
+        });
+        ASSERT_EQ(twice.openFindings().size(), step > 0 ? 0U : 1U);
+        if (step == 0) {
+            EXPECT_THAT(twice.openFindings()[0].text,
+                        HasSubstr("segment 2 of 3 begins 1.000 s before what is before it ends"));
+        }
+    }
 }
 
 // A few bytes of a header claim any rate.

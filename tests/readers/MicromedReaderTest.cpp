@@ -95,6 +95,8 @@ TEST_F(Micromed, PiecesOfACutRecordingKeepTheirClock) {
     EXPECT_EQ(events(), std::vector<std::string>{"150 "});
     ASSERT_TRUE(opens(MicromedFile(file).piece(500, 0).piece(2000, 300)));
     EXPECT_EQ(reader.sampleTimeCount(), 1) << "a piece behind the end";
+    EXPECT_THAT(findings(),
+                ElementsAre("piece 2 begins at sample 300, 300 are in the file: it was cut"));
     for (const auto& [first, second] : {std::pair(0, 0), {100, 50}, {7, 100}}) {
         ASSERT_TRUE(opens(MicromedFile(file)
                               .piece(0, static_cast<std::uint32_t>(first))
@@ -129,7 +131,12 @@ TEST_F(Micromed, EventsOfAllZonesAndOfTheFileBesideIt) {
     EXPECT_THAT(log.take(logWarning),
                 ElementsAre(HasSubstr("evt: events whose Begin is no date and time as yyyy-mm-dd "
                                       "hh:mm:ss are left out (1)"),
-                            HasSubstr("End is no date and time as yyyy-mm-dd hh:mm:ss are shown")));
+                            HasSubstr("End is no date and time as yyyy-mm-dd hh:mm:ss are shown"),
+                            HasSubstr("evt: events outside the recording are left out (1)")));
+    dir.write("eeg_1.evt", "<EventFile><Events><Event><Begin>2019-07-04T23:05:09</Begin></Event>"
+                           "</Events></EventFile>");
+    EXPECT_EQ(events(), own);
+    EXPECT_THAT(log.take(logWarning), ElementsAre(HasSubstr("all its events (1) lie outside")));
     for (const char* damaged : {"", "<EventFile><Events>", "<a/>", "\xFF\xFE"}) {
         dir.write("eeg_1.evt", damaged);
         ASSERT_TRUE(opens(file));
@@ -179,7 +186,8 @@ TEST_F(Micromed, OtherVariantsAndLyingHeadersAreRefused) {
         {poked(good, 150, u16(1)), 3, "compressed recordings"},
         {poked(good, 144, u16(6)), 3, "2 channels of 2 bytes take 4: a variant"},
         {poked(good, labels + 44, u16(2)), 3, "channels of several rates"},
-        {poked(good, 176, "ORDEN"), 2, "are not ORDER and LABCOD"},
+        {poked(good, 176, "ORDEN"), 2,
+         "is \"ORDEN\" and the name of a zone (offset 192) is \"LABCOD\", not OR"},
         {poked(good, 142, u16(0)), 2, "number of channels (offset 142) is 0"},
         {poked(good, 148, u16(3)), 2, "bytes of a sample (offset 148) is 3"},
         {poked(good, 146, u16(0)), 2, "basic sampling rate (offset 146) is 0"},

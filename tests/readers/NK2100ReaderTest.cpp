@@ -186,6 +186,13 @@ TEST_F(NihonKohden, WithPausesTheClockPlacesEvents) {
                              .bytes());
     ASSERT_TRUE(opens(sample().block("20190403170000", 400)));
     EXPECT_THAT(events(), ElementsAre("200 no clock", "500 same", "600 counts pauses"));
+    EXPECT_EQ(findings().size(), 1U) << "there is no .21E";
+    // Set back by 8 of the first block's 10 s.
+    dir.write("Rec.LOG", NihonKohdenLog().entry("first", "000005", "(190403160021)").bytes());
+    ASSERT_TRUE(
+        opens(NihonKohdenFile().block("20190403160016", 2000).block("20190403160018", 400)));
+    EXPECT_THAT(events(), ElementsAre("1000 first"));
+    EXPECT_THAT(findings(), tells("segment 2 of 2 begins 8.000 s before what is before it ends"));
 }
 
 TEST_F(NihonKohden, LengthsThatLieGiveWhatIsThere) {
@@ -225,7 +232,7 @@ TEST_F(NihonKohden, OtherVariantsAndLyingHeadersAreRefused) {
         {NihonKohdenFile("EEG-1200A V01.00").block("20190403160016", 9).bytes(), 3, "EEG-1200A"},
         {NihonKohdenFile("EEG-9999A V01.00").block("20190403160016", 9).bytes(), 3, "no signature"},
         {good.substr(0, 9), 2, "inside the device signature"},
-        {poked(good, 0x81, "EEG-2100  V01.00"), 2, "second device signature (offset 129)"},
+        {poked(good, 0x81, "EEG-2100  V01.00"), 2, "(offset 129) is \"EEG-2100  V01.00\", not"},
         {nihonKohdenPage() + std::string(4096, '\0'), 3, "samples are in the .EEG"},
         {poked(good, 0x91, u8(0)), 2, "number of blocks (offset 145) is 0"},
         {poked(good, 0x91, "\2"), 2, "control block 2 of 2 (offset 0) begins where"},

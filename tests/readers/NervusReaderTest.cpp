@@ -224,8 +224,16 @@ TEST_F(Nervus, EventsStandAtTheirSamples) {
         ASSERT_TRUE(opens(poked(made.bytes, made.places.at("Events") + 16, u64(length))));
         LogCapture log;
         EXPECT_THAT(events(), IsEmpty()) << length;
-        EXPECT_EQ(log.take(logWarning).size(), length == 100 ? 0U : 1U) << length;
+        EXPECT_EQ(log.take(logWarning).size(), 1U) << length;
     }
+    const std::size_t next = made.places.at("Events") + 272 + 2 * 11; // event
+    LogCapture log;
+    ASSERT_TRUE(opens(poked(made.bytes, next, "x"))); // its mark
+    EXPECT_EQ(events().size(), 1U);
+    EXPECT_THAT(log.take(logWarning), ElementsAre(HasSubstr("events are left out: at byte ")));
+    ASSERT_TRUE(opens(poked(made.bytes, next, std::string(made.places.at("Unused") - next, '\0'))));
+    EXPECT_EQ(events().size(), 1U);
+    EXPECT_THAT(log.take(logWarning), IsEmpty()) << "padding";
     ASSERT_TRUE(opens(poked(made.bytes, made.places.at("Events") + 128, u64(~0ULL))));
     EXPECT_THAT(events(), Contains("150+500 eyes closed")) << "what of the text is in the packet";
 }

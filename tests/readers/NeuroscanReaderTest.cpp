@@ -36,7 +36,10 @@ TEST_F(Neuroscan, TheWidthOfSamplesIsTakenFromTheTrailerOrTheCount) {
     reads({{made(4).count(140).trailer(1).bytes(), 70, "taken for 32"},
            {unmarked, 70, "taken for 16"},
            {made(2).count(71).bytes(), 70, "nothing tells whether"},
-           {made(2).count(60).trailer(0).bytes(), 60, "(offset 864) is 60"}});
+           {made(2).count(60).trailer(0).bytes(), 60, "(offset 864) is 60"},
+           {made(2).count(5000).trailer(0).bytes(), 70, "(offset 864) is 5000, 70 are there"},
+           {poked(made(2).trailer(0).bytes(), 886, u32(made(2).tableOffset() - 2)), 69,
+            "the 4 bytes before its event table are no whole sample of 3 channels"}});
 }
 
 TEST_F(Neuroscan, BlocksAreTakenForWhatTheirSignalSays) {
@@ -50,13 +53,20 @@ TEST_F(Neuroscan, BlocksAreTakenForWhatTheirSignalSays) {
     // A last block that may be shorter is shown where number of samples and event table agree.
     NeuroscanFile file = NeuroscanFile().channels(3).blocks(1000).smoothSignal();
     const std::string three = file.frames(3000).bytes(), most = file.frames(2500).bytes();
+    const std::size_t table = file.tableOffset();
     const struct {
         std::string bytes;
         long samples;
         bool isSure = true;
     } cases[] = {{most, 2500},
                  {poked(most, 864, u32(0)), 2500},
-                 {poked(most, 864, u32(3000)), 2500}, // too large, as some are
+                 // A number that contradicts, no table or too large a one, and places of none.
+                 {poked(most, 864, u32(3000)), 2000, false},
+                 {poked(most, table, "\4"), 2000, false},
+                 {poked(most, table + 1, u32(8)), 2000, false},
+                 {poked(most, 886, u32(table - 600)), 2000, false},
+                 {poked(poked(most, 864, u32(0)), 886, u32(table - 600)), 2000, false},
+                 {poked(poked(most, 886, u32(table + 2)), table + 2, u8(1)) + "xx", 2000, false},
                  {poked(three, 864, u32(2000)), 2000},
                  {poked(most, 886, u32(~0U)), 2000, false},
                  {poked(three, 864, u32(2500)), 2000, false},
@@ -65,7 +75,7 @@ TEST_F(Neuroscan, BlocksAreTakenForWhatTheirSignalSays) {
         SCOPED_TRACE(&c - cases);
         ASSERT_TRUE(opens(c.bytes));
         expectSamples(file, c.samples);
-        EXPECT_NE(testing::Matches(tells("is left out (500): their"))(findings()), c.isSure);
+        EXPECT_NE(testing::Matches(tells("): their block of 1000"))(findings()), c.isSure);
     }
     const NeuroscanFile framed =
         NeuroscanFile().channels(2).frames(500).channelOffset(16).smoothSignal();
@@ -73,7 +83,8 @@ TEST_F(Neuroscan, BlocksAreTakenForWhatTheirSignalSays) {
     expectSamples(framed, 500);
     EXPECT_THAT(findings(), tells("read as frames"));
     for (const int odd : {1, 3, -8, 0x7FFFFFFF})
-        reads({{NeuroscanFile().channels(2).frames(50).channelOffset(odd).bytes(), 50, ""}});
+        reads({{NeuroscanFile().channels(2).frames(50).channelOffset(odd).bytes(), 50,
+                odd > 1 ? "no whole number of samples of 2 bytes: read as frames" : ""}});
 }
 
 TEST_F(Neuroscan, ValuesAreMicrovoltsAboveTheBaseline) {
@@ -115,7 +126,9 @@ TEST_F(Neuroscan, EventsOfAllTables) {
         const std::size_t table = file.tableOffset();
         ASSERT_TRUE(opens(all.substr(0, table + 9 + (type == 1 ? 8U : 19U))));
         EXPECT_EQ(events(), std::vector<std::string>{"0 reject"});
-        reads({{poked(all, table + 1, u32(~0U)), 100, "bytes of the event table"}});
+        reads({{all.substr(0, table), 100, "table (offset 1725) is cut: 0 of its 9 bytes are"},
+               {all.substr(0, table + 8), 100, "is cut: 8 of its 9 bytes are in the file"},
+               {poked(all, table + 1, u32(~0U)), 100, "bytes of the event table"}});
         EXPECT_EQ(events().size(), 8U);
         reads({{poked(all, table, "\4"), 100, "type of the event table"}});
         EXPECT_TRUE(events().empty());
@@ -152,7 +165,7 @@ TEST_F(Neuroscan, OtherVariantsAndLyingHeadersAreRefused) {
     refuses({
         {"RIFF____CNT_", 3, "a RIFF container"},
         {"RF64" + std::string(2000, '\0'), 3, "a RIFF container"},
-        {poked(good, 8, "2"), 3, "not \"Version 3.0\""},
+        {poked(good, 8, "2"), 3, "version (offset 0) is \"Version 2.0\", not \"Version 3.0\""},
         {poked(good, 885, u8(2)), 3, "DC amplifier"},
         {poked(good, 886, u32(0)), 3, "averages and epochs"},
         {poked(poked(good, 885, u8(0)), 886, u32(~0U)), 3, "averages and epochs"},
