@@ -49,8 +49,8 @@ struct FlatReader::State {
     [[nodiscard]] std::int64_t shown() const { return std::min(samples.count(), mostSamples); }
     /// Samples of the chunks that hold the whole recording.
     [[nodiscard]] double longestPage(std::int64_t chunk) const {
-        return static_cast<double>((std::max<std::int64_t>(shown(), 1) + chunk - 1) / chunk *
-                                   chunk);
+        const std::int64_t chunks = (std::max<std::int64_t>(shown(), 1) + chunk - 1) / chunk;
+        return static_cast<double>(chunks * chunk);
     }
 };
 

@@ -377,7 +377,7 @@ void MicromedReader::listEvents(std::vector<FlatEvent>& events) {
                                : "events outside the recording are left out (" +
                                      std::to_string(outside) + ")");
     for (const std::string& oddity : oddities)
-        logMessage(logWarning, path + ": " + oddity);
+        logMessage(logWarning, std::string(path).append(": ").append(oddity));
 }
 
 } // namespace kvsig

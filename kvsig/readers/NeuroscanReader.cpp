@@ -56,7 +56,9 @@ struct NeuroscanReader::Places {
     std::int64_t room = 0;      ///< frames up to `end`
     std::int64_t frames = 0;    ///< of these that are samples
 
-    [[nodiscard]] std::int64_t frameBytes() const { return channels * bytes; }
+    [[nodiscard]] std::int64_t frameBytes() const {
+        return std::max<std::int64_t>(channels * bytes, 1);
+    }
     /// Bytes behind the last whole frame before `end`.
     [[nodiscard]] std::int64_t rest() const { return (end - data) % frameBytes(); }
 };

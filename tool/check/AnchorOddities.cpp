@@ -18,6 +18,15 @@ std::string secondsText(double seconds) {
     return shortestText(std::round(seconds * 1e6) / 1e6) + " s";
 }
 
+// `length` seconds, below 0 for an overlap, at `place` seconds into the recording.
+std::string breakText(double length, double place, long nextSample) {
+    const std::string sample = "sample " + std::to_string(nextSample);
+    return length > 0 ? "a gap of " + secondsText(length) + " at " + secondsText(place) +
+                            ", before " + sample
+                      : sample + " overlaps by " + secondsText(-length) + " with what ends at " +
+                            secondsText(place);
+}
+
 } // namespace
 
 std::vector<OpenFinding> anchorOddities(DataReader& recording) {
@@ -43,13 +52,7 @@ std::vector<OpenFinding> anchorOddities(DataReader& recording) {
             ++(length > 0 ? moreGaps : moreOverlaps);
             continue;
         }
-        const std::string sample = "sample " + std::to_string(anchor.sample);
-        std::string text = secondsText(std::abs(length)) +
-                           (length > 0 ? " at " : " with what ends at ") +
-                           secondsText(due - start.time);
-        text = length > 0 ? "a gap of " + text + ", before " + sample
-                          : sample + " overlaps by " + text;
-        found.push_back({Severity::warning, text});
+        found.push_back({Severity::warning, breakText(length, due - start.time, anchor.sample)});
     }
     if (moreGaps + moreOverlaps > 0)
         found.push_back({Severity::warning, std::to_string(moreGaps) + " more gaps and " +
