@@ -71,7 +71,7 @@ DataSource* buildRow(SourceMontage& montage, int channel1, int channel2, const s
     return row;
 }
 
-AvgSource* buildWeighted(SourceMontage& montage, Terms& terms) {
+AvgSource* buildWeighted(SourceMontage& montage, Terms& terms, const char* defn) {
     AvgSource* average = montage.createSource(terms.channels);
     if (!average || terms.weights.empty())
         return average;
@@ -80,7 +80,7 @@ AvgSource* buildWeighted(SourceMontage& montage, Terms& terms) {
     else
         logMessage(logWarning, "SourceMontage: only some terms of an average have weights; it is "
                                "a plain one: " +
-                                   std::string(average->name()));
+                                   std::string(viewOf(defn)));
     return average;
 }
 
@@ -117,7 +117,7 @@ DataSource* buildNumeric(SourceMontage& montage, const char* defn, const Derivat
     for (const std::string& term : splitWords(uncutTerms(defn), '-'))
         if (!addFactorTerm(reader, term, terms))
             return nullptr;
-    AvgSource* average = buildWeighted(montage, terms);
+    AvgSource* average = buildWeighted(montage, terms, defn);
     if (!average)
         return nullptr;
     const int count = montage.avgRefCount();
@@ -135,7 +135,7 @@ DataSource* buildAverage(SourceMontage& montage, const char* defn) {
         if (terms.channels.back() < 0)
             return nullptr;
     }
-    AvgSource* average = terms.channels.empty() ? nullptr : buildWeighted(montage, terms);
+    AvgSource* average = terms.channels.empty() ? nullptr : buildWeighted(montage, terms, defn);
     // Rows look averages up by name: it is not put together anew each time.
     if (average)
         average->setName(std::string(average->name()).c_str());

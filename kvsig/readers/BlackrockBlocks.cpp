@@ -86,14 +86,13 @@ enum class Behind { samples, block, either };
 // A head there makes that block an empty one; else it is a sample of a recording that was never
 // closed. Samples may look like a head: flag, time and number of frames fit about one start in a
 // hundred thousand of recordings of a million frames, more often in longer ones and where the
-// signal is near zero. So the head is believed only when the number leads to another head or to the
-// end of the file.
+// signal is near zero. So the head is believed at once only when the number leads to a later head
+// or to the end of the file.
 Behind whatIsBehind(const Block& open, const Block& block, Heads& ahead, std::int64_t size,
                     const BlockLayout& layout) {
     constexpr std::int64_t cutOff = 16; // times the file, that the recording was longer
     const auto follows = [&](const Block& next, const Block& earlier) {
-        return next.flag == soundFlag && next.stamp >= earlier.stamp &&
-               next.stamp - open.stamp < layout.stampsPerDay;
+        return next.flag == soundFlag && next.stamp >= earlier.stamp;
     };
     if (!follows(block, open) ||
         block.frames > cutOff * wholeFrames(layout.offset, size, layout.frameBytes()))
@@ -115,6 +114,7 @@ BlockScan scanBlocks(const HeaderFile& file, const BlockLayout& layout) {
     std::optional<Block> open; // a block of no frames: empty, or never closed
     std::size_t runsBeforeOpen = 0;
     bool broken = false;
+    bool doubtful = false; // what is behind `open` may be blocks as well as samples
     for (std::int64_t offset = layout.offset;
          offset < size && scan.runs.size() <= mostBlockRuns && file.fault().empty();) {
         const std::int64_t data = offset + layout.headBytes();
@@ -134,14 +134,7 @@ BlockScan scanBlocks(const HeaderFile& file, const BlockLayout& layout) {
         }
         if (open && offset == open->offset + layout.headBytes()) {
             const Behind behind = whatIsBehind(*open, block, ahead, size, layout);
-            if (behind == Behind::either) {
-                scan.runs.resize(runsBeforeOpen);
-                scan.oddities.push_back(
-                    "the data block" + atOffset(open->offset) +
-                    " says 0 samples, and what follows it may be another block or, of a recording "
-                    "that was not closed, its samples: the recording is shown up to there");
-                return scan;
-            }
+            doubtful = behind == Behind::either;
             if (behind == Behind::block)
                 open.reset();
         }
@@ -173,6 +166,13 @@ BlockScan scanBlocks(const HeaderFile& file, const BlockLayout& layout) {
     if (empty || data == size)
         return scan;
     scan.runs.resize(runsBeforeOpen);
+    if (doubtful) {
+        scan.oddities = {"the data block" + atOffset(open->offset) +
+                         " says 0 samples, and what follows it may be another block or, of a "
+                         "recording that was not closed, its samples: the recording is shown up "
+                         "to there"};
+        return scan;
+    }
     scan.oddities = {"the data block" + atOffset(open->offset) +
                      " says 0 samples, as in a recording that was not closed: the rest of the file "
                      "is taken for its samples"};

@@ -16,7 +16,6 @@ struct BlockLayout {
     std::int64_t channels = 0;
     /// Blocks of one frame whose stamps are no further apart than this make one run; 0: none do.
     std::uint64_t longestStep = 0;
-    std::uint64_t stampsPerDay = 0;
 
     [[nodiscard]] std::int64_t headBytes() const { return wideStamps ? 13 : 9; }
     [[nodiscard]] std::int64_t frameBytes() const { return 2 * channels; }

@@ -60,7 +60,6 @@ constexpr double samplesPerSecond = 30000.0;          // of which the period tak
 constexpr std::uint32_t networkTicks = 1'000'000'000; // of a clock that stamps every sample
 constexpr std::int64_t sampleBytes = 2;
 constexpr double bareMicrovoltsPerBit = 0.25;
-constexpr std::uint64_t secondsPerDay = 86400;
 constexpr double secondsPerYear = 31557600.0;
 
 std::string idOf(const char* path) {
@@ -259,8 +258,7 @@ bool CyberkineticsReader::describeBlocks(const HeaderBlock& head, FlatRecording&
 bool CyberkineticsReader::findBlocks(const HeaderBlock& head, FlatRecording& recording) {
     const double ticks = valueOf(head, full::ticks);
     BlockLayout layout{valueOf(head, full::headerBytes), valueOf(head, fileId) == wideId,
-                       static_cast<std::int64_t>(recording.channels.size()), 0,
-                       std::uint64_t{valueOf(head, full::ticks)} * secondsPerDay};
+                       static_cast<std::int64_t>(recording.channels.size()), 0};
     if (layout.wideStamps && valueOf(head, full::ticks) == networkTicks)
         layout.longestStep = static_cast<std::uint64_t>(2.0 * ticks / recording.rate);
     const BlockScan scan = scanBlocks(recording.samples, layout);

@@ -67,7 +67,8 @@ void findOddLimits(const Header& header, Findings& findings) {
             const std::string_view text = header.view(limit.field, signal);
             const double taken = leadingDouble(text);
             double whole = 0.0;
-            if (taken == 0 || wholeDouble(text, whole) || ++odd > mostTold)
+            if (text.find_first_of("0123456789") == std::string_view::npos ||
+                wholeDouble(text, whole) || ++odd > mostTold)
                 continue;
             findings.push_back(
                 {Severity::warning,

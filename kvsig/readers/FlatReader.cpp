@@ -24,7 +24,9 @@ namespace {
 using Severity = OpenFinding::Severity;
 
 constexpr double usualPageSeconds = 5; // what open() asks for
-constexpr double driftSeconds = 0.1;   // by which a rate may be off over a segment
+constexpr double driftSeconds = 0.1;   // between two clocks, and what it grows by in a second:
+constexpr double driftRate = 1e-4;
+constexpr std::size_t mostSetBack = 64; // a clock that was set back more often is none
 constexpr std::int64_t mostSamples = std::numeric_limits<std::int32_t>::max();
 
 // The start of a text; a character of UTF-8 that would be cut in two is left out.
@@ -44,6 +46,7 @@ struct FlatReader::State {
     FlatRecording recording;
     FlatSamples samples;
     std::vector<double> latestStarts; ///< by segment: its start, or an earlier one that is later
+    std::vector<std::size_t> setBack; ///< segments that begin before an earlier one; the first few
     bool ownAnchors = false;
 
     [[nodiscard]] std::int64_t shown() const { return std::min(samples.count(), mostSamples); }
@@ -88,6 +91,8 @@ bool FlatReader::accept() {
     for (const FlatSegment& segment : recording.segments) {
         const double before =
             m_flat->latestStarts.empty() ? segment.start : m_flat->latestStarts.back();
+        if (segment.start < before && m_flat->setBack.size() < mostSetBack)
+            m_flat->setBack.push_back(m_flat->latestStarts.size());
         m_flat->latestStarts.push_back(std::max(before, segment.start));
     }
     // A channel without a name is called by its number.
@@ -144,7 +149,7 @@ bool FlatReader::readSampleInfo() {
 // it is the recorder's clock that was set back.
 void FlatReader::addAnchors() {
     const auto& segments = m_flat->recording.segments;
-    const double near = m_flat->recording.clockStep + driftSeconds;
+    double before = 0.0;                                   // seconds of the segment that ends last
     double end = -std::numeric_limits<double>::infinity(); // of the clock, as it is shown
     std::size_t overlaps = 0;
     std::string firstOverlap;
@@ -161,12 +166,16 @@ void FlatReader::addAnchors() {
         }
         if (segments[i].count < 1 || m_flat->samples.segmentStarts()[i] > mostSamples)
             continue;
+        const double near = m_flat->recording.clockStep + driftSeconds + driftRate * before;
         if (segments[i].start < end - near && overlaps++ == 0)
             firstOverlap = "segment " + std::to_string(i + 1) + " of " +
                            std::to_string(segments.size()) + " begins " +
                            fixedText(end - segments[i].start, 3) +
                            " s before what is before it ends";
-        end = segments[i].start + seconds;
+        if (segments[i].start + seconds >= end) {
+            end = segments[i].start + seconds;
+            before = seconds;
+        }
         SampleTime anchor;
         anchor.sample = saturate<std::int32_t>(m_flat->samples.segmentStarts()[i]);
         anchor.time = segments[i].start;
@@ -215,19 +224,33 @@ int FlatReader::readEvents(std::deque<ClientEvent>& events) {
     return saturate<int>(listed.size());
 }
 
+// Where a clock was set back, what the segment in its turn does not hold may stand in another one.
 std::optional<std::int64_t> FlatReader::sampleAt(double clock) const {
     const auto& segments = m_flat->recording.segments;
     const auto& latest = m_flat->latestStarts;
     if (segments.empty())
         return std::nullopt;
+    const auto within = [&](std::size_t i) {
+        return saturate<std::int64_t>(
+            std::round((clock - segments[i].start) * m_flat->recording.rate));
+    };
+    const auto holds = [&](std::size_t i) {
+        return within(i) >= 0 && within(i) <= segments[i].count;
+    };
     const auto next = std::upper_bound(latest.begin(), latest.end(), clock) - latest.begin();
-    const auto index = static_cast<std::size_t>(next > 0 ? next - 1 : 0);
-    const double place = std::round((clock - segments[index].start) * m_flat->recording.rate);
-    const auto within = saturate<std::int64_t>(place);
+    auto index = static_cast<std::size_t>(next > 0 ? next - 1 : 0);
+    if (!holds(index) && !m_flat->setBack.empty()) {
+        const auto turn = std::lower_bound(latest.begin(), latest.end(), latest[index]);
+        const auto found = std::find_if(m_flat->setBack.begin(), m_flat->setBack.end(), holds);
+        if (const auto i = static_cast<std::size_t>(turn - latest.begin()); holds(i))
+            index = i;
+        else if (found != m_flat->setBack.end())
+            index = *found;
+    }
     // A clock is rounded: up to half a sample before the start it is the first one.
-    if (within < 0 || (index + 1 == segments.size() && within > segments[index].count))
+    if (within(index) < 0 || (index + 1 == segments.size() && !holds(index)))
         return std::nullopt;
-    return m_flat->samples.segmentStarts()[index] + std::min(within, segments[index].count);
+    return m_flat->samples.segmentStarts()[index] + std::min(within(index), segments[index].count);
 }
 
 double FlatReader::clockAt(std::int64_t sample) const {

@@ -373,7 +373,7 @@ void MicromedReader::listEvents(std::vector<FlatEvent>& events) {
     if (outside > 0)
         oddities.push_back(outside == listed.size()
                                ? "all its events (" + std::to_string(outside) +
-                                     ") lie outside the recording: it is of another"
+                                     ") lie outside the recording: it may be of another"
                                : "events outside the recording are left out (" +
                                      std::to_string(outside) + ")");
     for (const std::string& oddity : oddities)

@@ -133,8 +133,8 @@ std::string forEachEvent(const HeaderFile& file, const Container& container,
             const HeaderBlock rest = section.read(file, at, mostPadding);
             if (section.length - at < event::headBytes || isZero(rest))
                 break;
-            return "events are left out: at byte " + std::to_string(at) + " of their section of " +
-                   std::to_string(section.length) + " there is none";
+            return "what follows byte " + std::to_string(at) + " of the events' section of " +
+                   std::to_string(section.length) + " is no event and is left out";
         }
         if (said < event::headBytes || std::cmp_greater(said, section.length - at))
             return "events are left out: the one at byte " + std::to_string(at) +

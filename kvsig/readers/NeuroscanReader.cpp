@@ -216,8 +216,8 @@ void NeuroscanReader::describeChannels(FlatRecording& recording, const Places& p
 }
 
 // Only the recording's own last block may be shorter, and then each channel's part of it is. That
-// block is known where nothing contradicts its end: neither a number of samples that is another one
-// nor an event table that is not there, or no table, or no whole number of samples away.
+// block is known where the number of samples agrees with the place of the event table, or of the
+// file's end, or where without a number something stands there that may be a table.
 void NeuroscanReader::describeTracks(const HeaderBlock& header, FlatRecording& recording,
                                      Places& places) {
     const bool blocks = standsInBlocks(header, recording, places);
@@ -225,9 +225,10 @@ void NeuroscanReader::describeTracks(const HeaderBlock& header, FlatRecording& r
         blocks ? std::max<std::int64_t>(valueOf(header, channelOffset) / places.bytes, 1) : 1;
     const std::int64_t said = valueOf(header, numberOfSamples);
     const auto isEndSure = [&] {
-        return places.hasEvents ? (said == 0 || said == places.room) && places.rest() == 0 &&
-                                      isTableAt(recording.samples, places.end)
-                                : said == places.room;
+        if (places.hasEvents && places.rest() > 0)
+            return false;
+        return said == places.room ||
+               (said == 0 && places.hasEvents && isTableAt(recording.samples, places.end));
     };
     if (const std::int64_t rest = places.frames % together; rest > 0 && !isEndSure()) {
         places.frames -= rest;

@@ -121,7 +121,9 @@ TEST_F(RowsAtOnceTest, FollowEveryChangeOfFiltersAndRows) {
                                      {off, off, off},
                                      {on(1), on(150), off}};
     for (const auto& [highPass, lowPass, notch] : designs) {
-        each([&](TestMontage& montage) { montage.setFilters(highPass, lowPass, notch); });
+        each([&, high = highPass, low = lowPass, band = notch](TestMontage& montage) {
+            montage.setFilters(high, low, band);
+        });
         expectSame(1000, 1999);
         expectSame(1500, 2499);
     }

@@ -78,6 +78,10 @@ TEST_F(Blackrock, BlocksThatLieOrAreDamagedGiveWhatIsThere) {
         {cut(empty().block(900, 20)), 30, "shown up to there", 1},
         {empty().block(900, 20).append(std::string(60, '\7')).bytes(), 30, "shown up to there", 1},
         {cut(empty().block(900, 20).block(60, 20)), 30, "shown up to there", 1},
+        // The clock starts anew, or a day passes, behind it.
+        {empty().block(900, 3).block(60, 40).bytes(), 73, "clock started anew", 3},
+        {empty().block(900, 20).block(2'600'000'000, 20).bytes(), 70, "", 3},
+        {cut(empty().block(2'600'000'000, 20).block(2'600'001'000, 20)), 65, "15 are left", 3},
         {made().block(800, 0).append(quiet + std::string(200, '\0')).bytes(), 30, "up to there"},
         {started().block(5000, 3).block(60, 40).bytes(), 43, "clock started anew", 2},
     });

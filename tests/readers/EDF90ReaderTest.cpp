@@ -423,6 +423,8 @@ TEST(EDF90Reader, NumbersThatAreReadInPartAreTold) {
         findingsOf(reader, Severity::warning),
         AllOf(HasSubstr("physical minimum of signal 2"), HasSubstr("\"-3276,8\", read as -3276\n"),
               HasSubstr("digital maximum of signal 2"), HasSubstr("\"2047 x\", read as 2047\n")));
+    ASSERT_TRUE(reader.opens(oneSignal().physical("-0,8", "0,8")));
+    EXPECT_THAT(findingsOf(reader, Severity::warning), HasSubstr("\"0,8\", read as 0\n"));
     ASSERT_TRUE(reader.opens(oneSignal().duration("1.5")));
     EXPECT_EQ(findingsOf(reader, Severity::warning), "");
 }

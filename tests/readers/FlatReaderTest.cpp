@@ -257,6 +257,9 @@ TEST(FlatReader, AClockThatWasSetBackAddsNoDay) {
     EXPECT_EQ(reader.getClockTime(10.0), 1010.0);
     ASSERT_EQ(reader.openFindings().size(), 1U);
     EXPECT_THAT(reader.openFindings()[0].text, HasSubstr("begins 100 s before"));
+    EXPECT_EQ(reader.sampleAt(1002.0), 20);
+    EXPECT_EQ(reader.sampleAt(902.0), 70);
+    EXPECT_EQ(reader.sampleAt(1006.0), std::nullopt);
     for (const double step : {0.0, 1.0}) { // by less than the first lasts, and within a second
         ScriptedFlatReader twice(std::string(200, '\1'), [&](FlatRecording& recording) {
             oneChannel(recording, {}, 100);

@@ -60,10 +60,14 @@ TEST_F(Neuroscan, BlocksAreTakenForWhatTheirSignalSays) {
         bool isSure = true;
     } cases[] = {{most, 2500},
                  {poked(most, 864, u32(0)), 2500},
-                 // A number that contradicts, no table or too large a one, and places of none.
+                 // Place and number agree, whatever is left of the table.
+                 {poked(most, table, "\4"), 2500},
+                 {most.substr(0, table), 2500},
+                 {most.substr(0, table + 5), 2500},
+                 // A number that contradicts or tells nothing, and places of no table.
                  {poked(most, 864, u32(3000)), 2000, false},
-                 {poked(most, table, "\4"), 2000, false},
-                 {poked(most, table + 1, u32(8)), 2000, false},
+                 {poked(poked(most, 864, u32(0)), table, "\4"), 2000, false},
+                 {poked(poked(most, 864, u32(0)), table + 1, u32(8)), 2000, false},
                  {poked(most, 886, u32(table - 600)), 2000, false},
                  {poked(poked(most, 864, u32(0)), 886, u32(table - 600)), 2000, false},
                  {poked(poked(most, 886, u32(table + 2)), table + 2, u8(1)) + "xx", 2000, false},

@@ -1,5 +1,6 @@
 #include "tool/check/AnchorOddities.h"
 
+#include "kvsig/readers/FlatReader.h"
 #include "kvsig/util/NumberText.h"
 
 #include <cmath>
@@ -13,9 +14,26 @@ using Severity = OpenFinding::Severity;
 
 constexpr std::size_t toldInFull = 20;
 constexpr double writtenStep = 0.001; // seconds; anchors have three decimals in attribute files
+constexpr double drift = 1e-4;        // of a clock against the samples, seconds a second
 
 std::string secondsText(double seconds) {
-    return shortestText(std::round(seconds * 1e6) / 1e6) + " s";
+    const bool isTime = std::abs(seconds) < 1e9;
+    return shortestText(isTime ? std::round(seconds * 1e6) / 1e6 : seconds) + " s";
+}
+
+// How finely the anchors tell the time. Recorders' clocks may have whole seconds, and drift; their
+// readers know more of them, and tell overlaps at opening.
+double clockStep(DataReader& recording, bool byRecorder) {
+    constexpr double recorderDrift = 0.1;
+    if (!byRecorder)
+        return writtenStep;
+    for (int i = 0; i < recording.sampleTimeCount(); ++i) {
+        SampleTime anchor;
+        recording.getSampleTime(i, anchor);
+        if (anchor.time != std::round(anchor.time))
+            return recorderDrift;
+    }
+    return 1.0 + recorderDrift;
 }
 
 // `length` seconds, below 0 for an overlap, at `place` seconds into the recording.
@@ -34,7 +52,8 @@ std::vector<OpenFinding> anchorOddities(DataReader& recording) {
     const double rate = recording.samplingRate();
     if (!(rate > 0) || recording.sampleTimeCount() < 2)
         return found;
-    const double tolerance = writtenStep + 0.5 / rate;
+    const bool byRecorder = dynamic_cast<FlatReader*>(&recording) != nullptr;
+    const double tolerance = clockStep(recording, byRecorder) + 0.5 / rate;
     std::size_t moreGaps = 0;
     std::size_t moreOverlaps = 0;
     SampleTime start;
@@ -43,10 +62,11 @@ std::vector<OpenFinding> anchorOddities(DataReader& recording) {
     for (int i = 1; i < recording.sampleTimeCount(); ++i) {
         SampleTime anchor;
         recording.getSampleTime(i, anchor);
-        const double due = last.time + (static_cast<double>(anchor.sample) - last.sample) / rate;
+        const double seconds = (static_cast<double>(anchor.sample) - last.sample) / rate;
+        const double due = last.time + seconds;
         const double length = anchor.time - due;
         last = anchor;
-        if (std::abs(length) <= tolerance)
+        if (std::abs(length) <= tolerance + drift * seconds || (byRecorder && length < 0))
             continue;
         if (found.size() == toldInFull) {
             ++(length > 0 ? moreGaps : moreOverlaps);

@@ -4,6 +4,7 @@
 #include "kvsig/registry/types/FileTypes.h"
 #include "kvsig/util/NeighbourFile.h"
 #include "kvsig/util/Saturate.h"
+#include "kvsig/util/Text.h"
 #include "tool/Words.h"
 
 #include <algorithm>
@@ -34,12 +35,21 @@ std::vector<SampleTime> anchorsOf(const Recording& recording, SampleRange range)
     return anchors;
 }
 
+// What all channels were recorded against; empty where the recordings of a pair differ.
+std::string commonReference(const Recording& recording) {
+    const std::string reference = recording.reader->refGrid();
+    for (DataReader* member : recording.members())
+        if (!equalNoCase(member->refGrid(), reference))
+            return {};
+    return reference;
+}
+
 void writeNames(std::ostream& text, const Selection& selection) {
     const std::vector<Row>& rows = selection.rows.rows();
     std::vector<std::string> names;
     std::transform(rows.begin(), rows.end(), std::back_inserter(names),
                    [](const Row& row) { return row.name; });
-    writeChannelNames(text, "ChannelMap", names, selection.recording.reader->refGrid());
+    writeChannelNames(text, "ChannelMap", names, commonReference(selection.recording));
 }
 
 } // namespace
