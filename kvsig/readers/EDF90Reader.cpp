@@ -178,7 +178,10 @@ void EDF90Reader::reportOddCalibrations() {
     const edf::Header& header = m_edf->header;
     int odd = 0;
     for (int c = 0; c < channelCount(); ++c) {
-        if (std::isfinite(_calibration(c)) || ++odd > mostTold)
+        const edf::Channel& channel = m_edf->channels[static_cast<std::size_t>(c)];
+        const bool isUsual = channel.digitalMin != channel.digitalMax &&
+                             std::isfinite(channel.physicalMax - channel.physicalMin);
+        if (isUsual || std::isfinite(_calibration(c)) || ++odd > mostTold)
             continue;
         const std::int64_t signal = header.channels()[static_cast<std::size_t>(c)];
         const auto field = [&header, signal](const char* name, edf::SignalField which) {

@@ -5,6 +5,7 @@
 #include "kvsig/readers/EdfStart.h"
 #include "kvsig/util/Limits.h"
 #include "kvsig/util/NumberText.h"
+#include "kvsig/util/Text.h"
 
 #include <algorithm>
 #include <cmath>
@@ -50,6 +51,18 @@ void findOddNumbers(const Header& header, Findings& findings) {
     tellMore(findings, Severity::warning, odd, "are no numbers");
 }
 
+// Digits with perhaps a sign and a point, as nearly all are: told without reading the number.
+bool isPlainNumber(std::string_view text) {
+    std::size_t others = 0;
+    std::size_t points = 0;
+    for (const char c : text) {
+        others += isDigit(c) ? 0U : 1U;
+        points += c == '.' ? 1U : 0U;
+    }
+    const bool sign = !text.empty() && (text[0] == '-' || text[0] == '+');
+    return points <= 1 && others == points + (sign ? 1U : 0U) && others < text.size();
+}
+
 // "-3276,8" is read as -3276: every value has another scale then. "?" and the like are for
 // inspect().
 void findOddLimits(const Header& header, Findings& findings) {
@@ -65,16 +78,15 @@ void findOddLimits(const Header& header, Findings& findings) {
     for (const std::int64_t signal : header.channels())
         for (const Limit& limit : limits) {
             const std::string_view text = header.view(limit.field, signal);
-            const double taken = leadingDouble(text);
             double whole = 0.0;
-            if (text.find_first_of("0123456789") == std::string_view::npos ||
+            if (isPlainNumber(text) || text.find_first_of("0123456789") == std::string_view::npos ||
                 wholeDouble(text, whole) || ++odd > mostTold)
                 continue;
             findings.push_back(
                 {Severity::warning,
                  fieldText(limit.name + (" of signal " + std::to_string(signal + 1)),
                            header.offsetOf(limit.field, signal), header.text(limit.field, signal)) +
-                     ", read as " + shortestText(taken)});
+                     ", read as " + shortestText(leadingDouble(text))});
         }
     tellMore(findings, Severity::warning, odd, "are no numbers", "limits");
 }
