@@ -37,7 +37,7 @@ std::vector<SampleTime> anchorsOf(const Recording& recording, SampleRange range)
 
 // What all channels were recorded against; empty where the recordings of a pair differ.
 std::string commonReference(const Recording& recording) {
-    const std::string reference = recording.reader->refGrid();
+    std::string reference = recording.reader->refGrid();
     for (DataReader* member : recording.members())
         if (!equalNoCase(member->refGrid(), reference))
             return {};
