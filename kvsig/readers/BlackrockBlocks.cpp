@@ -83,7 +83,7 @@ std::string atOffset(std::int64_t offset) { return " at offset " + std::to_strin
 // Samples may look like a head by chance; what a block of so many frames claims is none. A copy
 // that was cut has blocks longer than itself.
 bool isHead(const Block& block, std::int64_t framesOfFile) {
-    constexpr std::int64_t longBlock = std::int64_t{1} << 28; // 37 hours at 2000 Hz
+    constexpr std::int64_t longBlock = std::int64_t{1} << 26; // 9 hours at 2000 Hz
     constexpr std::int64_t cutOff = 16;                       // times the file
     return block.flag == soundFlag && block.frames <= std::max(longBlock, cutOff * framesOfFile);
 }
