@@ -97,6 +97,9 @@ bool applyReference(SourceMontage& montage, const std::string& reference,
         moveRow(*row, id);
         ++moved;
     }
+    // Under its first name it would go on answering the recording's reference.
+    if (moved > 0 && equalNoCase(montage.name(), recordedMontage))
+        montage.setName("Recorded, re-referenced");
     montage.isReferential(); // finds the reference that the rows have now
     if (!kept.empty())
         remark(where + ": no electrodes by their names, left as they are: " + listed(kept));
