@@ -53,10 +53,12 @@ std::optional<SegmentClock::Place> SegmentClock::placeOf(const FlatRecording& re
         if (const std::size_t holder = std::prev(next)->segment;
             sampleIn(holder) <= recording.segments[holder].count)
             return Place{holder, sampleIn(holder)};
-    // A clock is rounded: up to half a sample before the start it is the first one.
-    if (next == m_stretches.end() || (next == m_stretches.begin() && sampleIn(next->segment) < 0))
+    if (next == m_stretches.end())
         return std::nullopt;
-    return Place{next->segment, 0};
+    // A clock is rounded: up to half a sample before the start it is the first one.
+    const bool isPause = next != m_stretches.begin() && std::prev(next)->segment < next->segment;
+    return isPause || sampleIn(next->segment) >= 0 ? std::optional(Place{next->segment, 0})
+                                                   : std::nullopt;
 }
 
 } // namespace kvsig

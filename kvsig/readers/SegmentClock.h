@@ -10,8 +10,9 @@
 namespace kvsig {
 
 /// Finds the sample of a clock time, in whatever order segments stand in the file: the segment that
-/// holds the time has it, of several the one that began last; in a pause it is the first sample of
-/// the one that begins next. Empty segments hold nothing.
+/// holds the time has it, of several the one that began last. In a pause it is the first sample of
+/// the one that begins next; where that one stands earlier in the file the clock was set back, and
+/// what lies between is no pause but outside. Empty segments hold nothing.
 class SegmentClock {
   public:
     struct Place {
@@ -23,8 +24,7 @@ class SegmentClock {
     /// Starts must be finite, and the rate above 0.
     explicit SegmentClock(const FlatRecording& recording);
 
-    /// Of the recording that it was made of. Nothing when the time lies half a sample or more
-    /// before the first start or behind the last end.
+    /// Of the recording that it was made of. Nothing outside by half a sample or more.
     [[nodiscard]] std::optional<Place> placeOf(const FlatRecording& recording, double clock) const;
 
   private:

@@ -136,7 +136,12 @@ TEST_F(Micromed, EventsOfAllZonesAndOfTheFileBesideIt) {
     dir.write("eeg_1.evt", "<EventFile><Events><Event><Begin>2019-07-04T23:05:09</Begin></Event>"
                            "</Events></EventFile>");
     EXPECT_EQ(events(), own);
-    EXPECT_THAT(log.take(logWarning), ElementsAre(HasSubstr("all its events (1) lie outside")));
+    EXPECT_THAT(log.take(logWarning),
+                ElementsAre(HasSubstr("all its events (1) lie outside the recording: it may be")));
+    ASSERT_TRUE(opens(poked(file.bytes(), 128, u8(0) + u8(0) + u8(0)))); // no date
+    log.take(logWarning);
+    EXPECT_EQ(events().size(), own.size() + 1);
+    EXPECT_THAT(log.take(logWarning), ElementsAre(HasSubstr("the recording has no date: events")));
     for (const char* damaged : {"", "<EventFile><Events>", "<a/>", "\xFF\xFE"}) {
         dir.write("eeg_1.evt", damaged);
         ASSERT_TRUE(opens(file));
