@@ -42,13 +42,11 @@ bool DataReader::readAttributeFile(std::istream& stream) {
     setSampleLag(
         GetLocalProfileInt(pszINIFileInfo, "SampleLag", saturate<int>(getSampleLag()), stream));
 
-    char name[sizeof m_state->channelMapName];
-    GetLocalProfileString(pszINIFileInfo, "ChannelMap", "", name, sizeof name, stream);
-    // A map in force keeps its name until another takes its place, on purpose: an attribute file
-    // that names a missing map, or none, leaves both as they were.
-    const bool applied = name[0] != '\0' && readStoredMap(name);
-    if (applied || m_state->hasChannelMap == 0)
-        copyText(m_state->channelMapName, name);
+    char* name = m_state->channelMapName;
+    GetLocalProfileString(pszINIFileInfo, "ChannelMap", "", name, sizeof m_state->channelMapName,
+                          stream);
+    if (name[0] != '\0')
+        readStoredMap(name);
     if (readChannelMap(stream, pszINIChannelMap))
         copyText(m_state->channelMapName, pszINIChannelMap);
     return true;
@@ -72,13 +70,13 @@ bool DataReader::refuseWithout(const char* key, std::istream& stream) {
 
 bool DataReader::writeAttributeFile(std::ostream& stream) {
     const bool raw = fileType() == interleavedType || fileType() == snapshotType;
-    // Only a stored map can be named. The names of any other are written out, and so are those that
-    // an attribute file gave to a raw recording: they stand nowhere else.
     const bool mapped = m_state->hasChannelMap != 0;
-    const bool stored = mapped && !m_state->storedMapName.empty() &&
-                        !equalNoCase(channelMapName(), pszINIChannelMap) &&
+    const bool named = mapped && !isBuiltin(getChannelMapName(), privateMap);
+    // A name leads back to a stored map alone. The names of any other are written out too, and so
+    // are those that an attribute file gave to a raw recording: they stand nowhere else.
+    const bool stored = named && !m_state->storedMapName.empty() &&
                         equalNoCase(channelMapName(), m_state->storedMapName);
-    const bool ownMap = mapped ? !stored : m_state->keptNamesGiven;
+    const bool ownNames = mapped ? !stored : m_state->keptNamesGiven;
     FileInfo info;
     info.file = filePath();
     info.typeName = typeNameOf(fileType());
@@ -87,10 +85,10 @@ bool DataReader::writeAttributeFile(std::ostream& stream) {
                                 dataTypeCode()};
     if (hasSampleLag())
         info.sampleLag = getSampleLag();
-    if (stored)
+    if (named)
         info.channelMap = channelMapName();
     writeFileInfo(stream, info);
-    if (ownMap) {
+    if (ownNames) {
         writeText(stream, "\n");
         writeChannelNames(stream, pszINIChannelMap, storedNames(), refGrid());
     }

@@ -84,6 +84,8 @@ int DataReader::getData(int channel, long first, long last, float* out, double g
     }
     return forEachRun(channel, first, last,
                       [&](std::int64_t offset, std::int64_t count, const RawRun* run) {
+                          if (run && accumulate == 0 && !map.linear)
+                              map.floats = m_state->scales.find(map.scale, run->code, count);
                           if (run)
                               mapValues(*run, map, accumulate != 0, out + offset);
                           else if (accumulate == 0)

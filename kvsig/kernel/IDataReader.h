@@ -208,8 +208,9 @@ class IDataReader : public IUnknown {
     /// montages. It is read before open(), which leaves the mapped names alone. False when a key is
     /// missing that the recording needs.
     virtual bool readAttributeFile(std::istream& stream) = 0;
-    /// Writes what readAttributeFile() reads, montages left out. A stored map in force is written
-    /// by its name, any other with all its names. False when the stream has failed.
+    /// Writes what readAttributeFile() reads, montages left out. A map in force is written by its
+    /// name; the private one and one that is not stored with all names, so that these read back.
+    /// False when the stream has failed.
     virtual bool writeAttributeFile(std::ostream& stream) = 0;
     /// @{
     /// Queries of the host that the library itself never asks; 1 unless a reader knows better.

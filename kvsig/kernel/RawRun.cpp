@@ -88,6 +88,14 @@ struct Store {
         out[i] = static_cast<Out>(value(static_cast<double>(raw)));
     }
 };
+struct StoreFloats {
+    float* out;
+    FloatScale scale;
+    template <typename Raw>
+    [[gnu::always_inline]] void operator()(std::int64_t i, Raw raw) const {
+        out[i] = scale.times(static_cast<float>(raw));
+    }
+};
 template <typename Value>
 struct Add {
     float* out;
@@ -108,6 +116,8 @@ struct Copy {
 KVSIG_WIDE_LOOPS void store(const RawRun& run, const ValueMap& map, float* out) {
     if (map.linear)
         visit(run, Store<float, Mapped>{out, {map}});
+    else if (map.floats)
+        visit(run, StoreFloats{out, *map.floats});
     else
         visit(run, Store<float, Scaled>{out, {map.scale}});
 }

@@ -1,9 +1,21 @@
 #pragma once
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 
 namespace kvsig {
+
+/// A scale as the sum of two floats: of its 53 digits the first 24, and the next.
+struct FloatScale {
+    float high = 0.0F;
+    float low = 0.0F;
+
+    /// The first product is not rounded before the second one is added.
+    [[nodiscard, gnu::always_inline]] float times(float raw) const {
+        return std::fma(raw, high, raw * low);
+    }
+};
 
 /// From raw counts to the kernel's values: raw * scale, or for channels of type 100
 /// ((raw - digitalLow) * (physioHigh - physioLow) / (digitalHigh - digitalLow) + physioLow) *
@@ -15,6 +27,7 @@ struct ValueMap {
     double physioLow = 0.0;
     double physioSpan = 1.0;
     double scale = 1.0;
+    const FloatScale* floats = nullptr; ///< gives the same as `scale`, when not linear; or null
 };
 
 enum class RawCode { native16, native32, little16, little24 };

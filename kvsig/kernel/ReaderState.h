@@ -2,6 +2,7 @@
 
 #include "kvsig/kernel/ChannelTable.h"
 #include "kvsig/kernel/DataReader.h"
+#include "kvsig/kernel/FloatScales.h"
 #include "kvsig/kernel/GridIndex.h"
 #include "kvsig/kernel/PageCache.h"
 #include "kvsig/kernel/PageSource.h"
@@ -63,6 +64,7 @@ struct DataReader::State final : PageSource {
     bool gridNamesAsNumbers = false;
     ULONG references = 0;
     PageCache pages;
+    FloatScales scales;
     std::vector<PathInfo> paths;
     bool map1010 = false;
     bool inChunkDefault = false;

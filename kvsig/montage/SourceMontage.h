@@ -98,8 +98,9 @@ class KVSIG_API SourceMontage : public MontageBase, public MontageContext {
     virtual int idOfChannel2(const char* name);
     /// True when the rows have one reference in common, which becomes ref(): all scalp electrodes
     /// have it, or more than half of all rows, on purpose, so that a few bipolar rows do no harm.
-    /// Never true for a recording of bipolar channels. "Recorded" has the recording's reference as
-    /// long as no row was given another one; after that it is judged as any montage.
+    /// Never true for a recording of bipolar channels. A montage named "Recorded" is not looked at:
+    /// it has the recording's reference, even after changeReference() moved its rows. A host that
+    /// wants them judged gives it another name.
     virtual bool isReferential();
     /// True for an average of the montage and for an electrode of the reader; `id`, if not null,
     /// then receives idOfChannel2().
@@ -177,7 +178,6 @@ class KVSIG_API SourceMontage : public MontageBase, public MontageContext {
 
     [[nodiscard]] int fill(const std::string& name);
     [[nodiscard]] int rowNamed(const std::string& name) const;
-    [[nodiscard]] bool isRecorded() const;
     [[nodiscard]] bool canHoldAverages();
     void moveReference(G1G2Source& row, int channel2);
     void forgetAverage(int index);

@@ -47,9 +47,12 @@ TEST(SourceMontage, RecordedHasARowPerChannelAndTheAveragesThatExist) {
     EXPECT_THAT(montage.averageNames(), ElementsAre("A1A2", "Av17", "Av12"));
     EXPECT_STREQ(montage.ref(), "Ref");
     EXPECT_TRUE(montage.changeReference("Av12"));
-    EXPECT_STREQ(montage.ref(), "Av12") << "not the recording's own any more";
+    EXPECT_STREQ(montage.ref(), "Ref") << "by its name, whatever its rows have";
+    montage.setName("Own");
+    EXPECT_TRUE(montage.isReferential());
+    EXPECT_STREQ(montage.ref(), "Av12");
     EXPECT_TRUE(montage.changeReference(nullptr));
-    EXPECT_STREQ(montage.ref(), "Ref");
+    EXPECT_STREQ(montage.ref(), "Ref") << "given back to its rows";
 
     TestMontage fewer({"A1", "A2", "Cz"});
     ASSERT_EQ(fewer.createMontage("Recorded"), 1);
