@@ -223,9 +223,12 @@ int FlatReader::readEvents(std::deque<ClientEvent>& events) {
         logMessage(logWarning, filePath() + ": it has more than " + std::to_string(mostEvents) +
                                    " events, the rest is left out");
     const std::int64_t end = m_flat->shown();
-    std::erase_if(listed, [end](const FlatEvent& event) {
+    const std::size_t outside = std::erase_if(listed, [end](const FlatEvent& event) {
         return event.sample < 0 || event.sample > end || end == 0;
     });
+    if (outside > 0)
+        logMessage(logWarning, filePath() + ": events outside the recording are left out (" +
+                                   std::to_string(outside) + ")");
     std::stable_sort(listed.begin(), listed.end(),
                      [](const FlatEvent& a, const FlatEvent& b) { return a.sample < b.sample; });
     for (const FlatEvent& event : listed) {

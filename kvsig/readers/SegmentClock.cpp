@@ -21,7 +21,7 @@ SegmentClock::SegmentClock(const FlatRecording& recording) {
     const auto endOf = [&](std::size_t i) {
         return segments[i].start + static_cast<double>(segments[i].count) / recording.rate;
     };
-    std::vector<std::size_t> begun; // each inside the one before it, or longer
+    std::vector<std::size_t> begun; // and not ended, in the order of their starts
     // Where one ends, the one that it began in goes on.
     const auto endThoseBefore = [&](double time) {
         while (!begun.empty() && endOf(begun.back()) <= time) {
@@ -42,6 +42,8 @@ SegmentClock::SegmentClock(const FlatRecording& recording) {
 
 std::optional<SegmentClock::Place> SegmentClock::placeOf(const FlatRecording& recording,
                                                          double clock) const {
+    if (std::isnan(clock))
+        return std::nullopt;
     const auto sampleIn = [&](std::size_t segment) {
         return saturate<std::int64_t>(
             std::round((clock - recording.segments[segment].start) * recording.rate));

@@ -2,6 +2,7 @@
 
 #include "kvsig/readers/FlatRecording.h"
 #include "support/Bytes.h"
+#include "support/LogCapture.h"
 #include "support/Opened.h"
 #include "support/ReadAround.h"
 
@@ -13,6 +14,7 @@
 namespace kvsig::test {
 namespace {
 
+using testing::ElementsAre;
 using testing::HasSubstr;
 using Counts = std::vector<std::int32_t>;
 
@@ -236,7 +238,10 @@ TEST(FlatReader, PausesAreAnchorsAndEventsKeepTheirSamples) {
                      {-1, "before", "", 0},  {7, "b", "Fp1", 2.5},
                      {7, "c", "", 0},        {0, std::string(126, 'x') + "\xC3\xB6", "", 0}};
     std::deque<ClientEvent> events(1);
+    LogCapture log;
     ASSERT_EQ(reader.readEvents(events), 4);
+    EXPECT_THAT(log.take(),
+                ElementsAre(reader.path + ": events outside the recording are left out (2)"));
     ASSERT_EQ(events.size(), 5U);
     EXPECT_EQ(std::string(events[1].stateText), std::string(126, 'x')) << "no half character";
     EXPECT_STREQ(events[2].stateText, "b");
@@ -276,6 +281,7 @@ TEST(FlatReader, ClockTimesAreFoundInWhateverOrderSegmentsStand) {
           {905.1, none},
           {950, none},
           {999.96, 0},
+          {std::nan(""), none},
           {1006, none}}},
         {"contained",
          {{200, 0.0}, {20, 10.0}, {10, 40.0}},
