@@ -227,7 +227,9 @@ bool CyberkineticsReader::findBlocks(const HeaderBlock& head, FlatRecording& rec
     const double ticks = valueOf(head, full::ticks);
     BlockLayout layout{valueOf(head, full::headerBytes), valueOf(head, fileId) == wideId,
                        static_cast<std::int64_t>(recording.channels.size()), 0};
-    if (layout.wideStamps && valueOf(head, full::ticks) == networkTicks)
+    // Such a clock is the network's, not the samples'.
+    recording.clockDrifts = layout.wideStamps && valueOf(head, full::ticks) == networkTicks;
+    if (recording.clockDrifts)
         layout.longestStep = static_cast<std::uint64_t>(2.0 * ticks / recording.rate);
     const BlockScan scan = scanBlocks(recording.samples, layout);
     if (scan.runs.size() > mostBlockRuns)
