@@ -4,6 +4,7 @@
 #include "kvsig/readers/BlackrockClock.h"
 #include "kvsig/readers/BlackrockEvents.h"
 #include "kvsig/readers/BlackrockLayout.h"
+#include "kvsig/readers/ClockEvents.h"
 #include "kvsig/readers/FlatRecording.h"
 #include "kvsig/readers/HeaderFields.h"
 #include "kvsig/util/Limits.h"
@@ -349,15 +350,13 @@ void CyberkineticsReader::listEvents(std::vector<FlatEvent>& events) {
     HeaderFile file;
     std::string reason;
     std::vector<std::string> oddities;
-    std::size_t outside = 0, unsure = 0;
+    ClockEvents listed(events);
+    std::size_t unsure = 0;
     if (file.open(m_state->eventFile.c_str(), &reason)) {
         forEachEvent(file, *m_state->events, [&](double seconds, const std::string& text) {
             bool isSure = true;
-            const auto sample = placeOf(seconds, isSure);
+            listed.add(placeOf(seconds, isSure), {0, text, {}, 0.0});
             unsure += isSure ? 0U : 1U;
-            outside += sample ? 0U : 1U;
-            if (sample)
-                events.push_back({*sample, text, {}, 0.0});
             return events.size() < mostEvents;
         });
         const EventHeader& header = *m_state->events;
@@ -370,11 +369,8 @@ void CyberkineticsReader::listEvents(std::vector<FlatEvent>& events) {
     }
     if (!reason.empty())
         oddities.push_back("events are left out: " + reason);
-    if (outside > 0)
-        oddities.push_back(events.empty() ? "all its events (" + std::to_string(outside) +
-                                                ") lie outside the recording: it may be of another"
-                                          : "events outside the recording are left out (" +
-                                                std::to_string(outside) + ")");
+    if (const std::string outside = listed.outside(": it may be of another"); !outside.empty())
+        oddities.push_back(outside);
     if (unsure > 0)
         oddities.push_back("the clock started anew: events may belong to an earlier time that it "
                            "showed as well (" +
