@@ -56,6 +56,11 @@ int ChannelNames::find(const std::string& name) const {
     return places.empty() ? -1 : places.front();
 }
 
+bool ChannelNames::isElectrode(const std::string& name) const {
+    return !isIndex(name) && placesOf(name, m_names).empty() &&
+           !placesOf(name, m_electrodes).empty();
+}
+
 std::string ChannelNames::hint(const std::string& unknown) const {
     if (isIndex(unknown))
         return "; the last is #" + std::to_string(m_names.size() - 1);

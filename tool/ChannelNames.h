@@ -19,6 +19,9 @@ class ChannelNames {
     [[nodiscard]] std::vector<int> all(const std::string& name) const;
     /// The first of them, or -1.
     [[nodiscard]] int find(const std::string& name) const;
+    /// True for an electrode's name that is no channel's: it stands for the channel without what
+    /// that was recorded against.
+    [[nodiscard]] bool isElectrode(const std::string& name) const;
     /// "; the nearest are ...": what may have been meant by an unknown name.
     [[nodiscard]] std::string hint(const std::string& unknown) const;
 

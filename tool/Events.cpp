@@ -1,3 +1,4 @@
+#include "kvsig/readers/EDF90Reader.h"
 #include "kvsig/util/NumberText.h"
 #include "tool/Command.h"
 #include "tool/EventList.h"
@@ -37,11 +38,13 @@ std::string eventTable(const Recording& recording, const std::vector<ListedEvent
 }
 
 FileFacts eventsOfFile(const std::string& file, int type, bool json) {
-    std::string reason;
-    const std::optional<Recording> recording = openRecording(file, type, &reason);
+    const std::optional<Recording> recording = openRecording(file, type);
     if (!recording)
-        return {{{"file", toUtf8(file)}, {"error", toUtf8(reason)}}, "", exitFailed};
+        return {nullptr, "", exitFailed};
     const std::vector<ListedEvent> events = eventsOf(*recording);
+    for (DataReader* member : recording->members())
+        if (dynamic_cast<EDF90Reader*>(member))
+            remark(member->filePath() + ": annotations of EDF+ and BDF+ are not decoded");
     if (json)
         return {eventFacts(*recording, events), "", exitWell};
     return {nullptr, printable(file) + "\n" + eventTable(*recording, events) + "\n", exitWell};

@@ -27,7 +27,10 @@ int printFacts(const FactsOptions& options,
     int exitCode = exitWell;
     Json list = Json::array();
     for (const std::string& file : options.files) {
+        (void)takeComplaint(); // of the file before
         FileFacts facts = factsOf(file, *type);
+        if (facts.json.is_null() && facts.exitCode != exitWell)
+            facts.json = {{"file", toUtf8(file)}, {"error", toUtf8(takeComplaint())}};
         exitCode = std::max(exitCode, facts.exitCode);
         if (!options.json)
             print(facts.text);

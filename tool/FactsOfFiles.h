@@ -20,7 +20,8 @@ struct FactsOptions {
 
 void addFactsOptions(CLI::App& command, FactsOptions& options);
 
-/// What is printed of a file. A null `json` is left out of the list.
+/// What is printed of a file. Without `json`, one that failed is told in the list with what was
+/// complained of first; any other is left out.
 struct FileFacts {
     Json json;
     std::string text;

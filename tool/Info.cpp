@@ -160,10 +160,9 @@ std::string summary(const Json& all, int anchors) {
 }
 
 FileFacts infoOf(const std::string& file, int type, const InfoOptions& options) {
-    std::string reason;
-    const std::optional<Recording> recording = openRecording(file, type, &reason);
+    const std::optional<Recording> recording = openRecording(file, type);
     if (!recording)
-        return {{{"file", toUtf8(file)}, {"error", toUtf8(reason)}}, "", exitFailed};
+        return {nullptr, "", exitFailed};
     const int anchors = options.files.json ? std::numeric_limits<int>::max() : anchorsInText;
     FileFacts info{facts(*recording, options.showPatient, anchors), "", exitWell};
     if (!options.files.json)

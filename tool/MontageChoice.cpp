@@ -74,6 +74,12 @@ void moveRow(G1G2Source& row, int reference) {
 // temperature stay as they are, and so do the bipolar rows of a referential montage.
 bool applyReference(SourceMontage& montage, const std::string& reference,
                     const std::string& where) {
+    if (!montage.reader()->isMapReferential()) {
+        complain(where + ": --reference " + reference +
+                 ": the channels were recorded against different electrodes, so no reference can "
+                 "take the place of theirs");
+        return false;
+    }
     int id = -1;
     if (!montage.isValidReference(reference.c_str(), &id)) {
         complain(where + ": --reference " + reference + " is none here; it can be " +

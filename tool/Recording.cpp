@@ -133,14 +133,12 @@ std::vector<Warning> warningsOfRefusal(const std::string& path, int type) {
     return warnings;
 }
 
-std::optional<Recording> openRecording(const std::string& path, int type, std::string* reason) {
+std::optional<Recording> openRecording(const std::string& path, int type) {
     std::string error;
     Recording recording{path, openReader(path.c_str(), type, &error)};
     if (!recording.reader) {
         complain(error);
         say(warningsOfRefusal(path, type));
-        if (reason)
-            *reason = error;
         return std::nullopt;
     }
     say(warningsOf(recording.members()));

@@ -60,8 +60,7 @@ struct Warning {
 [[nodiscard]] std::vector<Warning> warningsOfRefusal(const std::string& path, int type);
 
 /// Opens a recording, says its warnings and complains when it does not open.
-[[nodiscard]] std::optional<Recording> openRecording(const std::string& path, int type,
-                                                     std::string* reason = nullptr);
+[[nodiscard]] std::optional<Recording> openRecording(const std::string& path, int type);
 
 /// The same for a command that needs the samples: a recording whose samples or times mean nothing
 /// is refused.

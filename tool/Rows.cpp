@@ -248,11 +248,35 @@ std::string Rows::mixFault(const std::vector<int>& channels) const {
     const auto named = [&](int channel) {
         return m_names.label(channel) + " (" + toUtf8(reader.channelUnits(channel)) + ")";
     };
+    const bool microvolts = reader.channelType(first) != otherUnitType;
+    const std::string units = reader.channelUnits(first);
     for (const int channel : channels)
         if (reader.channelType(channel) != reader.channelType(first) ||
-            physicalMapOf(reader, channel).gain != physicalMapOf(reader, first).gain)
+            physicalMapOf(reader, channel).gain != physicalMapOf(reader, first).gain ||
+            (!microvolts && viewOf(reader.channelUnits(channel)) != units))
             return named(channel) + " and " + named(first) +
                    " differ in units or scale and cannot be combined";
+    return {};
+}
+
+// Electrodes are compared by their channels, which holds when these have one reference: F3-A2 less
+// C4-A1 is not F3-C4. A channel that states none is taken to have the one that the scalp has.
+std::string Rows::referenceFault(const RowDefinition& definition) const {
+    IDataReader& reader = *m_recording->reader;
+    const int first = definition.parts.front().channel;
+    const std::string reference = reader.grid2(first);
+    const auto differs = [&](std::string_view other) {
+        const bool oneUnstated = reference.empty() || other.empty();
+        return !equalNoCase(reference, other) && !(oneUnstated && reader.isMapReferential());
+    };
+    const auto byElectrode = [this](const RowPart& part) { return m_names.isElectrode(part.name); };
+    if (std::none_of(definition.parts.begin(), definition.parts.end(), byElectrode))
+        return {};
+    for (const RowPart& part : definition.parts)
+        if (differs(viewOf(reader.grid2(part.channel))))
+            return m_names.label(first) + " and " + m_names.label(part.channel) +
+                   " were recorded against different electrodes; for the difference of channels "
+                   "name them in full or as #N";
     return {};
 }
 
@@ -268,7 +292,10 @@ Row Rows::derivedRow(const std::vector<int>& channels) const {
 
 bool Rows::append(std::unique_ptr<DataSource> source, const RowDefinition& definition) {
     const std::vector<int> channels = definition.channels();
-    if (const std::string fault = mixFault(channels); !fault.empty()) {
+    std::string fault = mixFault(channels);
+    if (fault.empty())
+        fault = referenceFault(definition);
+    if (!fault.empty()) {
         complain(m_recording->path + ": " + definition.text + ": " + fault);
         return false;
     }

@@ -65,6 +65,8 @@ class Rows final : public MontageContext {
     DataSource& keep(std::unique_ptr<DataSource> source);
     /// Why channels cannot stand in one derivation; empty when they can.
     [[nodiscard]] std::string mixFault(const std::vector<int>& channels) const;
+    /// Why electrodes cannot be told by these channels; empty when they can.
+    [[nodiscard]] std::string referenceFault(const RowDefinition& definition) const;
     /// A row of a derivation of these channels, without its source and name.
     [[nodiscard]] Row recordedRow(int channel) const;
     [[nodiscard]] Row derivedRow(const std::vector<int>& channels) const;

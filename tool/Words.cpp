@@ -4,11 +4,13 @@
 
 #include <cmath>
 #include <cstdio>
+#include <utility>
 
 namespace kvsig::tool {
 namespace {
 
 bool quietMode = false;
+std::string complaint;
 
 void say(const std::string& sentence) {
     const std::string line = "kvsig: " + printable(sentence) + "\n";
@@ -49,7 +51,13 @@ bool isUtf8(std::string_view text) {
 
 void setQuiet(bool quiet) { quietMode = quiet; }
 
-void complain(const std::string& sentence) { say(sentence); }
+void complain(const std::string& sentence) {
+    if (complaint.empty())
+        complaint = sentence;
+    say(sentence);
+}
+
+std::string takeComplaint() { return std::exchange(complaint, {}); }
 
 void remark(const std::string& sentence) {
     if (!quietMode)

@@ -10,6 +10,8 @@ namespace kvsig::tool {
 void complain(const std::string& sentence);
 /// The same for what the user should know and what stops nothing; silent after setQuiet(true).
 void remark(const std::string& sentence);
+/// The first sentence that complain() was given since this was called last; empty without one.
+[[nodiscard]] std::string takeComplaint();
 void setQuiet(bool quiet);
 
 /// Valid UTF-8: bytes that are not are taken as Latin-1, the whole text at once.

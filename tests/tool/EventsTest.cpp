@@ -37,6 +37,7 @@ TEST_F(Events, ListsWhatTheRecordingHolds) {
     EXPECT_EQ(text.exitCode, 0);
     EXPECT_THAT(text.out, HasSubstr("23:05:27.50     150         0.2         Flag"));
     EXPECT_THAT(text.out, HasSubstr("b.edf\nno events\n"));
+    EXPECT_EQ(text.err, "kvsig: b.edf: annotations of EDF+ and BDF+ are not decoded\n");
     EXPECT_EQ(command("plot a.trc -o a.svg").exitCode, 0);
 }
 

@@ -84,6 +84,34 @@ TEST_F(MontageCommand, ReferencesAreChangedButForBipolarRows) {
     EXPECT_EQ(Json::parse(again.out)["montage"]["reference"], "Cz");
 }
 
+// Channels that are pairs themselves: an electrode's own potential is in none of them.
+TEST_F(MontageCommand, RecordedPairsAreNotTakenForElectrodes) {
+    EdfFile file;
+    for (const char* label : {"EEG Fp1-F7", "EEG F7-T3", "EEG T3-T5", "EEG C3-T5"})
+        file.signal(label, 4);
+    for (const char* label : {"Temp", "Sat"})
+        file.signal(label, 4).units(label);
+    file.records(3).writeTo(dir.file("pairs.edf"));
+    const auto exported = [this](const std::string& channels) {
+        return command("export pairs.edf --to 0.25 --channels '" + channels + "'");
+    };
+    for (const char* electrodes : {"Fp1-T3", "Fp1-F7+T3", "F7+T3", "#0-T3"})
+        EXPECT_THAT(exported(electrodes).err, HasSubstr("recorded against different electrodes"))
+            << electrodes;
+    for (const char* sound : {"Fp1", "Fp1-F7,T3-C3", "#0-#1", "Fp1-F7-T3-T5"})
+        EXPECT_EQ(exported(sound).exitCode, 0) << sound;
+    EXPECT_THAT(exported("Temp-Sat").err, HasSubstr("Sat (Sat) and Temp (Temp) differ in units"));
+    for (const char* use : {"export", "plot -o p.svg", "montage --montage Recorded --json"}) {
+        const CommandResult moved = command(std::string(use) + " pairs.edf --reference F7");
+        EXPECT_EQ(moved.exitCode, 1) << use;
+        EXPECT_THAT(moved.err, HasSubstr("no reference can take the place of theirs")) << use;
+    }
+    const Json told =
+        Json::parse(command("montage gone.edf a.edf --json --montage Average --reference Q").out);
+    EXPECT_THAT(told[0]["error"].get<std::string>(), HasSubstr("no such file"));
+    EXPECT_THAT(told[1]["error"].get<std::string>(), HasSubstr("electrodes of all its rows"));
+}
+
 TEST_F(MontageCommand, SaysWhatIsLeftOutByItsKind) {
     EXPECT_THAT(
         withRows("Fp1=\nC3-C4=\nF3=\nP3+P4=\n|=\n-|1,2=\n", "montage").err,

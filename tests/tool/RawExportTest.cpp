@@ -90,6 +90,9 @@ TEST_F(RawExport, NeverReplacesWhatItReads) {
     }
     EXPECT_FALSE(fs::exists(dir.file("a.txt")));
     EXPECT_EQ(run("a.edf --format raw").exitCode, 2);
+    EXPECT_THAT(run("a.edf -o c.raw --to 0.5").err,
+                HasSubstr("2 samples; raw data needs at least 3"));
+    EXPECT_FALSE(fs::exists(dir.file("c.raw")));
     EXPECT_EQ(run("a.edf --values raw -o b.raw").exitCode, 2);
 }
 

@@ -85,6 +85,13 @@ std::string layoutPathFor(const std::string& dataPath) {
 }
 
 bool RawExport::writeData(const Selection& selection, Output& output, LongWork& work) {
+    constexpr long fewestSamples = 3; // of a recording that opens
+    if (selection.range.length() < fewestSamples) {
+        complain(selection.recording.path + ": the range has " +
+                 std::to_string(selection.range.length()) + " samples; raw data needs at least " +
+                 std::to_string(fewestSamples));
+        return false;
+    }
     if (!chooseRawScale(selection, m_filtered, work, m_scale))
         return false;
     FrameWriter frames(output, selection.rows.rows().size());
