@@ -165,6 +165,7 @@ std::int64_t EDF90Reader::chunkBytes() {
 void EDF90Reader::reportOddFields() {
     const edf::Opened opened{.file = m_edf->file,
                              .header = m_edf->header,
+                             .channels = m_edf->channels,
                              .samplingRate = samplingRate(),
                              .sampleBytes = storedSampleBytes(),
                              .frameBytes = chunkBytes()};

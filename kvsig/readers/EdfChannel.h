@@ -18,6 +18,7 @@ struct Channel {
     bool unknownMax = false;
     std::int32_t digitalMin = 0;
     std::int32_t digitalMax = 0;
+    bool oddLimits = false; ///< the text of one of the four is not a number and nothing else
 };
 
 [[nodiscard]] Channel channelOf(const Header& header, std::int64_t fileSignal);

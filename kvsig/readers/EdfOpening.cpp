@@ -32,7 +32,8 @@ void tellMore(Findings& findings, Severity severity, std::int64_t found, const c
 void findOddNumbers(const Header& header, Findings& findings) {
     const auto isRead = [](std::string_view text, std::int64_t taken) {
         double whole = 0.0;
-        return wholeDouble(text, whole) && whole == static_cast<double>(taken);
+        return (!text.empty() && std::all_of(text.begin(), text.end(), isDigit)) ||
+               (wholeDouble(text, whole) && whole == static_cast<double>(taken));
     };
     const auto tell = [&findings](const std::string& field, std::int64_t taken) {
         findings.push_back({Severity::warning, field + ", read as " + std::to_string(taken)});
@@ -51,21 +52,9 @@ void findOddNumbers(const Header& header, Findings& findings) {
     tellMore(findings, Severity::warning, odd, "are no numbers");
 }
 
-// Digits with perhaps a sign and a point, as nearly all are: told without reading the number.
-bool isPlainNumber(std::string_view text) {
-    std::size_t others = 0;
-    std::size_t points = 0;
-    for (const char c : text) {
-        others += isDigit(c) ? 0U : 1U;
-        points += c == '.' ? 1U : 0U;
-    }
-    const bool sign = !text.empty() && (text[0] == '-' || text[0] == '+');
-    return points <= 1 && others == points + (sign ? 1U : 0U) && others < text.size();
-}
-
 // "-3276,8" is read as -3276: every value has another scale then. "?" and the like are for
 // inspect().
-void findOddLimits(const Header& header, Findings& findings) {
+void findOddLimits(const Opened& opened, Findings& findings) {
     struct Limit {
         const char* name;
         SignalField field;
@@ -74,12 +63,16 @@ void findOddLimits(const Header& header, Findings& findings) {
                                 {"physical maximum", physicalMax},
                                 {"digital minimum", digitalMin},
                                 {"digital maximum", digitalMax}};
+    const Header& header = opened.header;
     std::int64_t odd = 0;
-    for (const std::int64_t signal : header.channels())
+    for (std::size_t i = 0; i < opened.channels.size(); ++i) {
+        if (!opened.channels[i].oddLimits)
+            continue;
+        const std::int64_t signal = header.channels()[i];
         for (const Limit& limit : limits) {
             const std::string_view text = header.view(limit.field, signal);
             double whole = 0.0;
-            if (isPlainNumber(text) || text.find_first_of("0123456789") == std::string_view::npos ||
+            if (text.find_first_of("0123456789") == std::string_view::npos ||
                 wholeDouble(text, whole) || ++odd > mostTold)
                 continue;
             findings.push_back(
@@ -88,6 +81,7 @@ void findOddLimits(const Header& header, Findings& findings) {
                            header.offsetOf(limit.field, signal), header.text(limit.field, signal)) +
                      ", read as " + shortestText(leadingDouble(text))});
         }
+    }
     tellMore(findings, Severity::warning, odd, "are no numbers", "limits");
 }
 
@@ -177,7 +171,7 @@ void findOddOnsets(const Opened& opened, Findings& findings) {
 std::vector<OpenFinding> openingFindings(const Opened& opened) {
     Findings findings;
     findOddNumbers(opened.header, findings);
-    findOddLimits(opened.header, findings);
+    findOddLimits(opened, findings);
     findOddStart(opened.header, findings);
     findOddTiming(opened, findings);
     findOddSizes(opened, findings);

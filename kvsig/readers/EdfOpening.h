@@ -1,10 +1,12 @@
 #pragma once
 
 #include "kvsig/kernel/OpenFinding.h"
+#include "kvsig/readers/EdfChannel.h"
 #include "kvsig/readers/EdfHeader.h"
 #include "kvsig/util/File.h"
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace kvsig::edf {
@@ -13,6 +15,7 @@ namespace kvsig::edf {
 struct Opened {
     const File& file;
     const Header& header;
+    std::span<const Channel> channels;
     double samplingRate = 0.0; ///< the common one, hertz
     int sampleBytes = 2;
     std::int64_t frameBytes = 0; ///< of a data record at the common rate

@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace kvsig {
@@ -16,15 +15,17 @@ namespace kvsig {
 class HeaderBlock {
   public:
     HeaderBlock() = default;
-    explicit HeaderBlock(std::vector<std::byte> bytes) : m_bytes(std::move(bytes)) {}
+    explicit HeaderBlock(std::vector<std::byte> bytes);
 
     /// Reads the first `length` bytes of the file, or as many as there are.
     static HeaderBlock readFrom(const File& file, std::int64_t length);
 
     [[nodiscard]] const std::vector<std::byte>& bytes() const { return m_bytes; }
+    [[nodiscard]] bool holdsNul() const { return m_holdsNul; }
 
   private:
     std::vector<std::byte> m_bytes;
+    bool m_holdsNul = false;
 };
 
 /// The text of a fixed-width field: `width` bytes at `offset`, up to the first NUL, without

@@ -3,8 +3,8 @@
 #include "kvsig/util/WideLoops.h"
 #include "support/FakeReader.h"
 
+#include <bit>
 #include <cstdint>
-#include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
 #include <vector>
@@ -32,7 +32,8 @@ int differences(double scale, const FloatScale& floats, const std::vector<std::i
     int different = 0;
     for (std::size_t i = 0; i < counts.size(); ++i) {
         const auto rounded = static_cast<float>(counts[i] * scale);
-        different += std::memcmp(&rounded, &values[i], sizeof rounded) != 0 ? 1 : 0;
+        different +=
+            std::bit_cast<std::uint32_t>(rounded) != std::bit_cast<std::uint32_t>(values[i]);
     }
     return different;
 }

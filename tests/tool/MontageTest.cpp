@@ -17,7 +17,7 @@ class MontageCommand : public CommandTest {
             file.signal(label, 4);
         file.signal("Temp", 4).units("DegC").physical("34", "40").records(3);
         file.samples([](int signal, std::int64_t i) { // in steps of 0.1 uV
-            return static_cast<std::int32_t>((signal + 1) * 100 + i);
+            return static_cast<std::int32_t>(signal * 100LL + 100 + i);
         });
         file.writeTo(dir.file("a.edf"));
         dir.write("own.ini", "[Own]\nF7-T3=second\nFp1-F7=first\nGap1=\nC3-C4=\nFp1+Cz=two\n"
