@@ -80,63 +80,56 @@ void append(std::vector<Run>& runs, const Block& block, const BlockLayout& layou
 
 std::string atOffset(std::int64_t offset) { return " at offset " + std::to_string(offset); }
 
-/// What stands behind a block of no frames.
-enum class Behind { samples, block, either };
-
-// A head there makes that block an empty one; else it is a sample of a recording that was never
-// closed. Samples may look like a head: flag, time and number of frames fit about one start in a
-// hundred thousand of recordings of a million frames, more often in longer ones and where the
-// signal is near zero. So the head is believed at once only when the number leads to a later head
-// or to the end of the file.
-Behind whatIsBehind(const Block& open, const Block& block, Heads& ahead, std::int64_t size,
-                    const BlockLayout& layout) {
-    constexpr std::int64_t cutOff = 16; // times the file, that the recording was longer
-    const auto follows = [&](const Block& next, const Block& earlier) {
-        return next.flag == soundFlag && next.stamp >= earlier.stamp;
-    };
-    if (!follows(block, open) ||
-        block.frames > cutOff * wholeFrames(layout.offset, size, layout.frameBytes()))
-        return Behind::samples;
-    const std::int64_t data = block.offset + layout.headBytes();
-    if (block.frames > wholeFrames(data, size, layout.frameBytes()))
-        return Behind::either;
-    const std::int64_t end = data + block.frames * layout.frameBytes();
-    const bool confirmed = size - end < layout.headBytes() || follows(ahead.at(end), block);
-    return confirmed ? Behind::block : Behind::either;
+// Samples may look like a head by chance; what a block of so many frames claims is none. A copy
+// that was cut has blocks longer than itself.
+bool isHead(const Block& block, std::int64_t framesOfFile) {
+    constexpr std::int64_t longBlock = std::int64_t{1} << 26; // 9 hours at 2000 Hz
+    constexpr std::int64_t cutOff = 16;                       // times the file
+    return block.flag == soundFlag && block.frames <= std::max(longBlock, cutOff * framesOfFile);
 }
 
 } // namespace
 
+// A block of no frames was never closed when what follows it can be no head: the rest is its
+// samples. It was empty when a block behind it proves to be one, since its frames lead to another
+// head or to the end, or when all heads can be walked to the end. Else the recording stops before
+// it. No time stamp takes part: clocks start anew.
 BlockScan scanBlocks(const HeaderFile& file, const BlockLayout& layout) {
     BlockScan scan;
-    Heads heads(file, layout), ahead(file, layout);
+    Heads heads(file, layout);
     const std::int64_t size = file.size();
-    std::optional<Block> open; // a block of no frames: empty, or never closed
+    const std::int64_t framesOfFile = wholeFrames(layout.offset, size, layout.frameBytes());
+    std::optional<Block> open; // a block of no frames of which it is not known yet
     std::size_t runsBeforeOpen = 0;
-    bool broken = false;
-    bool doubtful = false; // what is behind `open` may be blocks as well as samples
+    bool leads = false;  // the block before has frames, and they end here
+    bool broken = false; // the walk ended before the file
     for (std::int64_t offset = layout.offset;
          offset < size && scan.runs.size() <= mostBlockRuns && file.fault().empty();) {
         const std::int64_t data = offset + layout.headBytes();
+        Block block = heads.at(offset); // of one that is cut, what is there
+        const bool head = isHead(block, framesOfFile);
+        if (open && offset == open->offset + layout.headBytes() && !head) {
+            scan.oddities = {"the data block" + atOffset(open->offset) +
+                             " says 0 samples, as in a recording that was not closed: the rest of "
+                             "the file is taken for its samples"};
+            open->frames = wholeFrames(offset, size, layout.frameBytes());
+            append(scan.runs, *open, layout);
+            return scan;
+        }
+        if (leads && (head || data > size))
+            open.reset();
         if (data > size) {
             scan.oddities.push_back("its last " + std::to_string(size - offset) +
                                     " bytes are no whole data block");
             broken = true;
             break;
         }
-        Block block = heads.at(offset);
         if (block.flag != soundFlag) {
             scan.oddities.push_back(std::string(blockFlag.name) + " (offset " +
                                     std::to_string(offset) + ") is " + std::to_string(block.flag) +
                                     ", not 1: what follows is left out");
             broken = true;
             break;
-        }
-        if (open && offset == open->offset + layout.headBytes()) {
-            const Behind behind = whatIsBehind(*open, block, ahead, size, layout);
-            doubtful = behind == Behind::either;
-            if (behind == Behind::block)
-                open.reset();
         }
         const std::int64_t whole = wholeFrames(data, size, layout.frameBytes());
         if (block.frames > whole) {
@@ -149,35 +142,20 @@ BlockScan scanBlocks(const HeaderFile& file, const BlockLayout& layout) {
             break;
         }
         offset = data + block.frames * layout.frameBytes();
+        leads = block.frames > 0;
         if (block.frames == 0 && !open) {
             open = block;
             runsBeforeOpen = scan.runs.size();
         }
         append(scan.runs, block, layout);
     }
-    if (!open)
-        return scan;
-    // A recording that was never closed has no count in its last block. When blocks can be walked
-    // from there to the very end of the file, it was an empty one.
-    const std::int64_t data = open->offset + layout.headBytes();
-    if (scan.runs.size() > mostBlockRuns)
-        return scan;
-    const bool empty = !broken && scan.runs.size() > runsBeforeOpen;
-    if (empty || data == size)
-        return scan;
-    scan.runs.resize(runsBeforeOpen);
-    if (doubtful) {
+    if (open && broken) {
+        scan.runs.resize(runsBeforeOpen);
         scan.oddities = {"the data block" + atOffset(open->offset) +
                          " says 0 samples, and what follows it may be another block or, of a "
                          "recording that was not closed, its samples: the recording is shown up "
                          "to there"};
-        return scan;
     }
-    scan.oddities = {"the data block" + atOffset(open->offset) +
-                     " says 0 samples, as in a recording that was not closed: the rest of the file "
-                     "is taken for its samples"};
-    open->frames = wholeFrames(data, size, layout.frameBytes());
-    append(scan.runs, *open, layout);
     return scan;
 }
 

@@ -1,6 +1,7 @@
 #include "kvsig/readers/CyberkineticsReader.h"
 
 #include "kvsig/readers/BlackrockBlocks.h"
+#include "kvsig/readers/BlackrockClock.h"
 #include "kvsig/readers/BlackrockEvents.h"
 #include "kvsig/readers/BlackrockLayout.h"
 #include "kvsig/readers/FlatRecording.h"
@@ -23,44 +24,11 @@ namespace {
 using namespace blackrock;
 using Severity = OpenFinding::Severity;
 
-// NEURALSG.
-namespace bare {
-constexpr NumberField<std::uint32_t> period{"sampling period", 24};
-constexpr NumberField<std::uint32_t> channelCount{"number of channels", 28};
-constexpr std::int64_t fixedBytes = 32;
-// One for each channel behind them.
-constexpr NumberField<std::uint32_t> electrode{"electrode id", 0};
-constexpr std::int64_t channelBytes = 4;
-} // namespace bare
-
-// NEURALCD and BRSMPGRP.
-namespace full {
-constexpr NumberField<std::uint8_t> major{"major version", 8};
-constexpr NumberField<std::uint8_t> minor{"minor version", 9};
-constexpr NumberField<std::uint32_t> headerBytes{"number of header bytes", 10};
-constexpr TextField comment{"comment", 30, 256};
-constexpr NumberField<std::uint32_t> period{"sampling period", 286};
-constexpr NumberField<std::uint32_t> ticks{"clock ticks per second", 290};
-constexpr std::int64_t startOffset = 294;
-constexpr NumberField<std::uint32_t> channelCount{"number of channels", 310};
-constexpr std::int64_t fixedBytes = 314;
-constexpr std::int64_t channelBytes = 66;
-// Inside a channel's record.
-constexpr TextField mark{"mark of a channel", 0, 2};
-constexpr NumberField<std::uint16_t> electrode{"electrode id", 2};
-constexpr TextField name{"name", 4, 16};
-constexpr NumberField<std::int16_t> digitalLow{"least digital value", 22};
-constexpr NumberField<std::int16_t> digitalHigh{"greatest digital value", 24};
-constexpr NumberField<std::int16_t> analogueLow{"least analogue value", 26};
-constexpr NumberField<std::int16_t> analogueHigh{"greatest analogue value", 28};
-constexpr TextField units{"unit", 30, 16};
-} // namespace full
-
-constexpr double samplesPerSecond = 30000.0;          // of which the period takes every so many
+constexpr double samplesPerSecond = 30000.0; // of which the period takes every so many
+constexpr std::uint32_t usualTicks = 30000;
 constexpr std::uint32_t networkTicks = 1'000'000'000; // of a clock that stamps every sample
 constexpr std::int64_t sampleBytes = 2;
 constexpr double bareMicrovoltsPerBit = 0.25;
-constexpr double secondsPerYear = 31557600.0;
 
 std::string idOf(const char* path) {
     File file;
@@ -109,7 +77,7 @@ FlatChannel channelAt(std::int64_t index, std::string name, std::uint32_t electr
 struct CyberkineticsReader::State {
     std::string eventFile;             ///< path of the .nev
     std::optional<EventHeader> events; ///< when the .nev belongs to the recording
-    double clockOrigin = 0.0; ///< seconds by the recorder's clock at the start of the recording
+    std::vector<ClockPart> clock = {ClockPart()};
 };
 
 CyberkineticsReader::CyberkineticsReader() : m_state(std::make_unique<State>()) {}
@@ -259,7 +227,9 @@ bool CyberkineticsReader::findBlocks(const HeaderBlock& head, FlatRecording& rec
     const double ticks = valueOf(head, full::ticks);
     BlockLayout layout{valueOf(head, full::headerBytes), valueOf(head, fileId) == wideId,
                        static_cast<std::int64_t>(recording.channels.size()), 0};
-    if (layout.wideStamps && valueOf(head, full::ticks) == networkTicks)
+    // Such a clock is the network's, not the samples'.
+    recording.clockDrifts = layout.wideStamps && valueOf(head, full::ticks) == networkTicks;
+    if (recording.clockDrifts)
         layout.longestStep = static_cast<std::uint64_t>(2.0 * ticks / recording.rate);
     const BlockScan scan = scanBlocks(recording.samples, layout);
     if (scan.runs.size() > mostBlockRuns)
@@ -283,34 +253,38 @@ bool CyberkineticsReader::findBlocks(const HeaderBlock& head, FlatRecording& rec
     if (strided)
         for (FlatChannel& channel : recording.channels)
             channel.place += layout.headBytes();
-    if (!scan.runs.empty())
-        if (const double first = static_cast<double>(scan.runs.front().stamp) / ticks;
-            first > secondsPerYear) {
-            m_state->clockOrigin = first;
-            report(Severity::warning, "its first time stamp lies " + fixedText(first, 0) +
-                                          " s behind the start in the header: the clock is taken "
-                                          "to begin with the first sample");
+    const double start = recording.start.secondOfDay();
+    m_state->clock = clockParts(scan.runs, ticks, recording.rate);
+    auto run = scan.runs.begin();
+    for (const ClockPart& part : m_state->clock)
+        for (std::size_t i = 0; i < part.runs; ++i, ++run) {
+            track.pieces.push_back({run->offset + (strided ? 0 : layout.headBytes()), run->frames});
+            recording.segments.push_back(
+                {run->frames, start + (static_cast<double>(run->stamp) / ticks + part.shift)});
         }
-    for (const Run& run : scan.runs) {
-        const std::int64_t offset = run.offset + (strided ? 0 : layout.headBytes());
-        track.pieces.push_back({offset, run.frames});
-        recording.segments.push_back(
-            {run.frames, recording.start.secondOfDay() +
-                             (static_cast<double>(run.stamp) / ticks - m_state->clockOrigin)});
-    }
     recording.tracks.push_back(std::move(track));
-
-    // Of two linked amplifiers the clock starts anew when they have found each other; what they
-    // recorded before then is placed directly before it. Nothing is left out or sorted.
-    auto& segments = recording.segments;
-    for (std::size_t i = segments.size(); i-- > 1;)
-        if (segments[i].start < segments[i - 1].start) {
-            report(Severity::warning, "the time stamp of data block " + std::to_string(i + 1) +
-                                          " is lower than the one before: the clock started anew");
-            segments[i - 1].start =
-                segments[i].start - static_cast<double>(segments[i - 1].count) / recording.rate;
-        }
+    reportClock(valueOf(head, full::ticks), layout.wideStamps, recording.rate);
     return true;
+}
+
+void CyberkineticsReader::reportClock(std::uint32_t ticks, bool wideStamps, double rate) {
+    const auto& parts = m_state->clock;
+    if (ticks != usualTicks && !(wideStamps && ticks == networkTicks))
+        report(Severity::warning,
+               std::string(full::ticks.name) + " (offset " + std::to_string(full::ticks.offset) +
+                   ") is " + std::to_string(ticks) + ", not " + std::to_string(usualTicks) +
+                   ": the rate of " + shortestText(rate) + " Hz is doubtful");
+    if (parts.size() > 1)
+        report(Severity::warning,
+               "the time stamp of the data block at offset " + std::to_string(parts[1].offset) +
+                   " is lower than the one before: the clock started anew" +
+                   (parts.size() > 2
+                        ? ", and so it did " + std::to_string(parts.size() - 2) + " times more"
+                        : ""));
+    if (parts.back().shift != 0.0)
+        report(Severity::warning, "its first time stamp lies " + fixedText(parts.back().begin, 0) +
+                                      " s behind the start in the header: the clock is taken to "
+                                      "begin with that sample");
 }
 
 // The .nev of the same name, when it is one and belongs to the recording: their starts differ at
@@ -349,15 +323,40 @@ bool CyberkineticsReader::findCompanion(const FlatRecording& recording, bool isN
     return true;
 }
 
+// A time may have come again where the clock started anew: it stands where it was recorded, and of
+// several such places at the last. Nothing where it never came.
+std::optional<std::int64_t> CyberkineticsReader::placeOf(double seconds, bool& isSure) const {
+    const double start = recording().start.secondOfDay(), sampleSeconds = 1.0 / recording().rate;
+    std::optional<std::int64_t> recorded, paused;
+    std::size_t recordings = 0, pauses = 0;
+    for (const double time : timesOf(seconds, m_state->clock, sampleSeconds / 2)) {
+        const auto sample = sampleAt(start + time);
+        if (!sample)
+            continue;
+        const bool isPause = clockAt(*sample) - (start + time) > sampleSeconds;
+        auto& place = isPause ? paused : recorded;
+        place = place ? place : sample;
+        ++(isPause ? pauses : recordings);
+    }
+    isSure = m_state->clock.size() <= mostPartsOfEvents &&
+             (recordings > 0 ? recordings == 1 : pauses <= 1);
+    return recorded ? recorded : paused;
+}
+
 void CyberkineticsReader::listEvents(std::vector<FlatEvent>& events) {
     if (!m_state->events)
         return;
     HeaderFile file;
     std::string reason;
-    const double start = recording().start.secondOfDay();
+    std::vector<std::string> oddities;
+    std::size_t outside = 0, unsure = 0;
     if (file.open(m_state->eventFile.c_str(), &reason)) {
         forEachEvent(file, *m_state->events, [&](double seconds, const std::string& text) {
-            if (const auto sample = sampleAt(start + (seconds - m_state->clockOrigin)))
+            bool isSure = true;
+            const auto sample = placeOf(seconds, isSure);
+            unsure += isSure ? 0U : 1U;
+            outside += sample ? 0U : 1U;
+            if (sample)
                 events.push_back({*sample, text, {}, 0.0});
             return events.size() < mostEvents;
         });
@@ -370,7 +369,18 @@ void CyberkineticsReader::listEvents(std::vector<FlatEvent>& events) {
             reason = file.fault();
     }
     if (!reason.empty())
-        logMessage(logWarning, m_state->eventFile + ": events are left out: " + reason);
+        oddities.push_back("events are left out: " + reason);
+    if (outside > 0)
+        oddities.push_back(events.empty() ? "all its events (" + std::to_string(outside) +
+                                                ") lie outside the recording: it may be of another"
+                                          : "events outside the recording are left out (" +
+                                                std::to_string(outside) + ")");
+    if (unsure > 0)
+        oddities.push_back("the clock started anew: events may belong to an earlier time that it "
+                           "showed as well (" +
+                           std::to_string(unsure) + ")");
+    for (const std::string& oddity : oddities)
+        logMessage(logWarning, std::string(m_state->eventFile).append(": ").append(oddity));
 }
 
 } // namespace kvsig

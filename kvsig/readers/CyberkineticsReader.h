@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 namespace kvsig {
 
@@ -32,6 +33,8 @@ class KVSIG_API CyberkineticsReader : public FlatReader {
     bool describeBlocks(const HeaderBlock& head, FlatRecording& recording);
     bool findBlocks(const HeaderBlock& head, FlatRecording& recording);
     bool findCompanion(const FlatRecording& recording, bool isNeeded);
+    void reportClock(std::uint32_t ticks, bool wideStamps, double rate);
+    std::optional<std::int64_t> placeOf(double seconds, bool& isSure) const;
 
     std::unique_ptr<State> m_state; ///< of the latest describe()
 };

@@ -5,6 +5,7 @@
 #include "kvsig/kernel/SampleTime.h"
 #include "kvsig/readers/FlatRecording.h"
 #include "kvsig/readers/FlatSamples.h"
+#include "kvsig/readers/SegmentClock.h"
 #include "kvsig/util/Limits.h"
 #include "kvsig/util/LogSink.h"
 #include "kvsig/util/NumberText.h"
@@ -24,9 +25,7 @@ namespace {
 using Severity = OpenFinding::Severity;
 
 constexpr double usualPageSeconds = 5; // what open() asks for
-constexpr double driftSeconds = 0.1;   // between two clocks, and what it grows by in a second:
-constexpr double driftRate = 1e-4;
-constexpr std::size_t mostSetBack = 64; // a clock that was set back more often is none
+constexpr double writtenStep = 0.001;  // anchors have three decimals in attribute files
 constexpr std::int64_t mostSamples = std::numeric_limits<std::int32_t>::max();
 
 // The start of a text; a character of UTF-8 that would be cut in two is left out.
@@ -40,13 +39,27 @@ std::string fittingPart(const std::string& text, std::size_t most) {
     return text.substr(0, end);
 }
 
+/// The first of many alike, in words.
+struct FirstOfMany {
+    std::size_t count = 0;
+    std::string first;
+
+    template <typename Words>
+    void add(Words words) {
+        if (count++ == 0)
+            first = words();
+    }
+    [[nodiscard]] std::string text() const {
+        return count > 1 ? first + ", and so do " + std::to_string(count - 1) + " more" : first;
+    }
+};
+
 } // namespace
 
 struct FlatReader::State {
     FlatRecording recording;
     FlatSamples samples;
-    std::vector<double> latestStarts; ///< by segment: its start, or an earlier one that is later
-    std::vector<std::size_t> setBack; ///< segments that begin before an earlier one; the first few
+    SegmentClock clock;
     bool ownAnchors = false;
 
     [[nodiscard]] std::int64_t shown() const { return std::min(samples.count(), mostSamples); }
@@ -88,13 +101,10 @@ bool FlatReader::accept() {
                              " channels, 1 to " + std::to_string(mostChannels) + " can be read");
     if (const std::string fault = m_flat->samples.prepare(recording); !fault.empty())
         return refuse(2, fault);
-    for (const FlatSegment& segment : recording.segments) {
-        const double before =
-            m_flat->latestStarts.empty() ? segment.start : m_flat->latestStarts.back();
-        if (segment.start < before && m_flat->setBack.size() < mostSetBack)
-            m_flat->setBack.push_back(m_flat->latestStarts.size());
-        m_flat->latestStarts.push_back(std::max(before, segment.start));
-    }
+    for (const FlatSegment& segment : recording.segments)
+        if (!std::isfinite(segment.start))
+            return refuse(2, "a segment begins at " + shortestText(segment.start) + " s");
+    m_flat->clock = SegmentClock(recording);
     // A channel without a name is called by its number.
     for (std::size_t c = 0; c < recording.channels.size(); ++c)
         if (recording.channels[c].grid1.empty())
@@ -148,44 +158,48 @@ bool FlatReader::readSampleInfo() {
 // The time base takes a clock that runs backwards for a passed midnight; here days are counted, so
 // it is the recorder's clock that was set back.
 void FlatReader::addAnchors() {
-    const auto& segments = m_flat->recording.segments;
-    double before = 0.0;                                   // seconds of the segment that ends last
-    double end = -std::numeric_limits<double>::infinity(); // of the clock, as it is shown
-    std::size_t overlaps = 0;
-    std::string firstOverlap;
+    constexpr double never = -std::numeric_limits<double>::infinity();
+    const FlatRecording& recording = m_flat->recording;
+    const auto& segments = recording.segments;
+    double latest = never; // start
+    double before = 0.0;   // seconds of the segment that ends last
+    double end = never;    // of the clock, as it is shown
+    FirstOfMany setBack, overlaps;
     m_flat->ownAnchors = true;
     for (std::size_t i = 0; i < segments.size(); ++i) {
-        const double seconds = static_cast<double>(segments[i].count) / m_flat->recording.rate;
-        if (segments[i].start < m_flat->latestStarts[i]) {
-            report(Severity::warning,
-                   "segment " + std::to_string(i + 1) + " of " + std::to_string(segments.size()) +
-                       " begins " + shortestText(m_flat->latestStarts[i] - segments[i].start) +
-                       " s before an earlier one: its samples are shown as if there were no pause");
+        if (segments[i].count < 1 || m_flat->samples.segmentStarts()[i] > mostSamples)
+            continue;
+        const double start = segments[i].start;
+        const double seconds = static_cast<double>(segments[i].count) / recording.rate;
+        const auto begins = [&](const std::string& early) {
+            return "segment " + std::to_string(i + 1) + " of " + std::to_string(segments.size()) +
+                   " begins " + early;
+        };
+        if (start < latest) {
+            setBack.add(
+                [&] { return begins(shortestText(latest - start) + " s before an earlier one"); });
             end += seconds;
             continue;
         }
-        if (segments[i].count < 1 || m_flat->samples.segmentStarts()[i] > mostSamples)
-            continue;
-        const double near = m_flat->recording.clockStep + driftSeconds + driftRate * before;
-        if (segments[i].start < end - near && overlaps++ == 0)
-            firstOverlap = "segment " + std::to_string(i + 1) + " of " +
-                           std::to_string(segments.size()) + " begins " +
-                           fixedText(end - segments[i].start, 3) +
-                           " s before what is before it ends";
-        if (segments[i].start + seconds >= end) {
-            end = segments[i].start + seconds;
+        latest = start;
+        if (start < end - recording.clockTolerance(before))
+            overlaps.add([&] {
+                return begins(fixedText(end - start, 3) + " s before what is before it ends");
+            });
+        if (start + seconds >= end) {
+            end = start + seconds;
             before = seconds;
         }
         SampleTime anchor;
         anchor.sample = saturate<std::int32_t>(m_flat->samples.segmentStarts()[i]);
-        anchor.time = segments[i].start;
+        anchor.time = start;
         addSampleTime(anchor);
     }
-    if (overlaps > 0)
+    if (setBack.count > 0)
         report(Severity::warning,
-               firstOverlap +
-                   (overlaps > 1 ? ", and so do " + std::to_string(overlaps - 1) + " more" : "") +
-                   ": clock times there stand twice");
+               setBack.text() + ": samples there are shown as if there were no pause");
+    if (overlaps.count > 0)
+        report(Severity::warning, overlaps.text() + ": clock times there stand twice");
 }
 
 bool FlatReader::getPatientRec() {
@@ -209,9 +223,12 @@ int FlatReader::readEvents(std::deque<ClientEvent>& events) {
         logMessage(logWarning, filePath() + ": it has more than " + std::to_string(mostEvents) +
                                    " events, the rest is left out");
     const std::int64_t end = m_flat->shown();
-    std::erase_if(listed, [end](const FlatEvent& event) {
+    const std::size_t outside = std::erase_if(listed, [end](const FlatEvent& event) {
         return event.sample < 0 || event.sample > end || end == 0;
     });
+    if (outside > 0)
+        logMessage(logWarning, filePath() + ": events outside the recording are left out (" +
+                                   std::to_string(outside) + ")");
     std::stable_sort(listed.begin(), listed.end(),
                      [](const FlatEvent& a, const FlatEvent& b) { return a.sample < b.sample; });
     for (const FlatEvent& event : listed) {
@@ -224,33 +241,10 @@ int FlatReader::readEvents(std::deque<ClientEvent>& events) {
     return saturate<int>(listed.size());
 }
 
-// Where a clock was set back, what the segment in its turn does not hold may stand in another one.
 std::optional<std::int64_t> FlatReader::sampleAt(double clock) const {
-    const auto& segments = m_flat->recording.segments;
-    const auto& latest = m_flat->latestStarts;
-    if (segments.empty())
-        return std::nullopt;
-    const auto within = [&](std::size_t i) {
-        return saturate<std::int64_t>(
-            std::round((clock - segments[i].start) * m_flat->recording.rate));
-    };
-    const auto holds = [&](std::size_t i) {
-        return within(i) >= 0 && within(i) <= segments[i].count;
-    };
-    const auto next = std::upper_bound(latest.begin(), latest.end(), clock) - latest.begin();
-    auto index = static_cast<std::size_t>(next > 0 ? next - 1 : 0);
-    if (!holds(index) && !m_flat->setBack.empty()) {
-        const auto turn = std::lower_bound(latest.begin(), latest.end(), latest[index]);
-        const auto found = std::find_if(m_flat->setBack.begin(), m_flat->setBack.end(), holds);
-        if (const auto i = static_cast<std::size_t>(turn - latest.begin()); holds(i))
-            index = i;
-        else if (found != m_flat->setBack.end())
-            index = *found;
-    }
-    // A clock is rounded: up to half a sample before the start it is the first one.
-    if (within(index) < 0 || (index + 1 == segments.size() && !holds(index)))
-        return std::nullopt;
-    return m_flat->samples.segmentStarts()[index] + std::min(within(index), segments[index].count);
+    const auto place = m_flat->clock.placeOf(m_flat->recording, clock);
+    return place ? std::optional(m_flat->samples.segmentStarts()[place->segment] + place->sample)
+                 : std::nullopt;
 }
 
 double FlatReader::clockAt(std::int64_t sample) const {
@@ -261,6 +255,10 @@ double FlatReader::clockAt(std::int64_t sample) const {
     const auto index = static_cast<std::size_t>(next > 0 ? next - 1 : 0);
     return m_flat->recording.segments[index].start +
            static_cast<double>(sample - starts[index]) / m_flat->recording.rate;
+}
+
+double FlatReader::clockTolerance(double seconds) const {
+    return m_flat->recording.clockTolerance(seconds) + (m_flat->ownAnchors ? 0.0 : writtenStep);
 }
 
 int FlatReader::bytesPerSample() { return m_flat->samples.narrow() ? 2 : 4; }

@@ -38,6 +38,10 @@ class KVSIG_API FlatReader : public DataReader {
     int chunkPts() override;
     int getSampleChunk(long firstSample, short* buffer) override;
     double storedSamplingRate(int channel) override;
+    /// Seconds by which the clock time of an anchor may differ from what is due, behind `seconds`
+    /// since the anchor before, though there is no pause: what the steps of the recorder's clock
+    /// and its drift against the samples explain. Half a sample when samples are what it counts.
+    [[nodiscard]] double clockTolerance(double seconds) const;
 
   protected:
     /// Parses the file at filePath() and fills `recording`. On failure calls refuse() and returns
@@ -49,9 +53,10 @@ class KVSIG_API FlatReader : public DataReader {
 
     /// The description that the last describe() gave; empty when it failed.
     [[nodiscard]] const FlatRecording& recording() const;
-    /// The sample nearest to a clock time (seconds since midnight of the recording's first day): in
-    /// a pause the next segment's first one; nothing before and behind the recording by half a
-    /// sample or more.
+    /// The sample nearest to a clock time (seconds since midnight of the recording's first day). Of
+    /// several segments that hold the time it is that of the one that began last; in a pause it is
+    /// the first one of the segment that begins next; nothing outside the recording by half a sample
+    /// or more.
     [[nodiscard]] std::optional<std::int64_t> sampleAt(double clock) const;
     /// The clock time of a sample as its own segment counts it; not bounded by the recording.
     [[nodiscard]] double clockAt(std::int64_t sample) const;

@@ -11,6 +11,8 @@ namespace {
 
 constexpr short microvoltType = 1;
 constexpr short otherUnitType = 100;
+constexpr double driftSeconds = 0.1; // between two clocks, and what it grows by in a second:
+constexpr double driftRate = 1e-4;
 
 // The micro sign as Latin-1, as UTF-8, or written "u".
 bool isMicrovolt(const std::string& units) {
@@ -31,6 +33,11 @@ std::int64_t FlatTrack::count() const {
     for (const FlatPiece& piece : pieces)
         sum += piece.count;
     return sum;
+}
+
+double FlatRecording::clockTolerance(double seconds) const {
+    const double drift = clockDrifts ? driftSeconds + driftRate * seconds : 0.0;
+    return clockStep + (rate > 0 ? 0.5 / rate : 0.0) + drift;
 }
 
 void calibrate(FlatChannel& channel, const FlatScale& scale) {

@@ -87,8 +87,14 @@ struct FlatRecording {
     std::vector<FlatChannel> channels;
     std::vector<FlatSegment> segments;
     double clockStep = 0.0; ///< seconds, in which the starts of segments are counted
-    CalendarTime start;     ///< of the recording, for the patient record
+    /// Starts are by another clock than the one that samples are taken by: the two drift apart.
+    bool clockDrifts = false;
+    CalendarTime start; ///< of the recording, for the patient record
     PatientRec patient{};
+
+    /// Seconds by which a segment's start may be off from the end of what was recorded before it,
+    /// `seconds` long, when nothing lies between the two.
+    [[nodiscard]] double clockTolerance(double seconds) const;
 };
 
 /// What happened at a sample.

@@ -1,5 +1,6 @@
 #include "kvsig/readers/MicromedReader.h"
 
+#include "kvsig/readers/ClockEvents.h"
 #include "kvsig/readers/FlatRecording.h"
 #include "kvsig/readers/MicromedEvents.h"
 #include "kvsig/readers/MicromedHeader.h"
@@ -361,21 +362,17 @@ void MicromedReader::listEvents(std::vector<FlatEvent>& events) {
     std::vector<std::string> oddities;
     const CalendarTime& start = recording().start;
     const std::vector<ClockEvent> listed = readEventFile(path.c_str(), oddities);
-    std::size_t outside = 0;
+    ClockEvents placed(events);
     for (const ClockEvent& event : listed) {
         const double begin = event.begin.secondsFromDayOf(start);
         const double length = event.end.hasTime() ? event.end.secondsFromDayOf(start) - begin : 0.0;
-        if (const auto sample = sampleAt(begin))
-            events.push_back({*sample, event.text, {}, std::max(length, 0.0)});
-        else
-            ++outside;
+        placed.add(sampleAt(begin), {0, event.text, {}, std::max(length, 0.0)});
     }
-    if (outside > 0)
-        oddities.push_back(outside == listed.size()
-                               ? "all its events (" + std::to_string(outside) +
-                                     ") lie outside the recording: it may be of another"
-                               : "events outside the recording are left out (" +
-                                     std::to_string(outside) + ")");
+    if (!start.hasDate() && placed.listed() > 0)
+        oddities.emplace_back("the recording has no date: events are placed by the time of day "
+                              "alone, whatever their day");
+    if (const std::string outside = placed.outside(": it may be of another"); !outside.empty())
+        oddities.push_back(outside);
     for (const std::string& oddity : oddities)
         logMessage(logWarning, std::string(path).append(": ").append(oddity));
 }

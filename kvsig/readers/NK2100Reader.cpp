@@ -270,6 +270,7 @@ void NK2100Reader::setStart(const HeaderBlock& head, FlatRecording& recording) {
                    " s after the start in the header (offset 64)");
     }
     recording.clockStep = 1.0;
+    recording.clockDrifts = true;
     double next = start.secondOfDay();
     for (std::size_t i = 0; i < recording.segments.size(); ++i) {
         FlatSegment& segment = recording.segments[i];

@@ -1,5 +1,6 @@
 #include "kvsig/readers/NervusReader.h"
 
+#include "kvsig/readers/ClockEvents.h"
 #include "kvsig/readers/FlatRecording.h"
 #include "kvsig/readers/NervusChannels.h"
 #include "kvsig/readers/NervusContainer.h"
@@ -95,6 +96,7 @@ bool NervusReader::describeSegments(FlatRecording& recording) {
         report(Severity::warning, "the last " + std::to_string(rest) +
                                       " bytes of its section of segments are no whole segment");
     const HeaderBlock block = section.read(recording.samples, 0, count * nervus::segment::bytes);
+    recording.clockDrifts = true;
     double next = 0.0;
     std::int64_t dateless = 0;
     for (std::int64_t i = 0; i < count; ++i) {
@@ -250,20 +252,27 @@ bool NervusReader::countSamples(FlatRecording& recording) {
 
 void NervusReader::listEvents(std::vector<FlatEvent>& events) {
     const FlatRecording& made = recording();
-    if (!made.start.hasDate())
-        return;
+    ClockEvents dated(events);
+    std::size_t dateless = 0;
     const auto take = [&](const nervus::Happening& happening) {
         const CalendarTime moment = nervus::momentOf(happening.days);
-        if (!moment.hasDate() || !std::isfinite(happening.extraSeconds))
-            return true;
-        const double clock = moment.secondsFromDayOf(made.start) + happening.extraSeconds;
-        if (const auto sample = sampleAt(clock))
-            events.push_back({*sample, happening.text, {}, happening.duration});
+        if (made.start.hasDate() && moment.hasDate() && std::isfinite(happening.extraSeconds))
+            dated.add(sampleAt(moment.secondsFromDayOf(made.start) + happening.extraSeconds),
+                      {0, happening.text, {}, happening.duration});
+        else
+            ++dateless;
         return events.size() < mostEvents;
     };
-    if (const std::string lost = nervus::forEachEvent(made.samples, m_state->container, take);
-        !lost.empty())
-        logMessage(logWarning, filePath() + ": " + lost);
+    const std::string ended = nervus::forEachEvent(made.samples, m_state->container, take);
+    const std::string number = "(" + std::to_string(dateless) + ")";
+    for (const std::string& lost :
+         {ended, dated.outside(),
+          dateless == 0 ? std::string()
+          : made.start.hasDate()
+              ? "events without a date are left out " + number
+              : "its first segment has no date: all its events " + number + " are left out"})
+        if (!lost.empty())
+            logMessage(logWarning, filePath() + ": " + lost);
 }
 
 } // namespace kvsig

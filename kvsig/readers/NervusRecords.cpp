@@ -52,14 +52,18 @@ std::string joined(const std::string& name, const std::string& text) {
     return text.empty() ? name : name.empty() ? text : name + ": " + text;
 }
 
-std::string textOf(const HeaderBlock& packet) {
+// Of other types than annotations what stands in the text's place need not be one: it must fit.
+std::string textOf(const HeaderBlock& packet, std::int64_t length) {
     const std::uint64_t said = valueOf(packet, event::textLength);
+    const std::string type = guidAt(packet, event::type);
+    const bool isAnnotation = type == annotationType;
+    const bool fits = std::cmp_less_equal(said, (length - event::text) / 2);
     const std::int64_t units =
         std::cmp_less(said, longestEventText) ? static_cast<std::int64_t>(said) : longestEventText;
-    const std::string text = valueOf(packet, WideField{event::text, units});
+    const std::string text =
+        isAnnotation || fits ? valueOf(packet, WideField{event::text, units}) : std::string();
     const std::string label = valueOf(packet, event::label);
-    const std::string type = guidAt(packet, event::type);
-    if (type == annotationType)
+    if (isAnnotation)
         return !text.empty() ? text : !label.empty() ? label : "Annotation";
     for (const TypeName& known : typeNames)
         if (type == known.guid)
@@ -147,7 +151,7 @@ std::string forEachEvent(const HeaderFile& file, const Container& container,
         if (length < event::leastBytes)
             continue;
         Happening happening{valueOf(packet, event::date), valueOf(packet, event::extraSeconds),
-                            valueOf(packet, event::duration), textOf(packet)};
+                            valueOf(packet, event::duration), textOf(packet, length)};
         if (!(happening.duration > 0.0) || !std::isfinite(happening.duration))
             happening.duration = 0.0;
         if (!take(happening))

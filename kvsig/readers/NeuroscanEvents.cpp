@@ -94,6 +94,11 @@ EventTable readTable(const HeaderFile& file, const TablePlace& place) {
     if (said > room)
         table.oddities.push_back(sentenceOf(head, tableBytes, 0, place.offset) + ", " +
                                  std::to_string(room) + " are left in the file");
+    else if (said % recordBytes != 0)
+        table.oddities.push_back(sentenceOf(head, tableBytes, 0, place.offset) +
+                                 ", no whole number of records of " + std::to_string(recordBytes) +
+                                 ": the last " + std::to_string(said % recordBytes) +
+                                 " are left out");
     const std::int64_t count = std::min(said, room) / recordBytes;
     constexpr std::int64_t batch = 1 << 14;
     std::int64_t pauses = 0, firstPause = 0;

@@ -3,6 +3,7 @@
 #include "kvsig/readers/FlatRecording.h"
 #include "kvsig/readers/NeuroscanEvents.h"
 #include "kvsig/readers/NeuroscanHeader.h"
+#include "kvsig/util/Limits.h"
 #include "kvsig/util/NeighbourFile.h"
 #include "kvsig/util/NumberText.h"
 #include "kvsig/util/Text.h"
@@ -129,14 +130,20 @@ bool NeuroscanReader::findPlaces(const HeaderBlock& header, const HeaderFile& fi
         return refuse(2, sentenceOf(header, numberOfChannels) +
                              ", whose records leave the file of " + std::to_string(size) +
                              " bytes");
-    // The offset has 32 bits; in longer files another field has the upper ones.
+    // The offset has 32 bits; of longer files another field has the upper ones. Of one that was cut
+    // to less the number of samples must bear it out.
+    const std::int64_t count = valueOf(header, numberOfSamples);
     places.announced = valueOf(header, eventTable);
     if (constexpr std::uint32_t mostUpper = 0xFFFF; // beyond it lies no file
-        size > fourGiB && valueOf(header, previousFile) <= mostUpper)
-        places.announced += fourGiB * valueOf(header, previousFile);
+        valueOf(header, previousFile) <= mostUpper) {
+        const std::int64_t whole = places.announced + fourGiB * valueOf(header, previousFile);
+        const std::int64_t values = places.channels * count;
+        if (size > fourGiB || whole - places.data == 2 * values ||
+            whole - places.data == 4 * values)
+            places.announced = whole;
+    }
     places.bytes = sampleBytes(header, file, places);
     const auto inside = [&](std::int64_t offset) { return offset > places.data && offset <= size; };
-    const std::int64_t count = valueOf(header, numberOfSamples);
     if (size > fourGiB && !inside(places.announced))
         places.announced = places.data + places.frameBytes() * count;
     places.hasEvents = inside(places.announced);
@@ -240,12 +247,14 @@ void NeuroscanReader::describeTracks(const HeaderBlock& header, FlatRecording& r
                    "elsewhere");
     }
     places.room = places.frames;
-    if (together <= std::max(longBlock / places.frameBytes(), std::int64_t{1})) {
+    const std::int64_t blockCount = places.room / together + 1;
+    if (together <= std::max(longBlock / places.frameBytes(), std::int64_t{1}) ||
+        std::cmp_greater(blockCount * places.channels, mostSegmentStarts)) {
         recording.tracks.push_back(
             {places.frameBytes(), together, 0.0, {{places.data, places.room}}, {}});
         return;
     }
-    // Of long blocks each channel's run is read alone.
+    // Of long blocks each channel's run is read alone, unless there are too many runs.
     for (std::int64_t c = 0; c < places.channels; ++c) {
         FlatTrack& track = recording.tracks.emplace_back();
         track.frameBytes = places.bytes;

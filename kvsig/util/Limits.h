@@ -24,8 +24,8 @@ inline constexpr int mostChannels = 32767;
 
 // Headers of recordings.
 
-/// Segments, starts of segments in all channels, and runs of data blocks without a pause:
-/// recordings of more are refused.
+/// Segments, starts of segments (or runs of a block) in all channels, and runs of data blocks
+/// without a pause: recordings of more are refused, or read in groups of all channels.
 inline constexpr std::int64_t mostSegments = 65536;
 inline constexpr std::size_t mostSegmentStarts = std::size_t{1} << 22;
 inline constexpr std::size_t mostBlockRuns = std::size_t{1} << 20;

@@ -77,8 +77,14 @@ TEST_F(Blackrock, BlocksThatLieOrAreDamagedGiveWhatIsThere) {
         {empty().block(900, 0).block(950, 20, 0).bytes(), 30, "shown up to there", 1},
         {cut(empty().block(900, 20)), 30, "shown up to there", 1},
         {empty().block(900, 20).append(std::string(60, '\7')).bytes(), 30, "shown up to there", 1},
-        {cut(empty().block(900, 20).block(60, 20)), 30, "shown up to there", 1},
+        {empty().block(60, 20, 0).bytes(), 30, "shown up to there", 1},
+        {empty().block(60, 20).append(std::string(60, '\7')).bytes(), 30, "shown up to there", 1},
         // The clock starts anew, or a day passes, behind it.
+        {cut(empty().block(900, 20).block(60, 20)), 65, "15 are left", 3},
+        {cut(empty().block(60, 20).block(3000, 20)), 65, "15 are left", 3},
+        {empty().block(60, 20).block(9000, 20, 0).bytes(), 70, "not closed", 3},
+        {empty().block(900, 20).block(60, 20, 0).bytes(), 70, "not closed", 3},
+        {empty().block(60, 20).append("123").bytes(), 50, "last 3 bytes", 2},
         {empty().block(900, 3).block(60, 40).bytes(), 73, "clock started anew", 3},
         {empty().block(900, 20).block(2'600'000'000, 20).bytes(), 70, "", 3},
         {cut(empty().block(2'600'000'000, 20).block(2'600'001'000, 20)), 65, "15 are left", 3},
@@ -86,6 +92,72 @@ TEST_F(Blackrock, BlocksThatLieOrAreDamagedGiveWhatIsThere) {
         {started().block(5000, 3).block(60, 40).bytes(), 43, "clock started anew", 2},
     });
     EXPECT_DOUBLE_EQ(reader.getClockTime(3 / 2000.0), start + 60 / 30000.0);
+}
+
+TEST_F(Blackrock, CopiesThatWereCutHoldNoSampleThatIsNone) {
+    const std::string whole = BlackrockFile("NEURALCD", 2, 3)
+                                  .channels(2)
+                                  .block(50000, 3)
+                                  .block(50100, 0)
+                                  .block(50100, 0)
+                                  .block(0, 200) // more than 16 times what a short copy holds
+                                  .block(30000, 20)
+                                  .bytes();
+    // From the first sample on.
+    for (std::size_t length = 459; length <= whole.size(); length += length < 500 ? 1 : 7) {
+        ASSERT_TRUE(opens(whole.substr(0, length))) << length;
+        EXPECT_GE(reader.sampleCount(), length < 1294 ? 1 : 203) << length;
+        ASSERT_NO_FATAL_FAILURE(holds(ramp)) << length;
+    }
+}
+
+TEST_F(Blackrock, ClocksThatStartAnewKeepThePausesBefore) {
+    const BlackrockFile file =
+        BlackrockFile("NEURALCD", 2, 3).channels(1).block(0, 100).block(6000, 100).block(750, 100);
+    dir.write("Rec.nev", BlackrockEventFile()
+                             .digital(300, 1)   // the first block alone
+                             .digital(1200, 2)  // the first and the last
+                             .digital(2000, 3)  // the last, a pause before the second
+                             .digital(3000, 4)  // that pause alone
+                             .digital(6750, 5)  // the second
+                             .digital(90000, 6) // none
+                             .bytes());
+    ASSERT_TRUE(opens(file));
+    // The second block ends at 0.25 s, where the third begins at 0.025 s.
+    EXPECT_DOUBLE_EQ(reader.getClockTime(0.0), start - 0.225);
+    EXPECT_DOUBLE_EQ(reader.getClockTime(0.05), start - 0.025);
+    EXPECT_DOUBLE_EQ(reader.getClockTime(0.1), start + 0.025);
+    EXPECT_EQ(findings(), std::vector<std::string>{"the time stamp of the data block at offset 798 "
+                                                   "is lower than the one before: the clock "
+                                                   "started anew"});
+    LogCapture log;
+    EXPECT_EQ(events(), (std::vector<std::string>{"20 1", "100 4", "150 5", "230 2", "283 3"}));
+    EXPECT_THAT(log.take(logWarning),
+                testing::ElementsAre(HasSubstr("left out (1)"), HasSubstr("showed as well (1)")));
+}
+
+TEST_F(Blackrock, ClocksThatStartAnewAllTheTimeAreToldOnce) {
+    BlackrockFile file = BlackrockFile("NEURALCD", 2, 3).channels(1);
+    for (std::uint64_t i = 0; i < 80; ++i)
+        file.block(80000 - 1000 * i, 10);
+    dir.write("Rec.nev", BlackrockEventFile().digital(1075, 7).digital(80000, 8).bytes());
+    ASSERT_TRUE(opens(file));
+    EXPECT_THAT(findings(), testing::ElementsAre(HasSubstr("anew, and so it did 78 times more")));
+    LogCapture log;
+    EXPECT_EQ(events(), std::vector<std::string>{"795 7"}); // the other one's part is too long ago
+    EXPECT_THAT(log.take(logWarning),
+                testing::ElementsAre(HasSubstr("left out (1)"), HasSubstr("showed as well (2)")));
+}
+
+TEST_F(Blackrock, TicksThatDoNotAgreeWithThePeriodAreTold) {
+    reads({
+        {BlackrockFile("NEURALCD", 2, 3).channels(1).ticks(20000).block(0, 20).bytes(), 20,
+         "(offset 290) is 20000, not 30000: the rate of 2000 Hz is doubtful"},
+        {BlackrockFile("NEURALCD", 2, 3).channels(1).ticks(1'000'000'000).block(0, 20).bytes(), 20,
+         "is doubtful"},
+        {BlackrockFile("BRSMPGRP", 3, 0).channels(1).ticks(1'000'000'000).block(0, 20).bytes(), 20,
+         ""},
+    });
 }
 
 TEST_F(Blackrock, SamplesOfANetworkClockFormRuns) {
@@ -122,11 +194,27 @@ TEST_F(Blackrock, EventsStandAtTheirSamples) {
         ASSERT_TRUE(opens(file)) << length;
         LogCapture log;
         EXPECT_LE(events().size(), 3U);
-        EXPECT_EQ(log.take(logWarning).size(), length > 336 && (length - 336) % 48 > 0 ? 1U : 0U);
+        const std::size_t packets = length < 336 ? 0 : (length - 336) / 48;
+        EXPECT_EQ(log.take(logWarning).size(),
+                  (length > 336 && (length - 336) % 48 > 0 ? 1U : 0U) + (packets > 0 ? 1U : 0U));
         ASSERT_EQ(findings().size(), length < 336 ? 1U : 0U) << length;
         if (length < 336) {
             EXPECT_THAT(findings()[0], HasSubstr("ends after " + std::to_string(length)));
         }
+    }
+    const struct {
+        std::string bytes;
+        const char* told;
+    } outside[] = {
+        {made.bytes(), "events outside the recording are left out (2)"},
+        {BlackrockEventFile().digital(9, 5).digital(2'000'000, 5).bytes(), "all its events (2)"},
+    };
+    for (const auto& c : outside) {
+        dir.write("rec.NEV", c.bytes);
+        ASSERT_TRUE(opens(file));
+        LogCapture log;
+        events();
+        EXPECT_THAT(log.take(logWarning), testing::ElementsAre(HasSubstr(c.told)));
     }
     dir.write("rec.NEV", BlackrockEventFile().hour(12).digital(3000, 5).bytes());
     ASSERT_TRUE(opens(file));

@@ -2,6 +2,7 @@
 
 #include "kvsig/readers/FlatRecording.h"
 #include "support/Bytes.h"
+#include "support/LogCapture.h"
 #include "support/Opened.h"
 #include "support/ReadAround.h"
 
@@ -13,6 +14,7 @@
 namespace kvsig::test {
 namespace {
 
+using testing::ElementsAre;
 using testing::HasSubstr;
 using Counts = std::vector<std::int32_t>;
 
@@ -236,7 +238,10 @@ TEST(FlatReader, PausesAreAnchorsAndEventsKeepTheirSamples) {
                      {-1, "before", "", 0},  {7, "b", "Fp1", 2.5},
                      {7, "c", "", 0},        {0, std::string(126, 'x') + "\xC3\xB6", "", 0}};
     std::deque<ClientEvent> events(1);
+    LogCapture log;
     ASSERT_EQ(reader.readEvents(events), 4);
+    EXPECT_THAT(log.take(),
+                ElementsAre(reader.path + ": events outside the recording are left out (2)"));
     ASSERT_EQ(events.size(), 5U);
     EXPECT_EQ(std::string(events[1].stateText), std::string(126, 'x')) << "no half character";
     EXPECT_STREQ(events[2].stateText, "b");
@@ -257,20 +262,86 @@ TEST(FlatReader, AClockThatWasSetBackAddsNoDay) {
     EXPECT_EQ(reader.getClockTime(10.0), 1010.0);
     ASSERT_EQ(reader.openFindings().size(), 1U);
     EXPECT_THAT(reader.openFindings()[0].text, HasSubstr("begins 100 s before"));
-    EXPECT_EQ(reader.sampleAt(1002.0), 20);
-    EXPECT_EQ(reader.sampleAt(902.0), 70);
-    EXPECT_EQ(reader.sampleAt(1006.0), std::nullopt);
-    for (const double step : {0.0, 1.0}) { // by less than the first lasts, and within a second
-        ScriptedFlatReader twice(std::string(200, '\1'), [&](FlatRecording& recording) {
-            oneChannel(recording, {}, 100);
-            recording.clockStep = step;
-            recording.segments = {{30, 1000.0}, {30, 1002.0}, {40, 1004.95}};
+}
+
+// Samples of 0.1 s; segments follow each other in the samples.
+TEST(FlatReader, ClockTimesAreFoundInWhateverOrderSegmentsStand) {
+    using Times = std::vector<std::pair<double, std::int64_t>>;
+    constexpr std::int64_t none = -1;
+    const struct {
+        const char* name;
+        std::vector<FlatSegment> segments;
+        Times samples;
+    } cases[] = {
+        {"set back",
+         {{50, 1000.0}, {50, 900.0}},
+         {{1002, 20},
+          {902, 70},
+          {905, 100},
+          {905.1, none},
+          {950, none},
+          {999.96, 0},
+          {std::nan(""), none},
+          {1006, none}}},
+        {"contained",
+         {{200, 0.0}, {20, 10.0}, {10, 40.0}},
+         {{5, 50}, {11, 210}, {12, 120}, {15, 150}, {20, 200}, {30, 220}, {41, 230}, {41.1, none}}},
+        {"contained twice, the last one",
+         {{200, 0.0}, {80, 5.0}, {20, 6.0}},
+         {{5.5, 205}, {7, 290}, {9, 240}, {13, 130}, {19, 190}, {20.1, none}}},
+        {"overlapping", {{100, 0.0}, {100, 5.0}}, {{4, 40}, {6, 110}, {12, 170}, {15, 200}}},
+        {"empty ones, inside, in the pause and set back",
+         {{100, 0.0}, {0, 5.0}, {0, 15.0}, {0, -50.0}, {100, 20.0}},
+         {{-1, none}, {4, 40}, {8, 80}, {12, 100}, {16, 100}, {21, 110}, {30.1, none}}},
+        {"set back, then a pause",
+         {{20, 100.0}, {20, 90.0}, {10, 110.0}, {10, 95.0}},
+         {{91, 30}, {93, 50}, {97, none}, {101, 10}, {105, 40}, {110.5, 45}, {95.5, 55}}},
+        {"of the same start", {{100, 0.0}, {50, 0.0}}, {{2, 120}, {6, 60}}},
+    };
+    for (const auto& c : cases) {
+        ScriptedFlatReader reader(std::string(600, '\1'), [&](FlatRecording& recording) {
+            oneChannel(recording, {}, 300).segments = c.segments;
         });
-        ASSERT_EQ(twice.openFindings().size(), step > 0 ? 0U : 1U);
-        if (step == 0) {
-            EXPECT_THAT(twice.openFindings()[0].text,
-                        HasSubstr("segment 2 of 3 begins 1.000 s before what is before it ends"));
-        }
+        ASSERT_TRUE(reader.isOpen) << reader.lastErrorText();
+        for (const auto& [clock, sample] : c.samples)
+            EXPECT_EQ(reader.sampleAt(clock).value_or(none), sample) << c.name << " " << clock;
+    }
+}
+
+// What the clock's step and drift explain is no overlap; and of many the first one is told.
+TEST(FlatReader, OddClocksAreToldOnceAsFarAsTheyAreKnown) {
+    const struct {
+        double step;
+        bool drifts;
+        std::vector<FlatSegment> segments;
+        std::vector<const char*> findings;
+    } cases[] = {
+        {0, false, {{30, 1000.0}, {30, 1002.96}}, {}}, // less than half a sample
+        {0, false, {{30, 1000.0}, {30, 1002.94}}, {"segment 2 of 2 begins 0.060 s before what"}},
+        {0, true, {{30, 1000.0}, {30, 1002.86}}, {}},
+        {0, true, {{30, 1000.0}, {30, 1002.8}}, {"begins 0.200 s before what"}},
+        {1, true, {{30, 1000.0}, {30, 1002.0}}, {}},
+        {0,
+         false,
+         {{30, 0.0}, {30, 1.0}, {30, 2.0}},
+         {"segment 2 of 3 begins 2.000 s before what "
+          "is before it ends, and so do 1 more: cl"}},
+        {0,
+         false,
+         {{30, 100.0}, {30, 0.0}, {10, 105.0}, {30, 50.0}},
+         {"segment 2 of 4 begins 100 s before an earlier one, and so do 1 more: samples there",
+          "segment 3 of 4 begins 1.000 s before what is before it ends: clock"}},
+        {0, false, {{30, 0.0}, {0, 1.0}, {0, -1.0}, {30, 3.0}}, {}},
+    };
+    for (const auto& c : cases) {
+        ScriptedFlatReader reader(std::string(200, '\1'), [&](FlatRecording& recording) {
+            oneChannel(recording, {}, 100).segments = c.segments;
+            recording.clockStep = c.step;
+            recording.clockDrifts = c.drifts;
+        });
+        ASSERT_EQ(reader.openFindings().size(), c.findings.size()) << &c - cases;
+        for (std::size_t i = 0; i < c.findings.size(); ++i)
+            EXPECT_THAT(reader.openFindings()[i].text, HasSubstr(c.findings[i]));
     }
 }
 
@@ -314,6 +385,7 @@ TEST(FlatReader, DescriptionsThatLieAreRefused) {
         {[](FlatRecording& r) { r.rate = 0; }, "sampling rate is 0"},
         {[](FlatRecording& r) { r.segments[0].count = 11; }, "of 11 samples it holds 10"},
         {[](FlatRecording& r) { r.segments[0].count = 0; }, "no samples"},
+        {[](FlatRecording& r) { r.segments[0].start = std::nan(""); }, "a segment begins at nan s"},
         {[](FlatRecording& r) {
              r.segments.resize(3, {INT64_MAX, 0.0});
          },

@@ -109,7 +109,13 @@ TEST_F(Micromed, PiecesOfACutRecordingKeepTheirClock) {
 TEST_F(Micromed, EventsOfAllZonesAndOfTheFileBesideIt) {
     MicromedFile file;
     file.channel({"a"}).rate(100).frames(300);
-    file.note(0, "begin").note(50, "eyes closed").note(900, "behind").note(0, "").note(60, "never");
+    LogCapture log;
+    file.note(0, "begin").note(50, "eyes closed");
+    ASSERT_TRUE(opens(MicromedFile(file).note(900, "behind")));
+    EXPECT_EQ(events().size(), 2U);
+    EXPECT_THAT(log.take(logWarning),
+                ElementsAre(HasSubstr("TRC: events outside the recording are left out (1)")));
+    file.note(0, "").note(60, "never");
     file.flag(10, 35).flag(0, 0).flag(40, 20).event('A', 3, 120, 170).event('B', 9, 0, 7);
     file.trigger(0, 0).trigger(77, 4096).trigger(300, 5).trigger(299, 6);
     const std::vector<std::string> own = {"0 begin",           "0+70 EVENT B 9", "10+250 Flag",
@@ -126,7 +132,6 @@ TEST_F(Micromed, EventsOfAllZonesAndOfTheFileBesideIt) {
     ASSERT_TRUE(opens(file));
     std::vector<std::string> all = own;
     all.insert(all.end() - 1, "250+500 a & b left");
-    LogCapture log;
     EXPECT_EQ(events(), all);
     EXPECT_THAT(log.take(logWarning),
                 ElementsAre(HasSubstr("evt: events whose Begin is no date and time as yyyy-mm-dd "
@@ -136,7 +141,12 @@ TEST_F(Micromed, EventsOfAllZonesAndOfTheFileBesideIt) {
     dir.write("eeg_1.evt", "<EventFile><Events><Event><Begin>2019-07-04T23:05:09</Begin></Event>"
                            "</Events></EventFile>");
     EXPECT_EQ(events(), own);
-    EXPECT_THAT(log.take(logWarning), ElementsAre(HasSubstr("all its events (1) lie outside")));
+    EXPECT_THAT(log.take(logWarning),
+                ElementsAre(HasSubstr("all its events (1) lie outside the recording: it may be")));
+    ASSERT_TRUE(opens(poked(file.bytes(), 128, u8(0) + u8(0) + u8(0)))); // no date
+    log.take(logWarning);
+    EXPECT_EQ(events().size(), own.size() + 1);
+    EXPECT_THAT(log.take(logWarning), ElementsAre(HasSubstr("the recording has no date: events")));
     for (const char* damaged : {"", "<EventFile><Events>", "<a/>", "\xFF\xFE"}) {
         dir.write("eeg_1.evt", damaged);
         ASSERT_TRUE(opens(file));

@@ -216,19 +216,21 @@ TEST_F(Nervus, EventsStandAtTheirSamples) {
                                 .event(NervusFile::annotation, second, 9, 0, "behind")
                                 .event(NervusFile::annotation, first, -1, 0, "before")
                                 .event(NervusFile::annotation, std::nan(""), 0, 0, "never");
+    LogCapture log;
     ASSERT_TRUE(opens(file));
     EXPECT_THAT(events(), ElementsAre("150+500 eyes closed", "1250+8000 Seizure: left",
                                       "1250 in the pause", "2049 own type", "2050 Event"));
+    EXPECT_THAT(log.take(logWarning),
+                ElementsAre(HasSubstr("Rec.e: events outside the recording are left out (2)"),
+                            HasSubstr("Rec.e: events without a date are left out (1)")));
     const NervusFile::Made made = file.make();
     for (const std::uint64_t length : {0ULL, 23ULL, 100ULL, 1ULL << 62, ~0ULL}) {
         ASSERT_TRUE(opens(poked(made.bytes, made.places.at("Events") + 16, u64(length))));
-        LogCapture log;
         EXPECT_THAT(events(), IsEmpty()) << length;
         EXPECT_EQ(log.take(logWarning).size(), 1U) << length;
     }
     const std::size_t next = made.places.at("Events") + 272 + 2 * 11; // event
-    LogCapture log;
-    ASSERT_TRUE(opens(poked(made.bytes, next, "x"))); // its mark
+    ASSERT_TRUE(opens(poked(made.bytes, next, "x")));                 // its mark
     EXPECT_EQ(events().size(), 1U);
     EXPECT_THAT(log.take(logWarning), ElementsAre(HasSubstr("is no event and is left out")));
     ASSERT_TRUE(opens(poked(made.bytes, next, std::string(made.places.at("Unused") - next, '\0'))));
@@ -236,6 +238,22 @@ TEST_F(Nervus, EventsStandAtTheirSamples) {
     EXPECT_THAT(log.take(logWarning), IsEmpty()) << "padding";
     ASSERT_TRUE(opens(poked(made.bytes, made.places.at("Events") + 128, u64(~0ULL))));
     EXPECT_THAT(events(), Contains("150+500 eyes closed")) << "what of the text is in the packet";
+    // A seizure's text must be one: its packet of 280 bytes has room for 8 characters.
+    for (const auto& [units, text] :
+         {std::pair(8ULL, "Seizure: left"), {9ULL, "Seizure"}, {~0ULL, "Seizure"}}) {
+        ASSERT_TRUE(opens(poked(made.bytes, next + 3 + 128, u64(units))));
+        EXPECT_THAT(events(), Contains("1250+8000 " + std::string(text))) << units;
+    }
+    log.take(logWarning);
+    ASSERT_TRUE(opens(poked(made.bytes, made.places.at("SegmentStream"), f64(0))));
+    log.take(logWarning);
+    EXPECT_THAT(events(), IsEmpty());
+    EXPECT_THAT(log.take(logWarning),
+                ElementsAre(HasSubstr("its first segment has no date: all its events (8) are")));
+    ASSERT_TRUE(opens(sample().event(NervusFile::seizure, first, -1, 0, "")));
+    EXPECT_THAT(events(), IsEmpty());
+    EXPECT_THAT(log.take(logWarning),
+                ElementsAre(testing::EndsWith("all its events (1) lie outside the recording")));
 }
 
 TEST_F(Nervus, OtherVariantsAndLyingHeadersAreRefused) {

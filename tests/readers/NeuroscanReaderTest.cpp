@@ -1,10 +1,12 @@
 #include "kvsig/readers/NeuroscanReader.h"
 
+#include "kvsig/readers/FlatRecording.h"
 #include "kvsig/registry/FrontDoor.h"
 #include "support/NeuroscanFile.h"
 #include "support/Opened.h"
 #include "support/ReaderFixture.h"
 
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -91,6 +93,47 @@ TEST_F(Neuroscan, BlocksAreTakenForWhatTheirSignalSays) {
                 odd > 1 ? "no whole number of samples of 2 bytes: read as frames" : ""}});
 }
 
+// Of 2048 channels, blocks of 1.2 MB: a run of each channel would be 4.5 million pieces.
+TEST_F(Neuroscan, BlocksOfManyChannelsTakeNoMemoryOfTheirOwn) {
+    struct Described : NeuroscanReader {
+        using NeuroscanReader::recording;
+    };
+    const NeuroscanFile file =
+        NeuroscanFile().channels(2048).frames(300).blocks(300).smoothSignal();
+    const std::string path =
+        dir.write("a.cnt", poked(poked(file.bytes().substr(0, file.tableOffset()), 886, u32(~0U)),
+                                 864, u32(0)));
+    const auto opensOf = [&](std::size_t blocks, std::size_t tracks) {
+        std::filesystem::resize_file(path, file.dataOffset() + blocks * 2048 * 300 * 2);
+        Described described;
+        ASSERT_TRUE(described.open(path.c_str())) << described.lastErrorText();
+        EXPECT_EQ(described.sampleCount(), static_cast<long>(blocks) * 300);
+        EXPECT_EQ(described.recording().tracks.size(), tracks);
+        for (const int channel : {0, 5, 14}) // whose values fit 16 bits
+            EXPECT_EQ(rawOf(described, channel, 299, 300),
+                      (std::vector<std::int32_t>{file.value(channel, 299), 0}));
+    };
+    opensOf(3, 2048);
+    opensOf(2200, 1);
+}
+
+TEST_F(Neuroscan, ARecordingOfMoreThanFourGigabytesMayBeCutToLess) {
+    for (const int bytes : {2, 4}) { // 2^32 bytes and 20 frames of two channels
+        const NeuroscanFile file = NeuroscanFile().channels(2).frames(100).sampleBytes(bytes);
+        const std::uint64_t frame = 2U * static_cast<unsigned>(bytes), over = 20 * frame;
+        const std::string cut =
+            poked(poked(poked(file.bytes().substr(0, file.tableOffset()), 16, u32(1)), 864,
+                        u32((1ULL << 32) / frame + 20)),
+                  886, u32(file.dataOffset() + over));
+        reads({{cut, 100, "(offset 4294968", 0}});
+        EXPECT_THAT(findings(), tells("samples are read to its end, without events"));
+        EXPECT_EQ(findings().size(), 2U) << "and the number of samples";
+        // The number does not bear out that the field is the upper half.
+        ASSERT_TRUE(opens(poked(cut, 864, u32(20))));
+        EXPECT_EQ(reader.sampleCount(), 20);
+    }
+}
+
 TEST_F(Neuroscan, ValuesAreMicrovoltsAboveTheBaseline) {
     NeuroscanFile file;
     file.channel({"F8", 0, 17.1875F, 1.0F}).channel({"VEOGVEOGVEOG", -200, 114.583F, 2.0F});
@@ -134,6 +177,11 @@ TEST_F(Neuroscan, EventsOfAllTables) {
                {all.substr(0, table + 8), 100, "is cut: 8 of its 9 bytes are in the file"},
                {poked(all, table + 1, u32(~0U)), 100, "bytes of the event table"}});
         EXPECT_EQ(events().size(), 8U);
+        const unsigned record = type == 1 ? 8 : 19;
+        ASSERT_TRUE(opens(poked(all, table + 1, u32(4 * record + 5))));
+        EXPECT_THAT(findings(), tells("no whole number of records of "));
+        EXPECT_THAT(findings(), tells(": the last 5 are left out"));
+        EXPECT_EQ(events().size(), 4U);
         reads({{poked(all, table, "\4"), 100, "type of the event table"}});
         EXPECT_TRUE(events().empty());
     }

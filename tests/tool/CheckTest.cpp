@@ -1,5 +1,9 @@
+#include "support/BlackrockFile.h"
 #include "support/Command.h"
 #include "support/EdfFile.h"
+#include "support/MicromedFile.h"
+#include "support/NervusFile.h"
+#include "support/NihonKohdenFile.h"
 
 #include <cstdlib>
 #include <nlohmann/json.hpp>
@@ -92,6 +96,46 @@ TEST_F(Check, WarnsOfMicrovoltsThatTheKernelDoesNotKnow) {
         EdfFile().signal("Fp1", 4).units(units).physical("-1", "1").records(3).writeTo(
             dir.file("a.edf"));
         EXPECT_THAT(command("check a.edf").out, Not(HasSubstr("microvolts"))) << units;
+    }
+}
+
+// Starts that are counts of samples are exact; other clocks have their step and drift.
+TEST_F(Check, TellsPausesAsFarAsTheRecordersClockDoes) {
+    const auto micromed = [](std::uint32_t second) { // a sample is 10 ms
+        return MicromedFile().channel({"a"}).rate(100).frames(300).piece(500, 0).piece(second, 100);
+    };
+    const auto blackrock = BlackrockFile("NEURALCD", 2, 3).channels(1).block(0, 4000); // 2 s
+    const auto nihonKohden = NihonKohdenFile().block("20190403160016", 2000);          // 10 s
+    const double start = oleDays(2020, 3, 4, 36000);
+    const auto nervus = [&](double seconds) {
+        return NervusFile().channel({}).segment(start, 10).segment(start + seconds / 86400, 2);
+    };
+    const struct {
+        const char* file;
+        std::string bytes;
+        const char* gap; ///< empty: there is none
+    } cases[] = {
+        {"a.trc", micromed(600).bytes(), ""},
+        {"a.trc", micromed(601).bytes(), "a gap of 0.01 s at 1 s, before sample 100\n"},
+        {"a.trc", micromed(700).bytes(), "a gap of 1 s at 1 s, before sample 100\n"},
+        {"a.ns3", BlackrockFile(blackrock).block(60000, 9).bytes(), ""},
+        {"a.ns3", BlackrockFile(blackrock).block(62900, 9).bytes(), "gap of 0.096667 s at 2 s, b"},
+        // 0.5 to 1 s lies inside.
+        {"a.ns3", BlackrockFile(blackrock).block(15000, 1000).block(90000, 9).bytes(),
+         "a gap of 1 s at 2 s, before sample 5000\n"},
+        {"a.eeg", NihonKohdenFile(nihonKohden).block("20190403160027", 20).bytes(), ""},
+        {"a.eeg", NihonKohdenFile(nihonKohden).block("20190403160028", 20).bytes(),
+         "a gap of 2 s at 10 s, before sample 2000\n"},
+        {"a.e", nervus(10.09).make().bytes, ""},
+        {"a.e", nervus(10.2).make().bytes, "a gap of 0.2 s at 10 s, before sample 1000\n"},
+    };
+    for (const auto& c : cases) {
+        dir.write(c.file, c.bytes);
+        const std::string told = command(std::string("check ") + c.file).out;
+        EXPECT_THAT(told, HasSubstr(c.gap)) << &c - cases;
+        if (!*c.gap) {
+            EXPECT_THAT(told, Not(HasSubstr("a gap of "))) << &c - cases;
+        }
     }
 }
 

@@ -3,6 +3,7 @@
 #include "kvsig/readers/FlatReader.h"
 #include "kvsig/util/NumberText.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <string>
@@ -13,27 +14,13 @@ namespace {
 using Severity = OpenFinding::Severity;
 
 constexpr std::size_t toldInFull = 20;
+// Where nothing is known of the recorder's clock.
 constexpr double writtenStep = 0.001; // seconds; anchors have three decimals in attribute files
 constexpr double drift = 1e-4;        // of a clock against the samples, seconds a second
 
 std::string secondsText(double seconds) {
     const bool isTime = std::abs(seconds) < 1e9;
     return shortestText(isTime ? std::round(seconds * 1e6) / 1e6 : seconds) + " s";
-}
-
-// How finely the anchors tell the time. Recorders' clocks may have whole seconds, and drift; their
-// readers know more of them, and tell overlaps at opening.
-double clockStep(DataReader& recording, bool byRecorder) {
-    constexpr double recorderDrift = 0.1;
-    if (!byRecorder)
-        return writtenStep;
-    for (int i = 0; i < recording.sampleTimeCount(); ++i) {
-        SampleTime anchor;
-        recording.getSampleTime(i, anchor);
-        if (anchor.time != std::round(anchor.time))
-            return recorderDrift;
-    }
-    return 1.0 + recorderDrift;
 }
 
 // `length` seconds, below 0 for an overlap, at `place` seconds into the recording.
@@ -52,21 +39,26 @@ std::vector<OpenFinding> anchorOddities(DataReader& recording) {
     const double rate = recording.samplingRate();
     if (!(rate > 0) || recording.sampleTimeCount() < 2)
         return found;
-    const bool byRecorder = dynamic_cast<FlatReader*>(&recording) != nullptr;
-    const double tolerance = clockStep(recording, byRecorder) + 0.5 / rate;
+    const auto* flat = dynamic_cast<const FlatReader*>(&recording);
     std::size_t moreGaps = 0;
     std::size_t moreOverlaps = 0;
     SampleTime start;
     recording.getSampleTime(0, start);
     SampleTime last = start;
+    double due = start.time;
     for (int i = 1; i < recording.sampleTimeCount(); ++i) {
         SampleTime anchor;
         recording.getSampleTime(i, anchor);
         const double seconds = (static_cast<double>(anchor.sample) - last.sample) / rate;
-        const double due = last.time + seconds;
+        const double end = last.time + seconds;
+        // What lies inside an earlier segment ends no later than that.
+        due = flat ? std::max(due, end) : end;
         const double length = anchor.time - due;
         last = anchor;
-        if (std::abs(length) <= tolerance + drift * seconds || (byRecorder && length < 0))
+        const double tolerance =
+            flat ? flat->clockTolerance(seconds) : writtenStep + 0.5 / rate + drift * seconds;
+        // Overlaps of segments were told at opening.
+        if (std::abs(length) <= tolerance || (flat && length < 0))
             continue;
         if (found.size() == toldInFull) {
             ++(length > 0 ? moreGaps : moreOverlaps);

@@ -1,0 +1,44 @@
+#include "kvsig/readers/BlackrockClock.h"
+
+#include <algorithm>
+
+namespace kvsig::blackrock {
+namespace {
+
+constexpr double secondsPerYear = 31557600.0;
+
+} // namespace
+
+std::vector<ClockPart> clockParts(const std::vector<Run>& runs, double ticks, double rate) {
+    std::vector<ClockPart> parts;
+    std::uint64_t before = 0;
+    for (const Run& run : runs) {
+        const double begin = static_cast<double>(run.stamp) / ticks;
+        if (parts.empty() || run.stamp < before)
+            parts.push_back({run.offset, 0, begin, begin, 0.0});
+        ClockPart& part = parts.back();
+        part.end = std::max(part.end, begin + static_cast<double>(run.frames) / rate);
+        ++part.runs;
+        before = run.stamp;
+    }
+    if (parts.empty())
+        return {ClockPart()};
+    ClockPart& last = parts.back();
+    last.shift = last.begin > secondsPerYear ? -last.begin : 0.0;
+    for (std::size_t i = parts.size() - 1; i-- > 0;)
+        parts[i].shift = parts[i + 1].begin + parts[i + 1].shift - parts[i].end;
+    return parts;
+}
+
+std::vector<double> timesOf(double seconds, const std::vector<ClockPart>& parts, double slack) {
+    if (parts.size() == 1)
+        return {seconds + parts.front().shift};
+    std::vector<double> times;
+    const std::size_t first = parts.size() - std::min(parts.size(), mostPartsOfEvents);
+    for (std::size_t i = parts.size(); i-- > first;)
+        if (seconds >= parts[i].begin - slack && seconds <= parts[i].end + slack)
+            times.push_back(seconds + parts[i].shift);
+    return times;
+}
+
+} // namespace kvsig::blackrock
