@@ -17,7 +17,7 @@ constexpr const char* footer =
   kvsig plot night.edf -o page.png --montage "Double banana" --to 10 --notch 60
 
 'kvsig COMMAND --help' tells the options of a command, 'man kvsig' tells all.
-Data goes to standard output, words to standard error. Exit code: 0 all well,
+Results go to standard output, messages to standard error. Exit code: 0 all well,
 1 some file failed (the others were still done), 2 wrong usage.)";
 
 std::string versionText() {

@@ -67,9 +67,9 @@ void addSignalOptions(CLI::App& command, SignalOptions& options) {
             ->type_name("HZ")
             ->group("Filters");
     };
-    addFilter("--low-filter", options.lowFilter, "Takes off what is slower: a high-pass");
-    addFilter("--high-filter", options.highFilter, "Takes off what is faster: a low-pass");
-    addFilter("--notch", options.notch, "Takes off the mains: about 2 Hz wide at -3 dB");
+    addFilter("--low-filter", options.lowFilter, "Removes slower waves (first-order high-pass)");
+    addFilter("--high-filter", options.highFilter, "Removes faster waves (first-order low-pass)");
+    addFilter("--notch", options.notch, "Removes the mains: about 2 Hz wide at -3 dB");
     addTypeOption(command, options.type);
     addQuietFlag(command, options.quiet);
 }

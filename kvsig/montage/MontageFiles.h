@@ -19,8 +19,8 @@
 /// The file of SetMontageFile(), whichever form it has, comes before all of them.
 ///
 /// Template names are compared as they stand, section names without regard to letter case. Files
-/// of more than 1 MiB are not read. What is set here holds for the whole process and is to be set
-/// before montages are made on other threads.
+/// of more than 1 MiB are not read. What is set here holds for the whole process, has no lock, and
+/// is to be set before montages are made on other threads.
 namespace kvsig {
 
 /// Puts a directory before the others (UTF-8); an empty one limits the search to the current
@@ -31,7 +31,8 @@ KVSIG_API void SetMontageDirectory(const char* path);
 KVSIG_API void SetMontageFile(const char* path);
 
 /// Installs the text of the INI file: after all templates, and no other INI file is read but one of
-/// SetMontageFile(). The stream is not owned and is rewound; null removes it.
+/// SetMontageFile(). The stream is not owned; null removes it. Every search rewinds and reads it:
+/// with a stream, montages are made and listed by one thread at a time.
 KVSIG_API void SetMontageStream(std::istream* stream);
 
 /// The names of all montages found, each once, in the order of the search; at most 4096.

@@ -107,7 +107,9 @@ class KVSIG_API SourceMontage : public MontageBase, public MontageContext {
     virtual bool isValidReference(const char* name, int* id);
     /// Gives the rows that stand against their recording reference another one; false when it is
     /// not valid. Null gives every row its recording reference back, bipolar rows too. Rows that
-    /// already have another reference keep it: give null first.
+    /// already have another reference keep it: give null first. For recordings with one reference:
+    /// of recorded pairs it subtracts channels and names the rows by electrode all the same, so
+    /// that "C3-C4" of C3-A2 and C4-A1 is C3-A2 less C4-A1. See IDataReader::isMapReferential().
     virtual bool changeReference(const char* ref);
     /// Adds the averages of gGlobalAvgRefs whose electrodes the recording has.
     virtual void addGlobalAvgRefs();

@@ -26,7 +26,8 @@ namespace kvsig {
 [[nodiscard]] UnheldReader allocReader(ReaderType type, CString& fileName, std::string& reason);
 
 /// Installs the check that guards every allocation; it answers whether the host may read
-/// recordings. An empty function grants always, as does the library without one.
+/// recordings. An empty function grants always, as does the library without one. Of the whole
+/// process: to be set before other threads open recordings.
 KVSIG_API void KrnlSetLicenceCheck(std::function<bool()> check);
 
 } // namespace kvsig

@@ -13,7 +13,7 @@ In a fresh folder with a recording night.edf in it, from the top of the page to 
 - a comment right before a block says more of it: <!-- file: NAME --> puts the block into that file,
   <!-- from: PATH --> says that the block stands in that file of the repository, <!-- not run: WHY -->
   leaves it alone.
-Links into the repository must lead somewhere.
+Links into the repository must lead somewhere, and tests that a page names (`Suite.Case`) must exist.
 """
 import argparse
 import os
@@ -82,6 +82,15 @@ def check_links(page, text, root):
             raise Failure(f"leads nowhere: {target}")
 
 
+def check_tests(text, root):
+    cases = set()
+    for source in root.glob("tests/**/*.cpp"):
+        cases.update(re.findall(r"^(?:TYPED_)?TEST(?:_[FP])?\(\s*(\w+),\s*(\w+)\)", source.read_text(), re.M))
+    for named in re.findall(r"`([A-Z]\w*)\.([A-Z]\w*)`", re.sub(r"```.*?```", "", text, flags=re.S)):
+        if named not in cases:
+            raise Failure("no such test: " + ".".join(named))
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("page", type=pathlib.Path)
@@ -110,6 +119,7 @@ def main():
         fragments = []
         try:
             check_links(options.page, text, options.source)
+            check_tests(text, options.source)
             run(["kvsig", "synth", "-q", "-o", "night.edf", "--duration", "60"])
             for block in BLOCK.finditer(text):
                 mark, of, kind, sample = block.group("mark", "of", "kind", "text")

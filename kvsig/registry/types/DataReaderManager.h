@@ -14,8 +14,10 @@ using CString = std::string; ///< A path that an allocation may change.
 
 /// The registry: the formats in the order that the host prefers, and the readers made for them.
 ///
-/// There is one per process, dataReaderManager(). It has no lock: hosts call it from one thread, or
-/// one at a time. Null texts count as empty ones.
+/// There is one per process, dataReaderManager(). It has no lock: registerFactory(),
+/// setFileTypeFlag(), setSortOrder() and the lists of types belong to the whole process and are
+/// called before other threads start. openReader() may then be called on several threads at once,
+/// but for pairs; all else here from one thread at a time. Null texts count as empty ones.
 class KVSIG_API DataReaderManager {
   public:
     /// Bytes that getFileTypeName() writes at most, the terminator included.

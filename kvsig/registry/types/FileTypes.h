@@ -12,7 +12,8 @@ namespace kvsig {
 
 /// @{
 /// The file-type mode: 1, the initial one, enables all formats but XML layouts, 4 enables all; see
-/// DataReaderManager::getFileTypeFlag().
+/// DataReaderManager::getFileTypeFlag(). Of the whole process: to be set before other threads open
+/// recordings.
 KVSIG_API int KrnlGetFileTypeFlag();
 KVSIG_API void KrnlSetFileTypeFlag(int mode);
 /// @}
@@ -35,7 +36,8 @@ KVSIG_API unsigned long GetDataReaderStaticFlag(int type, unsigned long mask);
 
 /// The names of all formats in the order in which lists show them.
 KVSIG_API std::vector<const char*> GetDataReaderSortOrder();
-/// Named formats come first, in the order given; the others keep theirs.
+/// Named formats come first, in the order given; the others keep theirs. Of the whole process: to
+/// be set before other threads open recordings.
 KVSIG_API void SetDataReaderSortOrder(const std::vector<const char*>& names);
 
 /// True when this build reads the format (or, of a pair type, both formats).
