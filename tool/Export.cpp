@@ -90,6 +90,7 @@ void writeInterleaved(SelectionJob& job, const ExportOptions& options) {
     if (options.output.empty() || options.output == "-")
         throw CLI::ValidationError("--format raw", "writes two files; it needs --output");
     const auto raw = std::make_shared<RawExport>(isFiltered(options.signals), options.showPatient);
+    job.check = isEnoughForRaw;
     job.companion = layoutPathFor;
     job.write = [raw](const Selection& selection, Output& output, LongWork& work) {
         return raw->writeData(selection, output, work);

@@ -138,7 +138,7 @@ std::string summary(const Json& all, int anchors) {
         add("stored", std::to_string(stored) + ", " +
                           clockText(rate > 0 ? static_cast<double>(stored) / rate : 0.0) +
                           " (what lies beyond reads as zeros)");
-    add("start", clockText(all["startClock"]) + " local time");
+    add("start", clockText(all["startClock"]));
     for (const Json& anchor : all["sampleTimes"])
         add("anchor", "sample " + std::to_string(anchor["sample"].get<long>()) + " at " +
                           clockText(anchor["time"]));

@@ -20,6 +20,12 @@ std::function<bool()>& licenceCheck() {
     return check;
 }
 
+/// Why this thread's last allocation that was not asked for a reason gave no reader.
+std::string& lastRefusal() {
+    thread_local std::string reason;
+    return reason;
+}
+
 // A layout file has given its reader the right type and file name already.
 void stamp(IDataReader& reader, ReaderType type, const CString& name) {
     if (isLayoutType(type))
@@ -56,10 +62,10 @@ UnheldReader DataReaderManager::allocatePair(int type, CString& name, std::strin
         return nullptr;
     }
     const auto member = [&](ReaderType memberType, CString path) {
-        m_refusal = "the registry refuses the type " + typeNameOf(memberType);
+        lastRefusal() = "the registry refuses the type " + typeNameOf(memberType);
         UnheldReader reader(allocReader(memberType, path));
         if (!reader)
-            reason = m_refusal;
+            reason = lastRefusal();
         return reader;
     };
     const CString left = name.substr(0, star);
@@ -107,7 +113,7 @@ UnheldReader DataReaderManager::allocate(int type, CString& name, std::string& r
 }
 
 IDataReader* DataReaderManager::allocate(int type, CString& name) {
-    return allocate(type, name, m_refusal).release();
+    return allocate(type, name, lastRefusal()).release();
 }
 
 IDataReader* DataReaderManager::allocReader(int type, CString& name) {

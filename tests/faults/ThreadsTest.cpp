@@ -56,7 +56,9 @@ TEST(Threads, OneReaderPerThreadOnEightThreads) {
             .samples([i](int signal, std::int64_t k) {
                 return static_cast<std::int32_t>((k * 7 + i * 100 + signal) % 2001);
             });
-        paths.push_back(dir.write("t" + std::to_string(i) + ".edf", file.bytes()));
+        const std::string path = dir.write("t" + std::to_string(i) + ".edf", file.bytes());
+        // Every second one with the file before it, as a pair.
+        paths.push_back(i % 2 == 0 ? path : paths.back() + "*" + path);
         expected.push_back(useReader(paths.back()));
         ASSERT_FALSE(expected.back().names.empty());
     }

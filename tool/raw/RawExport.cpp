@@ -84,14 +84,17 @@ std::string layoutPathFor(const std::string& dataPath) {
     return (hasEnding ? dataPath.substr(0, dot) : dataPath) + ".lay";
 }
 
-bool RawExport::writeData(const Selection& selection, Output& output, LongWork& work) {
+bool isEnoughForRaw(const Selection& selection) {
     constexpr long fewestSamples = 3; // of a recording that opens
-    if (selection.range.length() < fewestSamples) {
-        complain(selection.recording.path + ": the range has " +
-                 std::to_string(selection.range.length()) + " samples; raw data needs at least " +
-                 std::to_string(fewestSamples));
-        return false;
-    }
+    if (selection.range.length() >= fewestSamples)
+        return true;
+    complain(selection.recording.path + ": the range has " +
+             std::to_string(selection.range.length()) + " samples; raw data needs at least " +
+             std::to_string(fewestSamples));
+    return false;
+}
+
+bool RawExport::writeData(const Selection& selection, Output& output, LongWork& work) {
     if (!chooseRawScale(selection, m_filtered, work, m_scale))
         return false;
     FrameWriter frames(output, selection.rows.rows().size());

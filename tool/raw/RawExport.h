@@ -25,6 +25,9 @@ class RawExport {
     RawScale m_scale;
 };
 
+/// False with a complaint when raw data of it would be too short to open.
+[[nodiscard]] bool isEnoughForRaw(const Selection& selection);
+
 /// Where the layout of a data file stands.
 [[nodiscard]] std::string layoutPathFor(const std::string& dataPath);
 

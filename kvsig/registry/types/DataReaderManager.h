@@ -16,8 +16,8 @@ using CString = std::string; ///< A path that an allocation may change.
 ///
 /// There is one per process, dataReaderManager(). It has no lock: registerFactory(),
 /// setFileTypeFlag(), setSortOrder() and the lists of types belong to the whole process and are
-/// called before other threads start. openReader() may then be called on several threads at once,
-/// but for pairs; all else here from one thread at a time. Null texts count as empty ones.
+/// called before other threads start. openReader() may then be called on several threads at once;
+/// all else here from one thread at a time. Null texts count as empty ones.
 class KVSIG_API DataReaderManager {
   public:
     /// Bytes that getFileTypeName() writes at most, the terminator included.
@@ -95,7 +95,6 @@ class KVSIG_API DataReaderManager {
     std::vector<int> m_types;
     std::vector<const char*> m_typeStrings;
     std::vector<std::unique_ptr<DRFactory>> m_rows; ///< the records of the type table
-    std::string m_refusal; ///< why the last allocation that was not asked for a reason gave none
 };
 
 /// The process's registry, built on first use.
