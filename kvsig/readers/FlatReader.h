@@ -55,8 +55,8 @@ class KVSIG_API FlatReader : public DataReader {
     [[nodiscard]] const FlatRecording& recording() const;
     /// The sample nearest to a clock time (seconds since midnight of the recording's first day). Of
     /// several segments that hold the time it is that of the one that began last; in a pause it is
-    /// the first one of the segment that begins next; nothing outside the recording by half a sample
-    /// or more.
+    /// the first one of the segment that begins next; nothing outside the recording by half a
+    /// sample or more.
     [[nodiscard]] std::optional<std::int64_t> sampleAt(double clock) const;
     /// The clock time of a sample as its own segment counts it; not bounded by the recording.
     [[nodiscard]] double clockAt(std::int64_t sample) const;
