@@ -2,7 +2,6 @@
 
 #include "kvsig/util/WideLoops.h"
 
-#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstddef>
