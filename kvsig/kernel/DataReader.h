@@ -244,6 +244,9 @@ class KVSIG_API DataReader : public IDataReader {
     /// Fills `page` with the frames from sample `index` on.
     bool readPageAtIndex(DataPage* page, long index);
 
+    /// Takes the recording's path from the attribute file's key "File"; without one refuses as
+    /// readAttributeFile() does.
+    bool readDataFileName(std::istream& stream);
     /// Stores that the attribute file's section "FileInfo" has no such key, logs it and returns
     /// false.
     bool refuseWithout(const char* key, std::istream& stream);

@@ -34,11 +34,17 @@ bool DataReader::readFileType(std::istream& stream, char* out, int size) {
 
 bool DataReader::isFileType(const char*) { return false; }
 
-bool DataReader::readAttributeFile(std::istream& stream) {
+bool DataReader::readDataFileName(std::istream& stream) {
     const std::string file = profileValue(stream, pszINIFileInfo, "File").value_or("");
     if (viewOf(file.c_str()).empty())
         return refuseWithout("File", stream);
     setFileName(file.c_str());
+    return true;
+}
+
+bool DataReader::readAttributeFile(std::istream& stream) {
+    if (!readDataFileName(stream))
+        return false;
     setSampleLag(
         GetLocalProfileInt(pszINIFileInfo, "SampleLag", saturate<int>(getSampleLag()), stream));
 

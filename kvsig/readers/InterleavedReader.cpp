@@ -175,14 +175,14 @@ void InterleavedReader::montageApply(SourceMontage& montage, const char* name) {
 }
 
 bool InterleavedReader::readAttributeFile(std::istream& stream) {
-    if (!readLayout(stream))
-        return false;
     // The attribute file is this recording's header: what it leaves out must not be answered from
-    // the one before.
-    forgetRecording();
-    resetChannelNames();
-    if (!DataReader::readAttributeFile(stream))
+    // the one before. One that names no data file takes nothing.
+    if (!readDataFileName(stream))
         return false;
+    resetChannelNames();
+    if (!DataReader::readAttributeFile(stream) || !readLayout(stream))
+        return false;
+    forgetRecording();
     m_raw->timeNotes = takeSampleTimes(stream, [this](SampleTime& anchor) {
         const int before = sampleTimeCount();
         addSampleTime(anchor);
@@ -199,8 +199,6 @@ bool InterleavedReader::readAttributeFile(std::istream& stream) {
     return true;
 }
 
-// All keys are looked at before the rest of the attribute file, so that one that is not complete
-// leaves an open recording its names, anchors and patient.
 bool InterleavedReader::readLayout(std::istream& stream) {
     m_raw->numberNotes.clear();
     std::string text;
@@ -216,9 +214,6 @@ bool InterleavedReader::readLayout(std::istream& stream) {
                                          text.substr(0, longestTextTold) + "\", read as " +
                                          shortestText(taken));
     };
-    if (!has("File"))
-        return false;
-    setFileName(text.c_str());
     if (!has("SamplingRate"))
         return false;
     setSamplingRate(leadingDouble(text));

@@ -32,10 +32,11 @@ class KVSIG_API InterleavedReader : public DataReader {
     /// Null out of range.
     const char* montageName(int index) override;
     bool montageDefn(int index, std::ostream& stream) override;
-    /// What an earlier attribute file said of names, anchors, patient and montages is forgotten,
-    /// but only when this one is complete. A recording that is open shows its samples by the new
-    /// keys from then on; the sample count stays that of the last open(). When a key is missing,
-    /// lastErrorText() names it, and the keys before it count.
+    /// What an earlier attribute file said of names, anchors, patient and montages is forgotten. A
+    /// recording that is open shows its samples by the new keys from then on; the sample count
+    /// stays that of the last open(). When a key is missing, lastErrorText() names it: without
+    /// "File" nothing changes, else file name, channel names and the keys before the missing one
+    /// are the new ones, anchors, patient and montages still those of before.
     bool readAttributeFile(std::istream& stream) override;
     bool writeAttributeFile(std::ostream& stream) override;
     /// Adds the rows of the stored montage of that name; without one does nothing.

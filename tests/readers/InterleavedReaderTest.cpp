@@ -141,10 +141,17 @@ TEST_F(Interleaved, EveryKeyIsNeeded) {
         EXPECT_FALSE(readAttributes(reader, replaced(file.attributes(), key + "=", key + " =")));
         EXPECT_THAT(reader.lastErrorText(), HasSubstr("blanks in front of its '='"));
     }
-    // What is not complete takes nothing away.
+    // What is not complete takes no anchors and no patient away; without a file, no names either.
+    const std::string renamed = replaced(file.attributes(), "Fp1-A1=", "T3-A1=");
+    EXPECT_FALSE(readAttributes(reader, replaced(renamed, "File=", "Other=")));
     EXPECT_STREQ(reader.channelName(0), "Fp1-A1");
+    EXPECT_FALSE(readAttributes(reader, replaced(renamed, "DataType=", "Other=")));
+    EXPECT_STREQ(reader.channelName(0), "T3-A1");
     EXPECT_STREQ(reader.patientRec()->last, "Doe");
     EXPECT_EQ(reader.sampleTimeCount(), 2);
+    EXPECT_FALSE(readAttributes(
+        reader, replaced(replaced(renamed, "[ChannelMap]", "[Other]"), "DataType=", "Other=")));
+    EXPECT_STREQ(reader.channelName(0), "Ch1") << "the new file gives it no name";
     InterleavedReader fresh;
     EXPECT_FALSE(readAttributes(fresh, replaced(file.attributes(), "WaveformCount=3", "")));
     EXPECT_EQ(fresh.headerLength(), 16) << "what stood before the gap is kept";
