@@ -90,7 +90,7 @@ bool isHead(const Block& block, std::int64_t framesOfFile) {
 
 } // namespace
 
-// A block of no frames was never closed when what follows it can be no head: the rest is its
+// A block of no frames was never closed when what follows it has no flag of a head: the rest is its
 // samples. It was empty when a block behind it proves to be one, since its frames lead to another
 // head or to the end, or when all heads can be walked to the end. Else the recording stops before
 // it. No time stamp takes part: clocks start anew.
@@ -108,7 +108,7 @@ BlockScan scanBlocks(const HeaderFile& file, const BlockLayout& layout) {
         const std::int64_t data = offset + layout.headBytes();
         Block block = heads.at(offset); // of one that is cut, what is there
         const bool head = isHead(block, framesOfFile);
-        if (open && offset == open->offset + layout.headBytes() && !head) {
+        if (open && offset == open->offset + layout.headBytes() && block.flag != soundFlag) {
             scan.oddities = {"the data block" + atOffset(open->offset) +
                              " says 0 samples, as in a recording that was not closed: the rest of "
                              "the file is taken for its samples"};

@@ -1,5 +1,7 @@
 #include "kvsig/readers/BlackrockClock.h"
 
+#include "kvsig/util/Saturate.h"
+
 #include <algorithm>
 
 namespace kvsig::blackrock {
@@ -9,17 +11,23 @@ constexpr double secondsPerYear = 31557600.0;
 
 } // namespace
 
-std::vector<ClockPart> clockParts(const std::vector<Run>& runs, double ticks, double rate) {
+std::vector<ClockPart> clockParts(const std::vector<Run>& runs, double ticks, double rate,
+                                  double jitter) {
     std::vector<ClockPart> parts;
-    std::uint64_t before = 0;
+    const auto most = saturate<std::uint64_t>(jitter * ticks);
+    std::uint64_t latest = 0; // stamp of the part
     for (const Run& run : runs) {
         const double begin = static_cast<double>(run.stamp) / ticks;
-        if (parts.empty() || run.stamp < before)
+        if (parts.empty() || (run.stamp < latest && latest - run.stamp > most)) {
             parts.push_back({run.offset, 0, begin, begin, 0.0});
+            latest = 0;
+        }
         ClockPart& part = parts.back();
-        part.end = std::max(part.end, begin + static_cast<double>(run.frames) / rate);
+        const double lastBlock = static_cast<double>(run.frames - run.blocks + 1) / rate;
+        part.begin = std::min(part.begin, begin);
+        part.end = std::max(part.end, static_cast<double>(run.lastStamp) / ticks + lastBlock);
         ++part.runs;
-        before = run.stamp;
+        latest = std::max(latest, run.lastStamp);
     }
     if (parts.empty())
         return {ClockPart()};

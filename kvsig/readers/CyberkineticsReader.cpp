@@ -4,6 +4,7 @@
 #include "kvsig/readers/BlackrockClock.h"
 #include "kvsig/readers/BlackrockEvents.h"
 #include "kvsig/readers/BlackrockLayout.h"
+#include "kvsig/readers/BlackrockStamps.h"
 #include "kvsig/readers/ClockEvents.h"
 #include "kvsig/readers/FlatRecording.h"
 #include "kvsig/readers/HeaderFields.h"
@@ -28,6 +29,7 @@ using Severity = OpenFinding::Severity;
 constexpr double samplesPerSecond = 30000.0; // of which the period takes every so many
 constexpr std::uint32_t usualTicks = 30000;
 constexpr std::uint32_t networkTicks = 1'000'000'000; // of a clock that stamps every sample
+constexpr double networkJitter = 0.1;                 // seconds by which stamps may be out of order
 constexpr std::int64_t sampleBytes = 2;
 constexpr double bareMicrovoltsPerBit = 0.25;
 
@@ -79,6 +81,7 @@ struct CyberkineticsReader::State {
     std::string eventFile;             ///< path of the .nev
     std::optional<EventHeader> events; ///< when the .nev belongs to the recording
     std::vector<ClockPart> clock = {ClockPart()};
+    std::optional<StampedRuns> stamps; ///< when every sample has one
 };
 
 CyberkineticsReader::CyberkineticsReader() : m_state(std::make_unique<State>()) {}
@@ -255,7 +258,7 @@ bool CyberkineticsReader::findBlocks(const HeaderBlock& head, FlatRecording& rec
         for (FlatChannel& channel : recording.channels)
             channel.place += layout.headBytes();
     const double start = recording.start.secondOfDay();
-    m_state->clock = clockParts(scan.runs, ticks, recording.rate);
+    m_state->clock = clockParts(scan.runs, ticks, recording.rate, strided ? networkJitter : 0.0);
     auto run = scan.runs.begin();
     for (const ClockPart& part : m_state->clock)
         for (std::size_t i = 0; i < part.runs; ++i, ++run) {
@@ -265,6 +268,12 @@ bool CyberkineticsReader::findBlocks(const HeaderBlock& head, FlatRecording& rec
         }
     recording.tracks.push_back(std::move(track));
     reportClock(valueOf(head, full::ticks), layout.wideStamps, recording.rate);
+    if (strided) {
+        m_state->stamps.emplace(scan.runs, recording, ticks);
+        const std::string missing = missingSamples(scan.runs, recording, ticks, layout.longestStep);
+        if (!missing.empty())
+            report(Severity::warning, missing);
+    }
     return true;
 }
 
@@ -331,13 +340,16 @@ std::optional<std::int64_t> CyberkineticsReader::placeOf(double seconds, bool& i
     std::optional<std::int64_t> recorded, paused;
     std::size_t recordings = 0, pauses = 0;
     for (const double time : timesOf(seconds, m_state->clock, sampleSeconds / 2)) {
-        const auto sample = sampleAt(start + time);
-        if (!sample)
+        std::optional<StampedRuns::Place> found;
+        if (m_state->stamps)
+            found = m_state->stamps->placeOf(start + time);
+        else if (const auto sample = sampleAt(start + time))
+            found = {*sample, clockAt(*sample) - (start + time) > sampleSeconds};
+        if (!found)
             continue;
-        const bool isPause = clockAt(*sample) - (start + time) > sampleSeconds;
-        auto& place = isPause ? paused : recorded;
-        place = place ? place : sample;
-        ++(isPause ? pauses : recordings);
+        auto& place = found->isPause ? paused : recorded;
+        place = place ? place : found->sample;
+        ++(found->isPause ? pauses : recordings);
     }
     isSure = m_state->clock.size() <= mostPartsOfEvents &&
              (recordings > 0 ? recordings == 1 : pauses <= 1);
