@@ -78,6 +78,7 @@ TEST_F(Blackrock, BlocksThatLieOrAreDamagedGiveWhatIsThere) {
         {cut(empty().block(900, 20)), 30, "shown up to there", 1},
         {empty().block(900, 20).append(std::string(60, '\7')).bytes(), 30, "shown up to there", 1},
         {empty().block(60, 20, 0).bytes(), 30, "shown up to there", 1},
+        {empty().block(60, 20, 4'000'000'000).bytes(), 30, "shown up to there", 1},
         {empty().block(60, 20).append(std::string(60, '\7')).bytes(), 30, "shown up to there", 1},
         // The clock starts anew, or a day passes, behind it.
         {cut(empty().block(900, 20).block(60, 20)), 65, "15 are left", 3},
@@ -170,6 +171,73 @@ TEST_F(Blackrock, SamplesOfANetworkClockFormRuns) {
     EXPECT_FALSE(opens(file.block(9'000'000'000, 7)));
     EXPECT_EQ(reader.getLastError(), 3);
     EXPECT_THAT(reader.lastErrorText(), HasSubstr("(that at offset 4312 has 7)"));
+}
+
+TEST_F(Blackrock, DriftsOfANetworkClockMoveNoEventAndHideNoLoss) {
+    const struct {
+        std::uint64_t step; // nanoseconds; the rate says 500'000
+        const char* missing;
+    } cases[] = {{505'000, "30 samples (0.015155 s)"}, {495'000, "30 samples (0.014845 s)"}};
+    for (const auto& c : cases) {
+        const auto stamp = [&](std::uint64_t i) {
+            return c.step * (i + (i < 200 ? 0 : 30) + (i < 250 ? 0 : 40));
+        };
+        BlackrockFile file = BlackrockFile("BRSMPGRP", 3, 0).channels(1).ticks(1'000'000'000);
+        for (std::uint64_t i = 0; i < 300; ++i)
+            file.block(stamp(i), 1);
+        dir.write("Rec.nev", BlackrockEventFile(true)
+                                 .ticks(1'000'000'000)
+                                 .digital(stamp(100), 1)
+                                 .digital(stamp(199), 2)
+                                 .digital(stamp(199) + 9 * c.step, 3) // lost
+                                 .digital(stamp(249), 4)
+                                 .digital(stamp(250) - c.step / 3, 5)
+                                 .digital(stamp(299), 6)
+                                 .digital(stamp(299) + c.step, 7) // the very end
+                                 .digital(stamp(299) + 2 * c.step, 8)
+                                 .bytes());
+        ASSERT_TRUE(opens(file));
+        EXPECT_EQ(findings(), std::vector<std::string>{
+                                  "by its time stamps " + std::string(c.missing) +
+                                  " are missing before sample 200, and others at 1 more places"});
+        LogCapture log;
+        EXPECT_EQ(events(), (std::vector<std::string>{"100 1", "199 2", "200 3", "249 4", "250 5",
+                                                      "299 6", "300 7"}));
+        EXPECT_THAT(log.take(logWarning), testing::ElementsAre(HasSubstr("left out (1)")));
+    }
+}
+
+TEST_F(Blackrock, NetworkClocksStartAnewBeyondTheirJitter) {
+    const struct {
+        std::uint64_t back; // samples of 0.5 ms
+        std::vector<std::string> findings;
+        double begin; // seconds behind the start
+        std::vector<std::string> events;
+    } cases[] = {
+        {600,
+         {"the time stamp of the data block at offset 15380 is lower than the one before: the "
+          "clock "
+          "started anew"},
+         0.2 - 0.5,
+         {"200 1", "900 3", "1050 2"}},
+        {100, {}, 0.0, {"200 1", "450 2", "1000 3"}},
+    };
+    for (const auto& c : cases) {
+        BlackrockFile file = BlackrockFile("BRSMPGRP", 3, 0).channels(1).ticks(1'000'000'000);
+        for (std::uint64_t i = 0; i < 1100; ++i)
+            file.block(500'000 * (i < 1000 ? i : i - c.back), 1);
+        dir.write("Rec.nev", BlackrockEventFile(true)
+                                 .ticks(1'000'000'000)
+                                 .digital(100'000'000, 1)
+                                 .digital(225'000'000, 2)
+                                 .digital(450'000'000, 3)
+                                 .bytes());
+        ASSERT_TRUE(opens(file));
+        EXPECT_EQ(findings(), c.findings);
+        EXPECT_NEAR(reader.getClockTime(0.0), start + c.begin, 1e-6);
+        const LogCapture log;
+        EXPECT_EQ(events(), c.events);
+    }
 }
 
 TEST_F(Blackrock, EventsStandAtTheirSamples) {
