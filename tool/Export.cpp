@@ -23,7 +23,7 @@ struct ExportOptions {
     SignalOptions signals;
 };
 
-bool hasRawValues(const Selection& selection) {
+bool hasRawValues(const Selection& selection, const std::string&) {
     for (const Row& row : selection.rows.rows()) {
         if (row.channel >= 0)
             continue;
@@ -90,7 +90,7 @@ void writeInterleaved(SelectionJob& job, const ExportOptions& options) {
     if (options.output.empty() || options.output == "-")
         throw CLI::ValidationError("--format raw", "writes two files; it needs --output");
     const auto raw = std::make_shared<RawExport>(isFiltered(options.signals), options.showPatient);
-    job.check = isEnoughForRaw;
+    job.check = isFitForRaw;
     job.companion = layoutPathFor;
     job.write = [raw](const Selection& selection, Output& output, LongWork& work) {
         return raw->writeData(selection, output, work);

@@ -56,7 +56,7 @@ bool makeFolder(const std::string& output) {
 
 int writeSelection(const SelectionJob& job, const Selection& selection, const std::string& path,
                    LongWork& work) {
-    if (job.check && !job.check(selection))
+    if (job.check && !job.check(selection, path))
         return exitWrongUsage;
     if (!makeFolder(job.output))
         return exitFailed;

@@ -33,8 +33,8 @@ struct SelectionJob {
     bool keepsGaps = false; ///< of a montage
     /// Writes what the selection shows; false when writing failed or the work was interrupted.
     std::function<bool(const Selection&, Output&, LongWork&)> write;
-    /// Complains of a selection that cannot be written; may be empty.
-    std::function<bool(const Selection&)> check;
+    /// Complains of a selection that cannot be written to that path; may be empty.
+    std::function<bool(const Selection&, const std::string& path)> check;
     /// The path of a second file that is written beside an output; may be empty.
     std::function<std::string(const std::string& path)> companion;
     /// Follows when an output stands under its name; complains when it fails. May be empty.

@@ -31,7 +31,7 @@ struct FileInfo {
     std::string typeName;
     std::optional<RawLayout> layout;
     std::optional<long> sampleLag;
-    std::string channelMap; ///< name of a stored map; empty for none
+    std::string channelMap; ///< name of the map in force; empty for none
 };
 
 KVSIG_API void writeFileInfo(std::ostream& stream, const FileInfo& info);

@@ -123,9 +123,12 @@ std::vector<std::string> channelMapKeys(const std::vector<std::string>& names,
     for (const std::string& name : names) {
         const std::string unnamed = defaultChannelName(keys.size());
         std::string wanted = changedName(name);
-        if (!isDerivation(wanted))
-            wanted.replace(std::min<std::size_t>(wanted.size(), gridNameSize - 1),
-                           std::string::npos, IndexOf1020(wanted.c_str()) < 0 ? notScalp : joined);
+        if (!isDerivation(wanted)) {
+            // "C3-" is C3 against what is not told.
+            wanted.resize(
+                std::min<std::size_t>(wanted.find_last_not_of('-') + 1, gridNameSize - 1));
+            wanted += IndexOf1020(wanted.c_str()) < 0 ? notScalp : joined;
+        }
         if (name == unnamed || !isDerivation(wanted)) {
             keys.push_back(unnamed);
             continue;

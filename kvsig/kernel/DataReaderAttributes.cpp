@@ -214,7 +214,9 @@ bool DataReader::getChannelMapDefn(const char* name, std::ostream& stream) {
         std::vector<std::string> names(static_cast<std::size_t>(std::max<int>(channelCount(), 0)));
         for (std::size_t i = 0; i < names.size(); ++i)
             names[i] = viewOf(_channelName(static_cast<int>(i)));
-        writeChannelNames(stream, defaultMap, names, refGrid());
+        // The reference in force may be one that the map has brought.
+        const char* reference = m_state->hasChannelMap != 0 ? "" : refGrid();
+        writeChannelNames(stream, defaultMap, names, reference);
         return true;
     }
     if (!isBuiltin(name, privateMap))

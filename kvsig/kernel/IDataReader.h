@@ -183,7 +183,7 @@ class IDataReader : public IUnknown {
     /// are built in: 0 is "(Default)", no map, the names that the recording itself has; 1 is
     /// "(Private)", the map that the attribute file holds. Any other index gives "".
     virtual const char* builtinChannelMapName(int index) = 0;
-    /// The map in force: a built-in name or that of a stored map.
+    /// The map in force: a built-in name or the one that it was applied by, stored or not.
     virtual const char* getChannelMapName() = 0;
     /// Reads the list of stored maps and returns their number plus the 2 built in.
     virtual int getChannelMapCount() = 0;
@@ -209,8 +209,9 @@ class IDataReader : public IUnknown {
     /// missing that the recording needs.
     virtual bool readAttributeFile(std::istream& stream) = 0;
     /// Writes what readAttributeFile() reads, montages left out. A map in force is written by its
-    /// name; the private one and one that is not stored with all names, so that these read back.
-    /// False when the stream has failed.
+    /// name; the private one and one that is not stored with all names, so that these read back. By
+    /// name alone, channels that a stored map leaves out come back as "Ch<n>". False when the
+    /// stream has failed.
     virtual bool writeAttributeFile(std::ostream& stream) = 0;
     /// @{
     /// Queries of the host that the library itself never asks; 1 unless a reader knows better.

@@ -10,7 +10,9 @@
 #include "kvsig/util/Text.h"
 #include "kvsig/util/TextFile.h"
 
+#include <filesystem>
 #include <sstream>
+#include <system_error>
 
 namespace kvsig {
 namespace {
@@ -21,7 +23,8 @@ void resolveDataFile(IDataReader& reader, const std::string& layoutPath) {
     const auto* recording = dynamic_cast<DataReader*>(&reader);
     const std::string stored = recording ? recording->filePath() : reader.fileName();
     const std::string beside = neighbourFile(layoutPath, stored);
-    if (!beside.empty())
+    std::error_code failed;
+    if (std::filesystem::is_regular_file(beside, failed))
         reader.setFileName(beside.c_str());
 }
 

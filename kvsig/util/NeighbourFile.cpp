@@ -9,16 +9,28 @@
 namespace kvsig {
 namespace {
 
-// What may be a file: regular, or of a kind that cannot be found out, as behind a link that leads
-// nowhere.
-bool isThere(const std::string& candidate) {
+std::filesystem::file_type typeOf(const std::string& path) {
+    std::error_code failed;
+    return std::filesystem::status(path, failed).type();
+}
+
+bool isRegular(const std::string& path) {
+    return typeOf(path) == std::filesystem::file_type::regular;
+}
+
+// A link that leads nowhere, or where nothing can be found out.
+bool isLostLink(const std::string& path) {
     using std::filesystem::file_type;
     std::error_code failed;
-    const file_type named = std::filesystem::symlink_status(candidate, failed).type();
-    const file_type meant = std::filesystem::status(candidate, failed).type();
-    return meant == file_type::regular ||
-           (named == file_type::symlink &&
-            (meant == file_type::not_found || meant == file_type::none));
+    const file_type meant = typeOf(path);
+    return std::filesystem::symlink_status(path, failed).type() == file_type::symlink &&
+           (meant == file_type::not_found || meant == file_type::none);
+}
+
+// Of several such files the first in byte order, whatever order the folder lists them in.
+void takeFirst(std::string& found, const std::string& candidate) {
+    if (found.empty() || candidate < found)
+        found = candidate;
 }
 
 } // namespace
@@ -37,19 +49,23 @@ std::string neighbourFile(const std::string& path, std::string_view name) {
         return {};
     const std::filesystem::path folder = std::filesystem::path(path).parent_path();
     std::string exact = (folder / base).string();
-    if (isThere(exact))
+    if (isRegular(exact))
         return exact;
     std::string found;
+    std::string lost;
     std::error_code failed;
     std::filesystem::directory_iterator entry(folder.empty() ? "." : folder, failed);
     for (; !failed && entry != std::filesystem::directory_iterator(); entry.increment(failed)) {
         const std::string other = entry->path().filename().string();
         const std::string candidate = (folder / other).string();
-        // Several such files: the first in byte order, whatever order the folder lists them in.
-        if (equalNoCase(other, base) && (found.empty() || candidate < found) && isThere(candidate))
-            found = candidate;
+        if (!equalNoCase(other, base))
+            continue;
+        if (isRegular(candidate))
+            takeFirst(found, candidate);
+        else if (isLostLink(candidate))
+            takeFirst(lost, candidate);
     }
-    return found;
+    return found.empty() ? lost : found;
 }
 
 std::string_view nameEnding(std::string_view path) {

@@ -12,8 +12,9 @@ namespace kvsig {
 [[nodiscard]] KVSIG_API std::string_view baseName(std::string_view path);
 
 /// The path of the regular file in the folder of `path` whose name is the base name of `name`, or
-/// else differs from it in ASCII letter case alone; empty when there is none. A file that is there
-/// and does not open is not absent: its path is returned, and opening it tells why.
+/// else differs from it in ASCII letter case alone; without one, a link of such a name that leads
+/// nowhere, since a file that is there and does not open is not absent: opening it tells why. Empty
+/// when there is neither.
 [[nodiscard]] KVSIG_API std::string neighbourFile(const std::string& path, std::string_view name);
 
 /// The file beside `path` of the same name but for its ending, given with its dot (".nev"); found

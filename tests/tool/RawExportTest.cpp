@@ -92,7 +92,11 @@ TEST_F(RawExport, NeverReplacesWhatItReads) {
     EXPECT_EQ(run("a.edf --format raw").exitCode, 2);
     EXPECT_THAT(run("a.edf -o c.raw --to 0.5").err,
                 HasSubstr("2 samples; raw data needs at least 3"));
+    EXPECT_THAT(run("a.edf -o 'b\\c.raw'").err, HasSubstr("a layout cannot name it"));
+    fs::copy(dir.file("a.lay"), dir.file("c.lay"));
+    EXPECT_THAT(run("a.edf -o c.raw").err, HasSubstr("c.lay is there and does not describe"));
     EXPECT_FALSE(fs::exists(dir.file("c.raw")));
+    EXPECT_EQ(run("a.edf -o a.raw").exitCode, 0) << "once more";
     EXPECT_EQ(run("a.edf --values raw -o b.raw").exitCode, 2);
 }
 
@@ -106,6 +110,11 @@ TEST_F(RawExport, NamesThatAMapCannotHoldAreChanged) {
     EXPECT_STREQ(to->channelName(0), "x_y-Ref");
     EXPECT_STREQ(to->channelName(1), "_z]-Ref");
     EXPECT_STREQ(to->channelName(2), "2_x_y-Ref");
+    EdfFile other = EdfFile().signal("C3-", 4).signal("Left1", 4).signal("Right1", 4);
+    other.signal("Middle", 4).records(3).writeTo(dir.file("b.edf"));
+    EXPECT_THAT(run("b.edf -o b.raw --channels '#0,Left1-Middle+Right1+Left1'").err,
+                HasSubstr("is written as Left1-Middle+Right1+L\n"));
+    EXPECT_STREQ(open("b.lay")->channelName(0), "C3-Ref");
 }
 
 } // namespace

@@ -57,6 +57,8 @@ TEST(NeighbourFile, FindsNamesFromOtherSystems) {
     EXPECT_EQ(neighbourFile(layout, "absent"), "");
     std::filesystem::create_symlink("nowhere", dir.file("Lost.dat"));
     EXPECT_EQ(neighbourFile(layout, "lost.dat"), dir.file("Lost.dat")) << "there, though not open";
+    dir.write("LOST.DAT", "1");
+    EXPECT_EQ(neighbourFile(layout, "Lost.dat"), dir.file("LOST.DAT"));
     std::filesystem::create_directory(dir.file("folder"));
     EXPECT_EQ(neighbourFile(layout, "folder"), "");
     EXPECT_EQ(neighbourFile(layout, "old/"), "");

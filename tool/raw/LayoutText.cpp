@@ -1,6 +1,7 @@
 #include "tool/raw/LayoutText.h"
 
 #include "kvsig/kernel/AttributeFile.h"
+#include "kvsig/montage/names/Derivation.h"
 #include "kvsig/registry/types/FileTypes.h"
 #include "kvsig/util/NeighbourFile.h"
 #include "kvsig/util/Saturate.h"
@@ -52,6 +53,17 @@ void writeNames(std::ostream& text, const Selection& selection) {
     writeChannelNames(text, "ChannelMap", names, commonReference(selection.recording));
 }
 
+// A derivation's parts are cut to the length of electrode names.
+std::string nameReadBack(const std::string& written) {
+    char grid1[gridNameSize];
+    char grid2[gridNameSize];
+    char name[derivationNameSize];
+    if (ParseG1G2(written.c_str(), grid1, grid2, nullptr) != 2)
+        return written;
+    NameFromG1G2(grid1, grid2, name);
+    return name;
+}
+
 } // namespace
 
 std::string layoutText(const Selection& selection, double calibration, const std::string& dataPath,
@@ -81,10 +93,10 @@ std::vector<std::string> changedNames(const Selection& selection) {
     std::getline(text, line); // the heading
     for (const Row& row : selection.rows.rows()) {
         std::getline(text, line);
-        const std::string written = line.substr(0, line.rfind('='));
-        if (!written.starts_with(row.name))
+        const std::string read = nameReadBack(line.substr(0, line.rfind('=')));
+        if (!read.starts_with(row.name))
             sentences.push_back("the name " + printable(row.name) + " is written as " +
-                                printable(written));
+                                printable(read));
     }
     return sentences;
 }

@@ -1,7 +1,9 @@
 #include "tool/raw/RawExport.h"
 
 #include "kvsig/util/ByteOrder.h"
+#include "kvsig/util/NeighbourFile.h"
 #include "kvsig/util/OutputFile.h"
+#include "kvsig/util/ProfileText.h"
 #include "kvsig/util/Saturate.h"
 #include "tool/CountStream.h"
 #include "tool/RowStream.h"
@@ -12,6 +14,7 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <fstream>
 #include <system_error>
 #include <vector>
 
@@ -74,6 +77,17 @@ bool writeRounded(const Selection& selection, const RawScale& scale, FrameWriter
     return true;
 }
 
+bool describes(const std::string& layout, const std::string& dataName) {
+    constexpr int longestName = 4096;
+    if (!std::filesystem::is_regular_file(layout))
+        return false;
+    std::ifstream text(layout, std::ios::binary);
+    std::string stored(longestName, '\0');
+    stored.resize(static_cast<std::size_t>(
+        GetLocalProfileString("FileInfo", "File", "", stored.data(), longestName, text)));
+    return baseName(stored) == dataName;
+}
+
 } // namespace
 
 std::string layoutPathFor(const std::string& dataPath) {
@@ -84,13 +98,22 @@ std::string layoutPathFor(const std::string& dataPath) {
     return (hasEnding ? dataPath.substr(0, dot) : dataPath) + ".lay";
 }
 
-bool isEnoughForRaw(const Selection& selection) {
+bool isFitForRaw(const Selection& selection, const std::string& dataPath) {
     constexpr long fewestSamples = 3; // of a recording that opens
-    if (selection.range.length() >= fewestSamples)
+    const std::string layout = layoutPathFor(dataPath);
+    const std::string name = std::filesystem::path(dataPath).filename().string();
+    if (selection.range.length() < fewestSamples)
+        complain(selection.recording.path + ": the range has " +
+                 std::to_string(selection.range.length()) + " samples; raw data needs at least " +
+                 std::to_string(fewestSamples));
+    else if (baseName(name) != name || name.find_first_of("\r\n") != std::string::npos)
+        complain(dataPath + ": a layout cannot name it (its name holds a backslash, a drive or a "
+                            "line end); choose another name");
+    else if (std::filesystem::exists(layout) && !describes(layout, name))
+        complain(dataPath + ": its layout " + layout +
+                 " is there and does not describe it; choose another name");
+    else
         return true;
-    complain(selection.recording.path + ": the range has " +
-             std::to_string(selection.range.length()) + " samples; raw data needs at least " +
-             std::to_string(fewestSamples));
     return false;
 }
 

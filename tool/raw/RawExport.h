@@ -25,8 +25,9 @@ class RawExport {
     RawScale m_scale;
 };
 
-/// False with a complaint when raw data of it would be too short to open.
-[[nodiscard]] bool isEnoughForRaw(const Selection& selection);
+/// False with a complaint when raw data of it, written to `dataPath`, would not open: it is too
+/// short, no layout can name it, or its layout would take the place of another file.
+[[nodiscard]] bool isFitForRaw(const Selection& selection, const std::string& dataPath);
 
 /// Where the layout of a data file stands.
 [[nodiscard]] std::string layoutPathFor(const std::string& dataPath);
