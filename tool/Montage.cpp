@@ -46,8 +46,10 @@ Json montageFacts(SourceMontage& montage) {
 
 std::string text(const Json& facts) {
     std::string out = "montage " + facts["name"].get<std::string>();
-    out += facts["referential"].get<bool>() ? ", against " + facts["reference"].get<std::string>()
-                                            : ", no reference in common";
+    const std::string reference = facts["reference"];
+    out += !facts["referential"].get<bool>() ? ", no reference in common"
+           : reference.empty()               ? ", against a common reference without a name"
+                                             : ", against " + reference;
     std::vector<std::vector<std::string>> rows{{"#", "name", "definition"}};
     int index = 0;
     for (const Json& source : facts["sources"])

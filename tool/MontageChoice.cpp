@@ -9,6 +9,7 @@
 #include "tool/ElectrodeName.h"
 #include "tool/HeardWarnings.h"
 #include "tool/LeftOut.h"
+#include "tool/RowFaults.h"
 #include "tool/Words.h"
 
 #include <algorithm>
@@ -71,10 +72,11 @@ void moveRow(G1G2Source& row, int reference) {
 }
 
 // Unlike the library, which moves whatever stands against its recorded reference, ECG and
-// temperature stay as they are, and so do the bipolar rows of a referential montage.
-bool applyReference(SourceMontage& montage, const std::string& reference,
-                    const std::string& where) {
-    if (!montage.reader()->isMapReferential()) {
+// temperature stay as they are, and so do the bipolar rows of a referential montage and channels
+// that were recorded against something else.
+bool applyReference(SourceMontage& montage, const Recording& recording,
+                    const std::string& reference, const std::string& where) {
+    if (!recording.reader->isMapReferential()) {
         complain(where + ": --reference " + reference +
                  ": the channels were recorded against different electrodes, so no reference can "
                  "take the place of theirs");
@@ -87,7 +89,10 @@ bool applyReference(SourceMontage& montage, const std::string& reference,
         return false;
     }
     const std::string common = montage.isReferential() ? montage.ref() : "";
-    std::vector<std::string> kept;
+    const std::optional<std::string> recorded =
+        oneReference(recording, channelsOfReference(montage, *recording.reader, id));
+    std::vector<std::string> noElectrodes;
+    std::vector<std::string> elsewhere;
     int moved = 0;
     for (int i = 0; i < montage.sourceCount(); ++i) {
         auto* row = dynamic_cast<G1G2Source*>(montage.source(i));
@@ -97,7 +102,11 @@ bool applyReference(SourceMontage& montage, const std::string& reference,
         if (!standsAgainstReference(*row, common, grid2.c_str()))
             continue;
         if (!isElectrodeName(row->grid1())) {
-            kept.push_back(rowLabel(*row));
+            noElectrodes.push_back(rowLabel(*row));
+            continue;
+        }
+        if (!recorded || !equalNoCase(recordedReference(recording, row->channel1()), *recorded)) {
+            elsewhere.push_back(rowLabel(*row));
             continue;
         }
         moveRow(*row, id);
@@ -107,8 +116,14 @@ bool applyReference(SourceMontage& montage, const std::string& reference,
     if (moved > 0 && equalNoCase(montage.name(), recordedMontage))
         montage.setName("Recorded, re-referenced");
     montage.isReferential(); // finds the reference that the rows have now
-    if (!kept.empty())
-        remark(where + ": no electrodes by their names, left as they are: " + listed(kept));
+    const auto remarkOnKept = [&where](const std::string& why,
+                                       const std::vector<std::string>& rows) {
+        if (!rows.empty())
+            remark(where + ": " + why + ", left as they are: " + listed(rows));
+    };
+    remarkOnKept("no electrodes by their names", noElectrodes);
+    remarkOnKept("not known to have been recorded against the same reference as " + reference,
+                 elsewhere);
     if (moved == 0)
         remark(where + ": --reference " + reference + " changes no row");
     return true;
@@ -182,9 +197,18 @@ bool fillMontage(SourceMontage& montage, const Recording& recording, const Monta
     for (const std::string& text : warnings.texts())
         complain(std::string(where).append(": ").append(text));
     if (!known && montage.unresolved().empty()) {
-        complain(recording.path + ": --montage \"" + name + "\" is not known; there are " +
-                 listed(montageNames(reader)));
-        return false;
+        // The library makes the montages that a recording holds where it has one reference only.
+        if (reader.montageIndex(name.c_str()) >= 0 && !reader.isMapReferential()) {
+            complain(where + " is the recording's own and cannot be made: its channels were "
+                             "recorded against different electrodes");
+            return false;
+        }
+        const std::vector<std::string> names = montageNames(reader);
+        if (std::find(names.begin(), names.end(), name) == names.end()) {
+            complain(recording.path + ": --montage \"" + name + "\" is not known; there are " +
+                     listed(names));
+            return false;
+        }
     }
     LeftOut leftOut = leftOutOf(montage);
     const bool anyRow = shownRows(montage) > 0;
@@ -196,7 +220,7 @@ bool fillMontage(SourceMontage& montage, const Recording& recording, const Monta
     remarkOnWhatIsLeftOut(leftOut, where);
     if (!anyRow)
         return false;
-    return choice.reference.empty() || applyReference(montage, choice.reference, where);
+    return choice.reference.empty() || applyReference(montage, recording, choice.reference, where);
 }
 
 } // namespace kvsig::tool

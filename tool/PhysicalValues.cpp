@@ -3,12 +3,6 @@
 #include <cmath>
 
 namespace kvsig::tool {
-namespace {
-
-constexpr short otherUnitType = 100;
-
-} // namespace
-
 bool rangeIsStated(IDataReader& reader, int channel) {
     const double calibration = reader.calibration(channel);
     const double digitalSpan =

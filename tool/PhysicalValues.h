@@ -7,6 +7,9 @@
 
 namespace kvsig::tool {
 
+/// The type of channels in other units than microvolts.
+inline constexpr short otherUnitType = 100;
+
 /// What turns the kernel's values of a recorded channel into the physical ones that its format
 /// defines: value * gain + offset.
 struct PhysicalMap {

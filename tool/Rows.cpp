@@ -3,6 +3,7 @@
 #include "kvsig/montage/DataSource.h"
 #include "kvsig/montage/FilterDesign.h"
 #include "kvsig/util/Text.h"
+#include "tool/RowFaults.h"
 #include "tool/Words.h"
 
 #include <algorithm>
@@ -10,8 +11,6 @@
 
 namespace kvsig::tool {
 namespace {
-
-constexpr short otherUnitType = 100;
 
 // What a chain does to a constant.
 double gainAtZeroHertz(const FilterList& chain) {
@@ -81,6 +80,7 @@ bool Rows::selectChannels(const std::string& list) {
 bool Rows::selectMontage(const MontageChoice& choice, bool keepGaps) {
     if (!fillMontage(m_montage, *m_recording, choice))
         return false;
+    m_reference = m_montage.ref();
     // Gaps stand as the montage has them, but a group of rows that are all left out takes the gap
     // behind it, or before it, away with it.
     bool anyLeftOut = false;
@@ -106,25 +106,6 @@ bool Rows::selectMontage(const MontageChoice& choice, bool keepGaps) {
     return any;
 }
 
-namespace {
-
-// The reader's channels that a montage's row is computed from.
-std::vector<int> channelsOf(const SourceMontage& montage, const G1G2Source& row) {
-    std::vector<int> channels{row.channel1()};
-    if (row.channel2() < 0)
-        return channels;
-    if ((row.channel2() & G1G2Source::averageBit) == 0) {
-        channels.push_back(row.channel2());
-        return channels;
-    }
-    if (const AvgSource* average = montage.avgRef(row.channel2() & ~G1G2Source::averageBit))
-        channels.insert(channels.end(), average->getAvgChannels().begin(),
-                        average->getAvgChannels().end());
-    return channels;
-}
-
-} // namespace
-
 void Rows::addGap(DataSource& source) {
     Row row;
     row.gap = true;
@@ -135,12 +116,17 @@ void Rows::addGap(DataSource& source) {
 bool Rows::addMontageRow(DataSource& source) {
     Row row;
     if (const auto* pair = dynamic_cast<G1G2Source*>(&source)) {
-        const std::vector<int> channels = channelsOf(m_montage, *pair);
-        if (const std::string fault = mixFault(channels); !fault.empty()) {
+        std::vector<int> channels =
+            channelsOfReference(m_montage, *m_recording->reader, pair->channel2());
+        channels.insert(channels.begin(), pair->channel1());
+        std::string fault = mixFault(*m_recording, m_names, channels);
+        if (fault.empty())
+            fault = referenceFault(*m_recording, m_names, channels);
+        if (!fault.empty()) {
             remark(m_recording->path + ": " + rowLabel(source) + " is left out: " + fault);
             return false;
         }
-        row = channels.size() == 1 ? recordedRow(channels.front()) : derivedRow(channels);
+        row = channels.size() == 1 ? recordedRow(channels.front()) : derivedRow(channels.front());
         row.name = rowLabel(source);
     }
     row.source = &source;
@@ -240,49 +226,20 @@ bool Rows::addDifference(const RowDefinition& definition) {
                   definition);
 }
 
-// One scale serves a whole derivation, so its channels must share type, units and calibration where
-// the scale depends on them.
-std::string Rows::mixFault(const std::vector<int>& channels) const {
-    IDataReader& reader = *m_recording->reader;
-    const int first = channels.front();
-    const auto named = [&](int channel) {
-        return m_names.label(channel) + " (" + toUtf8(reader.channelUnits(channel)) + ")";
-    };
-    const bool microvolts = reader.channelType(first) != otherUnitType;
-    const std::string units = reader.channelUnits(first);
-    for (const int channel : channels)
-        if (reader.channelType(channel) != reader.channelType(first) ||
-            physicalMapOf(reader, channel).gain != physicalMapOf(reader, first).gain ||
-            (!microvolts && viewOf(reader.channelUnits(channel)) != units))
-            return named(channel) + " and " + named(first) +
-                   " differ in units or scale and cannot be combined";
-    return {};
-}
-
-// Electrodes are compared by their channels, which holds when these have one reference: F3-A2 less
-// C4-A1 is not F3-C4. A channel that states none is taken to have the one that the scalp has.
-std::string Rows::referenceFault(const RowDefinition& definition) const {
-    IDataReader& reader = *m_recording->reader;
-    const int first = definition.parts.front().channel;
-    const std::string reference = reader.grid2(first);
-    const auto differs = [&](std::string_view other) {
-        const bool oneUnstated = reference.empty() || other.empty();
-        return !equalNoCase(reference, other) && !(oneUnstated && reader.isMapReferential());
-    };
+std::string Rows::faultOf(const RowDefinition& definition) const {
+    const std::vector<int> channels = definition.channels();
     const auto byElectrode = [this](const RowPart& part) { return m_names.isElectrode(part.name); };
-    if (std::none_of(definition.parts.begin(), definition.parts.end(), byElectrode))
-        return {};
-    for (const RowPart& part : definition.parts)
-        if (differs(viewOf(reader.grid2(part.channel))))
-            return m_names.label(first) + " and " + m_names.label(part.channel) +
-                   " were recorded against different electrodes; for the difference of channels "
-                   "name them in full or as #N";
-    return {};
+    std::string fault = mixFault(*m_recording, m_names, channels);
+    if (!fault.empty() ||
+        std::none_of(definition.parts.begin(), definition.parts.end(), byElectrode))
+        return fault;
+    fault = referenceFault(*m_recording, m_names, channels);
+    return fault.empty() ? fault
+                         : fault + "; for the difference of channels name them in full or as #N";
 }
 
-Row Rows::derivedRow(const std::vector<int>& channels) const {
+Row Rows::derivedRow(int first) const {
     IDataReader& reader = *m_recording->reader;
-    const int first = channels.front();
     Row row;
     row.gain = physicalMapOf(reader, first).gain;
     row.units = toUtf8(reader.channelUnits(first));
@@ -291,16 +248,12 @@ Row Rows::derivedRow(const std::vector<int>& channels) const {
 }
 
 bool Rows::append(std::unique_ptr<DataSource> source, const RowDefinition& definition) {
-    const std::vector<int> channels = definition.channels();
-    std::string fault = mixFault(channels);
-    if (fault.empty())
-        fault = referenceFault(definition);
-    if (!fault.empty()) {
+    if (const std::string fault = faultOf(definition); !fault.empty()) {
         complain(m_recording->path + ": " + definition.text + ": " + fault);
         return false;
     }
     source->setMontage(this);
-    Row row = derivedRow(channels);
+    Row row = derivedRow(definition.channels().front());
     row.source = &keep(std::move(source));
     row.name = definition.text;
     m_rows.push_back(std::move(row));

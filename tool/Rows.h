@@ -48,6 +48,8 @@ class Rows final : public MontageContext {
     /// Gap rows of a montage are rows when `keepGaps`.
     bool select(const SignalOptions& options, bool keepGaps);
     [[nodiscard]] const std::vector<Row>& rows() const { return m_rows; }
+    /// The reference that a montage's rows have in common; empty when they have none.
+    [[nodiscard]] const std::string& reference() const { return m_reference; }
 
     AvgSource* averageReference(int index) override;
     int rowOf(const DataSource& source) override;
@@ -63,13 +65,11 @@ class Rows final : public MontageContext {
     bool addDifference(const RowDefinition& definition);
     bool append(std::unique_ptr<DataSource> source, const RowDefinition& definition);
     DataSource& keep(std::unique_ptr<DataSource> source);
-    /// Why channels cannot stand in one derivation; empty when they can.
-    [[nodiscard]] std::string mixFault(const std::vector<int>& channels) const;
-    /// Why electrodes cannot be told by these channels; empty when they can.
-    [[nodiscard]] std::string referenceFault(const RowDefinition& definition) const;
-    /// A row of a derivation of these channels, without its source and name.
+    /// Why a derivation cannot be made; empty when it can.
+    [[nodiscard]] std::string faultOf(const RowDefinition& definition) const;
+    /// A row of a channel, or of a derivation that begins with one, without its source and name.
     [[nodiscard]] Row recordedRow(int channel) const;
-    [[nodiscard]] Row derivedRow(const std::vector<int>& channels) const;
+    [[nodiscard]] Row derivedRow(int first) const;
 
     /// Says once of each name that several channels share which of them is taken.
     void remarkOnTwins(const std::string& name);
@@ -86,6 +86,7 @@ class Rows final : public MontageContext {
     std::vector<std::unique_ptr<DataSource>> m_sources;
     std::vector<std::unique_ptr<AvgSource>> m_averages;
     TrackedMontage m_montage;
+    std::string m_reference;
     std::deque<IIRNotch> m_notches;
 };
 

@@ -163,7 +163,8 @@ void FlatReader::addAnchors() {
     const auto& segments = recording.segments;
     double latest = never; // start
     double before = 0.0;   // seconds of the segment that ends last
-    double end = never;    // of the clock, as it is shown
+    double shown = never;  // end of what follows the last anchor, by the clock as it is shown
+    double end = never;    // the latest of these
     FirstOfMany setBack, overlaps;
     m_flat->ownAnchors = true;
     for (std::size_t i = 0; i < segments.size(); ++i) {
@@ -178,7 +179,8 @@ void FlatReader::addAnchors() {
         if (start < latest) {
             setBack.add(
                 [&] { return begins(shortestText(latest - start) + " s before an earlier one"); });
-            end += seconds;
+            shown += seconds;
+            end = std::max(end, shown);
             continue;
         }
         latest = start;
@@ -186,8 +188,9 @@ void FlatReader::addAnchors() {
             overlaps.add([&] {
                 return begins(fixedText(end - start, 3) + " s before what is before it ends");
             });
-        if (start + seconds >= end) {
-            end = start + seconds;
+        shown = start + seconds;
+        if (shown >= end) {
+            end = shown;
             before = seconds;
         }
         SampleTime anchor;

@@ -57,6 +57,21 @@ std::string eventText(const HeaderBlock& block, std::int64_t base) {
 
 } // namespace
 
+std::int64_t offsetOf(const TableOffset& table, std::int64_t size) {
+    constexpr std::int64_t mostUpper = 0xFFFF; // beyond it lies no file
+    const std::int64_t narrow = table.data + 2 * table.values;
+    const std::int64_t wide = table.data + 4 * table.values;
+    const bool isNarrow = table.values > 0 && narrow % fourGiB == table.lower;
+    const bool isWide = table.values > 0 && wide % fourGiB == table.lower;
+    if (isNarrow != isWide)
+        return isNarrow ? narrow : wide;
+    const std::int64_t whole =
+        table.upper <= mostUpper ? table.lower + fourGiB * table.upper : std::int64_t{-1};
+    // Of whole gigabytes of samples both widths have the same lower bits.
+    const bool isBorneOut = isNarrow && (whole == narrow || whole == wide);
+    return size > fourGiB || isBorneOut ? whole : table.lower;
+}
+
 bool isTableAt(const HeaderFile& file, std::int64_t offset) {
     const HeaderBlock head = file.read("event table", offset, tableHead);
     const int type = valueOf(head, tableType);

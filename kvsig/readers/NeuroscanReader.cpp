@@ -60,6 +60,10 @@ struct NeuroscanReader::Places {
     [[nodiscard]] std::int64_t frameBytes() const {
         return std::max<std::int64_t>(channels * bytes, 1);
     }
+    /// Whether an event table can stand at an offset of the file of `size` bytes.
+    [[nodiscard]] bool isInside(std::int64_t offset, std::int64_t size) const {
+        return offset > data && offset <= size;
+    }
     /// Bytes behind the last whole frame before `end`.
     [[nodiscard]] std::int64_t rest() const { return (end - data) % frameBytes(); }
 };
@@ -130,23 +134,14 @@ bool NeuroscanReader::findPlaces(const HeaderBlock& header, const HeaderFile& fi
         return refuse(2, sentenceOf(header, numberOfChannels) +
                              ", whose records leave the file of " + std::to_string(size) +
                              " bytes");
-    // The offset has 32 bits; of longer files another field has the upper ones. Of one that was cut
-    // to less the number of samples must bear it out.
     const std::int64_t count = valueOf(header, numberOfSamples);
-    places.announced = valueOf(header, eventTable);
-    if (constexpr std::uint32_t mostUpper = 0xFFFF; // beyond it lies no file
-        valueOf(header, previousFile) <= mostUpper) {
-        const std::int64_t whole = places.announced + fourGiB * valueOf(header, previousFile);
-        const std::int64_t values = places.channels * count;
-        if (size > fourGiB || whole - places.data == 2 * values ||
-            whole - places.data == 4 * values)
-            places.announced = whole;
-    }
+    places.announced = offsetOf({valueOf(header, eventTable), valueOf(header, previousFile),
+                                 places.data, places.channels * count},
+                                size);
     places.bytes = sampleBytes(header, file, places);
-    const auto inside = [&](std::int64_t offset) { return offset > places.data && offset <= size; };
-    if (size > fourGiB && !inside(places.announced))
+    if (size > fourGiB && !places.isInside(places.announced, size))
         places.announced = places.data + places.frameBytes() * count;
-    places.hasEvents = inside(places.announced);
+    places.hasEvents = places.isInside(places.announced, size);
     places.end = places.hasEvents ? places.announced : size;
     const std::string outside = "the event table (offset " + std::to_string(places.announced) +
                                 ") is not between the first sample (offset " +
@@ -157,6 +152,10 @@ bool NeuroscanReader::findPlaces(const HeaderBlock& header, const HeaderFile& fi
         return refuse(3, sentenceOf(header, acquisition) + " and " + outside + averages);
     if (!places.hasEvents)
         report(Severity::warning, outside + ": samples are read to its end, without events");
+    if (places.hasEvents && size - places.announced >= fourGiB)
+        report(Severity::warning, "more than 4 GiB follow its event table (offset " +
+                                      std::to_string(places.announced) +
+                                      "): the upper bits of that offset may be missing");
     places.room = wholeFrames(places.data, places.end, places.frameBytes());
     places.frames = count > 0 ? std::min(count, places.room) : places.room;
     if (places.frames < places.room)
@@ -182,8 +181,17 @@ int NeuroscanReader::sampleBytes(const HeaderBlock& header, const HeaderFile& fi
     if (next > 0 && next + trailerWide.offset < file.size()) {
         const HeaderBlock trailer = file.read("trailer", next, trailerWide.offset + 1);
         const int mark = valueOf(trailer, trailerWide);
-        byTrailer = mark == 1 ? 4 : mark == 0 ? 2 : 0;
         isMarked = valueOf(trailer, trailerMark) == "NSI TFF";
+        // It stands behind the event table; of a long file its offset has lost the upper bits.
+        const bool isBehind = places.isInside(places.announced, file.size())
+                                  ? next > places.announced
+                                  : file.size() <= fourGiB;
+        if (isMarked || isBehind)
+            byTrailer = mark == 1 ? 4 : mark == 0 ? 2 : 0;
+        else
+            report(Severity::note, sentenceOf(header, nextFile) +
+                                       ", which is no trailer behind the event table at " +
+                                       std::to_string(places.announced));
     }
     const std::int64_t values = places.channels * valueOf(header, numberOfSamples);
     const std::int64_t room = places.announced - places.data;

@@ -21,6 +21,10 @@ SegmentClock::SegmentClock(const FlatRecording& recording) {
     const auto endOf = [&](std::size_t i) {
         return segments[i].start + static_cast<double>(segments[i].count) / recording.rate;
     };
+    const auto add = [this](double from, std::size_t segment) {
+        const std::size_t before = m_stretches.empty() ? segment : m_stretches.back().earliest;
+        m_stretches.push_back({from, segment, std::min(before, segment)});
+    };
     std::vector<std::size_t> begun; // and not ended, in the order of their starts
     // Where one ends, the one that it began in goes on.
     const auto endThoseBefore = [&](double time) {
@@ -29,12 +33,12 @@ SegmentClock::SegmentClock(const FlatRecording& recording) {
             while (!begun.empty() && endOf(begun.back()) <= end)
                 begun.pop_back();
             if (!begun.empty())
-                m_stretches.push_back({end, begun.back()});
+                add(end, begun.back());
         }
     };
     for (const std::size_t i : order) {
         endThoseBefore(segments[i].start);
-        m_stretches.push_back({segments[i].start, i});
+        add(segments[i].start, i);
         begun.push_back(i);
     }
     endThoseBefore(std::numeric_limits<double>::infinity());
@@ -58,7 +62,7 @@ std::optional<SegmentClock::Place> SegmentClock::placeOf(const FlatRecording& re
     if (next == m_stretches.end())
         return std::nullopt;
     // A clock is rounded: up to half a sample before the start it is the first one.
-    const bool isPause = next != m_stretches.begin() && std::prev(next)->segment < next->segment;
+    const bool isPause = next != m_stretches.begin() && std::prev(next)->earliest < next->segment;
     return isPause || sampleIn(next->segment) >= 0 ? std::optional(Place{next->segment, 0})
                                                    : std::nullopt;
 }

@@ -34,8 +34,11 @@ ReaderPtr owned(UnheldReader reader) {
 }
 
 std::string openError(IDataReader& reader, const std::string& path) {
-    if (auto* single = dynamic_cast<DataReader*>(&reader))
-        return single->lastErrorText();
+    if (auto* single = dynamic_cast<DataReader*>(&reader)) {
+        // What a layout says may be what is wrong with the recording that it leads to.
+        const bool isDescribed = single->filePath() != path;
+        return (isDescribed ? path + ": " : "") + single->lastErrorText();
+    }
     if (auto* pair = dynamic_cast<SyncReader*>(&reader))
         return pair->lastErrorText();
     return path + ": cannot be opened";

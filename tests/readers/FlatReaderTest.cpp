@@ -296,6 +296,9 @@ TEST(FlatReader, ClockTimesAreFoundInWhateverOrderSegmentsStand) {
         {"set back, then a pause",
          {{20, 100.0}, {20, 90.0}, {10, 110.0}, {10, 95.0}},
          {{91, 30}, {93, 50}, {97, none}, {101, 10}, {105, 40}, {110.5, 45}, {95.5, 55}}},
+        {"a pause behind one set back",
+         {{120, 5.0}, {30, 24.0}, {120, 5.0}},
+         {{4, none}, {6, 160}, {18, 120}, {25, 130}, {28, none}}},
         {"of the same start", {{100, 0.0}, {50, 0.0}}, {{2, 120}, {6, 60}}},
     };
     for (const auto& c : cases) {
@@ -332,10 +335,15 @@ TEST(FlatReader, OddClocksAreToldOnceAsFarAsTheyAreKnown) {
          {"segment 2 of 4 begins 100 s before an earlier one, and so do 1 more: samples there",
           "segment 3 of 4 begins 1.000 s before what is before it ends: clock"}},
         {0, false, {{30, 0.0}, {0, 1.0}, {0, -1.0}, {30, 3.0}}, {}},
+        {0, // set back behind a contained one: shown from 6 s on, not from 10 s
+         false,
+         {{100, 0.0}, {10, 5.0}, {30, 2.0}, {10, 11.0}},
+         {"segment 3 of 4 begins 3 s before an earlier one: samples",
+          "segment 2 of 4 begins 5.000 s before what is before it ends: clock"}},
     };
     for (const auto& c : cases) {
-        ScriptedFlatReader reader(std::string(200, '\1'), [&](FlatRecording& recording) {
-            oneChannel(recording, {}, 100).segments = c.segments;
+        ScriptedFlatReader reader(std::string(300, '\1'), [&](FlatRecording& recording) {
+            oneChannel(recording, {}, 150).segments = c.segments;
             recording.clockStep = c.step;
             recording.clockDrifts = c.drifts;
         });

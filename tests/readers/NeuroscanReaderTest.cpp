@@ -134,6 +134,32 @@ TEST_F(Neuroscan, ARecordingOfMoreThanFourGigabytesMayBeCutToLess) {
     }
 }
 
+TEST_F(Neuroscan, BeyondFourGigabytesTheNumberOfSamplesFindsTheEventTable) {
+    const NeuroscanFile file = NeuroscanFile().channels(2).frames(2).sampleBytes(4);
+    const long frames = (1L << 29) + 20; // 2^32 bytes and 160
+    const std::string head = file.bytes().substr(0, file.tableOffset());
+    const auto open = [&](std::uint32_t upper, long count, std::uint32_t trailer) {
+        const std::string path = dir.write(
+            "a.cnt",
+            poked(poked(poked(poked(head, 886, u32(file.dataOffset() + 160)), 16, u32(upper)), 864,
+                        u32(static_cast<std::uint64_t>(count))),
+                  12, u32(trailer)));
+        std::filesystem::resize_file(path, file.dataOffset() + 8ULL * frames + 100);
+        return reader.open(path.c_str());
+    };
+    for (const std::uint32_t upper : {1U, 0U, 0x12345678U}) {
+        if (!open(upper, frames, 5000))
+            GTEST_SKIP() << reader.lastErrorText();
+        EXPECT_EQ(reader.sampleCount(), frames);
+        EXPECT_EQ(rawOf(reader, 1, 1, 1)[0], file.value(1, 1));
+        EXPECT_THAT(findings(), tells("(offset 12) is 5000, which is no trailer"));
+    }
+    ASSERT_TRUE(open(1, 0, 5000)) << "a trailer of 16-bit samples inside these does not count";
+    EXPECT_THAT(findings(), tells("nothing tells whether"));
+    ASSERT_TRUE(open(0, 0, 0));
+    EXPECT_THAT(findings(), tells("more than 4 GiB follow its event table"));
+}
+
 TEST_F(Neuroscan, ValuesAreMicrovoltsAboveTheBaseline) {
     NeuroscanFile file;
     file.channel({"F8", 0, 17.1875F, 1.0F}).channel({"VEOGVEOGVEOG", -200, 114.583F, 2.0F});

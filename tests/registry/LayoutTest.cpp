@@ -103,6 +103,7 @@ TEST_F(Layout, SaysWhatIsWrongWithIt) {
     };
     for (const auto& c : cases) {
         EXPECT_FALSE(open(c.text)) << c.text;
+        EXPECT_THAT(error, testing::StartsWith(dir.file("x.lay") + ": "));
         EXPECT_THAT(error, HasSubstr(c.words));
     }
     EXPECT_EQ(_KrnlAllocReaderEx(13, ""), nullptr);

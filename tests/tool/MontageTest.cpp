@@ -1,6 +1,7 @@
 #include "support/Command.h"
 #include "support/EdfFile.h"
 #include "tool/Rows.h"
+#include "tool/plot/PageCaption.h"
 
 #include <nlohmann/json.hpp>
 
@@ -68,6 +69,9 @@ TEST_F(MontageCommand, ReferencesAreChangedButForBipolarRows) {
     ASSERT_EQ(recorded.exitCode, 0) << recorded.err;
     EXPECT_THAT(recorded.out, StartsWith("time,Fp1-Cz,F7-Cz,T3-Cz,Cz-Cz,Temp"));
     EXPECT_THAT(recorded.out, HasSubstr("\n0,-30,-20,-10,0,"));
+    const Json told = Json::parse(command("montage a.edf --reference Cz --json").out)["montage"];
+    EXPECT_EQ(told["name"], "Recorded, re-referenced");
+    EXPECT_EQ(told["reference"], "Cz");
     EXPECT_THAT(own("montage --montage Own --reference Cz").err, HasSubstr("changes no row"));
     const CommandResult unknown = command("export a.edf --reference Pz");
     EXPECT_EQ(unknown.exitCode, 1);
@@ -112,6 +116,73 @@ TEST_F(MontageCommand, RecordedPairsAreNotTakenForElectrodes) {
     EXPECT_THAT(told[1]["error"].get<std::string>(), HasSubstr("electrodes of all its rows"));
 }
 
+// The scalp has one reference, so the recording is a referential one, but other channels have
+// theirs.
+TEST_F(MontageCommand, ChannelsOfOtherReferencesAreNotTakenForElectrodes) {
+    const auto record = [this](const char* name, const std::vector<std::string>& labels) {
+        EdfFile file;
+        for (const std::string& label : labels)
+            file.signal(label, 4);
+        file.samples([](int signal, std::int64_t) { return 100 * (signal + 1); });
+        file.writeTo(dir.file(name));
+    };
+    record("mix.edf", {"Fp1-REF", "F3-REF", "Cz-REF", "A1-A2", "M1-M2", "A2"});
+    dir.write("own.ini", "[Own]\nFp1-A1=\nFp1-F3=\nA1-A2=\nF3+M1=two\nFp1-two=\nFp1-0.5*A1=\n"
+                         "Fp1-A2=\n");
+    const CommandResult rows =
+        command("export mix.edf --montage Own --montage-file own.ini --to 0.25");
+    EXPECT_EQ(rows.out, "time,Fp1-F3,A1-A2,Fp1-A2\n0,-10,40,-50\n"); // A2 has the scalp's
+    for (const char* row : {"Fp1-A1", "Fp1-two", "Fp1-0.5*A1"})
+        EXPECT_THAT(rows.err, HasSubstr(std::string(row) + " is left out: Fp1-REF and ")) << row;
+    const CommandResult moved = command("export mix.edf --reference Cz --to 0.25");
+    EXPECT_EQ(moved.out, "time,Fp1-Cz,F3-Cz,Cz-Cz,A1-A2,M1-M2,A2-Cz\n0,-20,-10,0,40,50,30\n");
+    EXPECT_THAT(moved.err, HasSubstr("the same reference as Cz, left as they are: A1-A2, M1-M2\n"));
+    EXPECT_THAT(command("montage mix.edf --reference A1A2").err,
+                HasSubstr("left as they are: Fp1-REF, F3-REF, Cz-REF, A1-A2, M1-M2, A2"));
+
+    record("plain.edf", {"Fp1", "F3", "Cz", "A1-M1", "A2-M2", "ECG1-ECG2"});
+    for (const char* mixed : {"Fp1-A1+A2", "Fp1-A1A2", "Fp1+A1+A2", "A1+Fp1+A2", "Fp1-ECG1"})
+        EXPECT_THAT(command(std::string("export plain.edf --channels ") + mixed).err,
+                    HasSubstr("are not known to have one reference; "))
+            << mixed;
+    EXPECT_EQ(command("export plain.edf --to 0.25 --channels Fp1-F3,Fp1-A1-M1,A1,F3+Cz").out,
+              "time,Fp1-F3,Fp1-A1-M1,A1-M1,F3+Cz\n0,-10,-30,40,25\n");
+    const CommandResult ears = command("export plain.edf --montage 'Referential A1A2'");
+    EXPECT_EQ(ears.exitCode, 1);
+    EXPECT_THAT(ears.err, HasSubstr("Fp1-A1A2 is left out: Fp1 and A1-M1 are not known"));
+    EXPECT_THAT(command("montage plain.edf --montage Recorded").out,
+                HasSubstr("montage Recorded, against a common reference without a name\n"));
+    // Each of a pair has its own.
+    EXPECT_THAT(command("montage 'a.edf*plain.edf' --reference F7").err,
+                HasSubstr("as F7, left as they are: Fp1, F3, Cz, A1-M1, A2-M2\n"));
+}
+
+// A page is called against a reference only when its rows are, whatever a bipolar row subtracts.
+TEST_F(MontageCommand, TitlesNameTheReferenceOfTheRows) {
+    const auto recording = tool::openUsableRecording(dir.file("a.edf"), 0);
+    ASSERT_TRUE(recording);
+    const auto title = [&](const tool::MontageChoice& choice) {
+        tool::SignalOptions options;
+        options.montage = choice;
+        tool::Rows rows(*recording);
+        EXPECT_TRUE(rows.select(options, true));
+        return tool::titleText(*recording, choice, rows.reference());
+    };
+    EXPECT_EQ(title({"", "", "F7"}), "a.edf, against F7");
+    EXPECT_EQ(title({"Own", dir.file("own.ini"), "F7"}), "a.edf, Own");
+}
+
+// Numbers of channels from 4096 on have the bit that marks averages where there are fewer.
+TEST_F(MontageCommand, RowsOfVeryManyChannelsAreLookedAtAsPairs) {
+    EdfFile file;
+    for (int i = 0; i < 4097; ++i)
+        file.signal("S" + std::to_string(i), 3);
+    file.units("DegC").physical("34", "40").writeTo(dir.file("many.edf"));
+    dir.write("own.ini", "[Own]\nS1-S4096=\n");
+    EXPECT_THAT(command("export many.edf --montage Own --montage-file own.ini").err,
+                HasSubstr("S1-S4096 is left out: S4096 (DegC) and S1 (uV) differ in units"));
+}
+
 TEST_F(MontageCommand, SaysWhatIsLeftOutByItsKind) {
     EXPECT_THAT(
         withRows("Fp1=\nC3-C4=\nF3=\nP3+P4=\n|=\n-|1,2=\n", "montage").err,
@@ -129,6 +200,17 @@ TEST_F(MontageCommand, SaysWhatIsLeftOutByItsKind) {
     const CommandResult unknown = own("montage --montage Owm");
     EXPECT_EQ(unknown.exitCode, 1);
     EXPECT_THAT(unknown.err, AllOf(HasSubstr("\"Owm\" is not known"), HasSubstr("Own")));
+    dir.write("empty.xml", "<Templates><Template Name='E'/></Templates>");
+    EXPECT_THAT(command("montage a.edf --montage E --montage-file empty.xml").err,
+                HasSubstr("montage E has no rows\n"));
+    dir.write("held.raw", std::string(40, '\0'));
+    dir.write("held.lay",
+              "[FileInfo]\nFile=held.raw\nFileType=Interleaved\nSamplingRate=4\nHeaderLength="
+              "0\nCalibration=1\nDataType=0\n"
+              "WaveformCount=2\n[ChannelMap]\nC3-A2=1\nC4-A1=2\n[Montage]\nW=\n[W]\nC3-A2=\n");
+    EXPECT_THAT(command("montage held.lay --montage w").err,
+                AllOf(HasSubstr("cannot be made: its channels were recorded against different"),
+                      Not(HasSubstr("not known"))));
     dir.write("broken.xml", "<Templates><Template");
     for (const auto& [file, words] :
          {std::pair("broken.xml", "broken.xml"), {"gone", "no such file"}}) {

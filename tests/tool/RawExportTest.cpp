@@ -45,6 +45,25 @@ TEST_F(RawExport, SixteenBitCountsSurviveExactly) {
     EXPECT_STREQ(open("b.lay")->patientRec()->name().c_str(), "Doe_Jane");
 }
 
+TEST_F(RawExport, RealRecordingsReadBackTheirCounts) {
+    const char* folder = std::getenv("KVSIG_RECORDINGS");
+    if (!folder)
+        GTEST_SKIP() << "KVSIG_RECORDINGS is not set";
+    for (const char* name : {"edf_plus_c/test_stim_channel.edf", "edf_plus_c/test_utf8.edf"}) {
+        const std::string path = std::string(folder) + "/" + name;
+        ASSERT_EQ(run("'" + path + "' -o copy.raw").exitCode, 0);
+        const ReaderPtr from = openReader(path.c_str());
+        const ReaderPtr to = open("copy.lay");
+        ASSERT_TRUE(from && to);
+        EXPECT_EQ(to->samplingRate(), from->samplingRate());
+        EXPECT_EQ(to->channelCount(), from->channelCount());
+        for (int i = 0; i < from->channelCount(); ++i) {
+            EXPECT_EQ(countsOf(*to, i), countsOf(*from, i)) << name << " " << i;
+            EXPECT_EQ(to->calibration(i), from->calibration(i));
+        }
+    }
+}
+
 TEST_F(RawExport, CalibrationsInWholeStepsKeepTheirValues) {
     EdfFile file = EdfFile().signal("A-R", 4).physical("-100", "100").digital("-1000", "1000");
     file.signal("B-R", 4).physical("300", "-300").digital("-1000", "1000").records(4);

@@ -57,7 +57,7 @@ std::vector<OpenFinding> anchorOddities(DataReader& recording) {
         last = anchor;
         const double tolerance =
             flat ? flat->clockTolerance(seconds) : writtenStep + 0.5 / rate + drift * seconds;
-        // Overlaps of segments were told at opening.
+        // Overlaps of segments were told at opening, and no layout gives these other anchors.
         if (std::abs(length) <= tolerance || (flat && length < 0))
             continue;
         if (found.size() == toldInFull) {

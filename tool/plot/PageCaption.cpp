@@ -6,8 +6,6 @@
 #include "kvsig/util/Text.h"
 #include "tool/Words.h"
 
-#include <algorithm>
-
 namespace kvsig::tool {
 namespace {
 
@@ -18,11 +16,8 @@ std::string hertz(double value) {
 
 } // namespace
 
-std::string titleText(const Recording& recording, const std::vector<Row>& rows,
-                      const MontageChoice& montage) {
-    const auto standsAgainst = [&montage](const Row& row) {
-        return row.source && equalNoCase(row.source->grid2(), montage.reference);
-    };
+std::string titleText(const Recording& recording, const MontageChoice& montage,
+                      const std::string& reference) {
     std::string title;
     if (recording.isPair())
         for (const DataReader* member : recording.members())
@@ -31,7 +26,7 @@ std::string titleText(const Recording& recording, const std::vector<Row>& rows,
         title = baseName(recording.path);
     if (!montage.name.empty())
         title += ", " + montage.name;
-    if (!montage.reference.empty() && std::any_of(rows.begin(), rows.end(), standsAgainst))
+    if (!montage.reference.empty() && equalNoCase(montage.reference, reference))
         title += ", against " + montage.reference;
     return toUtf8(title);
 }

@@ -1,17 +1,16 @@
 #pragma once
 
-#include "tool/Rows.h"
+#include "tool/Recording.h"
 #include "tool/SignalOptions.h"
 
 #include <string>
-#include <vector>
 
 namespace kvsig::tool {
 
-/// What a page shows: the file (of a pair, both), the montage, and the reference asked for where a
-/// row stands against it.
-[[nodiscard]] std::string titleText(const Recording& recording, const std::vector<Row>& rows,
-                                    const MontageChoice& montage);
+/// What a page shows: the file (of a pair, both), the montage, and the reference asked for where it
+/// is the rows' `reference`.
+[[nodiscard]] std::string titleText(const Recording& recording, const MontageChoice& montage,
+                                    const std::string& reference);
 
 /// How a page is to be read: sensitivity (microvolts per millimetre; 0: no row has the common one),
 /// speed (millimetres per second) and filters.

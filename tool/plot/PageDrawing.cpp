@@ -218,10 +218,10 @@ class PagePainter {
 
     void drawCaption() {
         IDataReader& reader = *m_content.recording->reader;
-        m_canvas.text(
-            2.0, 6.0,
-            titleText(*m_content.recording, m_content.rows->rows(), m_content.signals->montage),
-            3.6, Align::left, ink, 170.0);
+        m_canvas.text(2.0, 6.0,
+                      titleText(*m_content.recording, m_content.signals->montage,
+                                m_content.rows->reference()),
+                      3.6, Align::left, ink, 170.0);
         m_canvas.text(m_layout.right, 6.0,
                       clockText(std::fmod(reader.getClockTime(m_start), 86400.0)) + ", " +
                           clockText(m_start) + " into the recording, " +

@@ -2,6 +2,7 @@
 
 #include "kvsig/util/NumberText.h"
 #include "tool/CountStream.h"
+#include "tool/PhysicalValues.h"
 #include "tool/RowStream.h"
 #include "tool/Words.h"
 
@@ -13,7 +14,6 @@ namespace kvsig::tool {
 namespace {
 
 constexpr int largestCount = std::numeric_limits<std::int16_t>::max();
-constexpr short otherUnitType = 100;
 
 bool isLinear16(const Row& row) {
     if (row.channel < 0)
