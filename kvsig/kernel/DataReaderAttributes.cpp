@@ -51,8 +51,9 @@ bool DataReader::readAttributeFile(std::istream& stream) {
     char* name = m_state->channelMapName;
     GetLocalProfileString(pszINIFileInfo, "ChannelMap", "", name, sizeof m_state->channelMapName,
                           stream);
-    if (name[0] != '\0')
-        readStoredMap(name);
+    m_state->missingMap.clear();
+    if (name[0] != '\0' && !readStoredMap(name))
+        m_state->missingMap = name;
     if (readChannelMap(stream, pszINIChannelMap))
         copyText(m_state->channelMapName, pszINIChannelMap);
     return true;
@@ -128,6 +129,7 @@ bool DataReader::readChannelMap(std::istream& stream, const char* section) {
         return false;
     setDefChannelInfo();
     m_state->storedMapName.clear();
+    m_state->missingMap.clear();
     m_state->mapNotes = map->ignored;
     m_state->mappedChannels = 0;
     for (const MappedChannel& entry : map->channels) {
@@ -147,6 +149,10 @@ bool DataReader::readChannelMap(std::istream& stream, const char* section) {
 }
 
 void DataReader::reportIgnoredNames() {
+    if (!m_state->missingMap.empty())
+        report(OpenFinding::Severity::note, "channel map: there is none called '" +
+                                                m_state->missingMap + "' in " + szINIUnkDataFile +
+                                                " of the current folder");
     if (m_state->hasChannelMap == 0)
         return;
     for (const std::string& note : m_state->mapNotes)

@@ -52,6 +52,7 @@ struct DataReader::State final : PageSource {
     std::int32_t hasChannelMap = 0;
     char channelMapName[32] = "";
     std::string storedMapName; ///< the stored map in force; empty while any other map is, or none
+    std::string missingMap;    ///< the one that an attribute file names and that is not stored
     std::vector<std::string> mapNotes; ///< entries of the map in force that were ignored
     int mappedChannels = 0;            ///< the largest channel number that it names
     std::optional<std::vector<std::string>> listedMaps; ///< as getChannelMapNames() hands them out
