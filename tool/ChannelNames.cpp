@@ -24,7 +24,15 @@ bool isIndex(const std::string& name) {
            std::all_of(name.begin() + 1, name.end(), isDigit);
 }
 
+std::string orIndex(const std::string& name, int channel) {
+    return name.empty() ? "#" + std::to_string(channel) : name;
+}
+
 } // namespace
+
+std::string channelLabel(IDataReader& reader, int channel) {
+    return orIndex(toUtf8(reader.channelName(channel)), channel);
+}
 
 ChannelNames::ChannelNames(IDataReader& reader) {
     for (int i = 0; i < reader.channelCount(); ++i) {
@@ -34,8 +42,7 @@ ChannelNames::ChannelNames(IDataReader& reader) {
 }
 
 std::string ChannelNames::label(int channel) const {
-    const std::string& name = m_names[static_cast<std::size_t>(channel)];
-    return name.empty() ? "#" + std::to_string(channel) : name;
+    return orIndex(m_names[static_cast<std::size_t>(channel)], channel);
 }
 
 std::vector<int> ChannelNames::all(const std::string& name) const {

@@ -7,13 +7,16 @@
 
 namespace kvsig::tool {
 
+/// What a channel is labelled with: its name in UTF-8, or "#index" when it has none.
+[[nodiscard]] std::string channelLabel(IDataReader& reader, int channel);
+
 /// The channels of a recording under the names that a user gives them: the channel's name, the
 /// electrode's name, or "#index". Letter case does not matter. Texts are UTF-8.
 class ChannelNames {
   public:
     explicit ChannelNames(IDataReader& reader);
 
-    /// What a channel is labelled with: its name, or "#index" when it has none.
+    /// The same for a channel of the recording.
     [[nodiscard]] std::string label(int channel) const;
     /// The channels of that name, in order: of that channel name, else of that electrode name.
     [[nodiscard]] std::vector<int> all(const std::string& name) const;

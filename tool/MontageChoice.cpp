@@ -6,6 +6,7 @@
 #include "kvsig/montage/names/Derivation.h"
 #include "kvsig/util/File.h"
 #include "kvsig/util/Text.h"
+#include "tool/ChannelNames.h"
 #include "tool/ElectrodeName.h"
 #include "tool/HeardWarnings.h"
 #include "tool/LeftOut.h"
@@ -157,8 +158,14 @@ void addMontageOptions(CLI::App& command, MontageChoice& choice) {
 std::string rowLabel(DataSource& source) {
     if (source.isGap())
         return {};
-    const std::string name = toUtf8(source.name());
-    return name.ends_with('-') ? name.substr(0, name.size() - 1) : name;
+    std::string name = toUtf8(source.name());
+    if (name.ends_with('-'))
+        name.pop_back();
+    // Channels that a map leaves out have no electrodes to be called by.
+    const auto* row = dynamic_cast<G1G2Source*>(&source);
+    return name.empty() && row && row->channel2() < 0
+               ? channelLabel(*source.reader(), row->channel1())
+               : name;
 }
 
 bool useMontageFile(const std::string& file, const std::string& where) {

@@ -2,6 +2,7 @@
 
 #include "kvsig/montage/AvgSource.h"
 #include "kvsig/montage/G1G2Source.h"
+#include "kvsig/montage/names/ScalpGrid.h"
 #include "kvsig/util/Text.h"
 #include "tool/PhysicalValues.h"
 #include "tool/Words.h"
@@ -9,11 +10,24 @@
 #include <algorithm>
 
 namespace kvsig::tool {
+namespace {
+
+// A recording without scalp electrodes counts as referential, against nothing in particular.
+bool hasScalpReference(IDataReader& reader) {
+    if (!reader.isMapReferential())
+        return false;
+    for (int i = 0; i < reader.channelCount(); ++i)
+        if (IndexOf1020(reader.grid1(i)) >= 0)
+            return true;
+    return false;
+}
+
+} // namespace
 
 std::string recordedReference(const Recording& recording, int channel) {
     const Recording::Place place = recording.placeOf(channel);
     const std::string stated = place.reader->grid2(place.channel);
-    return stated.empty() && place.reader->isMapReferential() ? place.reader->refGrid() : stated;
+    return stated.empty() && hasScalpReference(*place.reader) ? place.reader->refGrid() : stated;
 }
 
 std::optional<std::string> oneReference(const Recording& recording,
@@ -65,6 +79,8 @@ std::string mixFault(const Recording& recording, const ChannelNames& names,
 // C4-A1 is not F3-C4.
 std::string referenceFault(const Recording& recording, const ChannelNames& names,
                            const std::vector<int>& channels) {
+    if (channels.size() < 2)
+        return {};
     const int first = channels.front();
     const std::string reference = recordedReference(recording, first);
     for (const int channel : channels) {

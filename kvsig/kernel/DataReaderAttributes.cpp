@@ -52,7 +52,9 @@ bool DataReader::readAttributeFile(std::istream& stream) {
     GetLocalProfileString(pszINIFileInfo, "ChannelMap", "", name, sizeof m_state->channelMapName,
                           stream);
     m_state->missingMap.clear();
-    if (name[0] != '\0' && !readStoredMap(name))
+    const bool isNamed =
+        name[0] != '\0' && !isBuiltin(name, defaultMap) && !isBuiltin(name, privateMap);
+    if (name[0] != '\0' && !readStoredMap(name) && isNamed)
         m_state->missingMap = name;
     if (readChannelMap(stream, pszINIChannelMap))
         copyText(m_state->channelMapName, pszINIChannelMap);
@@ -150,8 +152,8 @@ bool DataReader::readChannelMap(std::istream& stream, const char* section) {
 
 void DataReader::reportIgnoredNames() {
     if (!m_state->missingMap.empty())
-        report(OpenFinding::Severity::note, "channel map: there is none called '" +
-                                                m_state->missingMap + "' in " + szINIUnkDataFile +
+        report(OpenFinding::Severity::note, "channel map: none called '" + m_state->missingMap +
+                                                "' names channels in " + szINIUnkDataFile +
                                                 " of the current folder");
     if (m_state->hasChannelMap == 0)
         return;
@@ -268,6 +270,7 @@ void DataReader::setChannelMapName(const char* name) {
 void DataReader::dropChannelMap() {
     m_state->hasChannelMap = 0;
     m_state->channelMapName[0] = '\0';
+    m_state->missingMap.clear();
 }
 
 bool WriteExportAttributeFile(std::ostream& stream, IDataReader* reader, const char* file) {

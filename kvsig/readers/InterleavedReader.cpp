@@ -180,8 +180,14 @@ bool InterleavedReader::readAttributeFile(std::istream& stream) {
     if (!readDataFileName(stream))
         return false;
     resetChannelNames();
-    if (!DataReader::readAttributeFile(stream) || !readLayout(stream))
+    if (!DataReader::readAttributeFile(stream))
         return false;
+    if (!readLayout(stream)) {
+        // What stood before the gap counts for an open recording too.
+        flushPages(false);
+        loadChannelInfo();
+        return false;
+    }
     forgetRecording();
     m_raw->timeNotes = takeSampleTimes(stream, [this](SampleTime& anchor) {
         const int before = sampleTimeCount();

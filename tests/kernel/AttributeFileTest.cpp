@@ -151,7 +151,8 @@ TEST_F(AttributesOfAReader, CarryTheChannelMapOrItsName) {
     EXPECT_STREQ(named.getChannelMapName(), "Gone");
     ASSERT_TRUE(named.open("n"));
     ASSERT_FALSE(named.openFindings().empty());
-    EXPECT_THAT(named.openFindings()[0].text, HasSubstr("none called 'Gone' in kvunkdat.ini"));
+    EXPECT_THAT(named.openFindings()[0].text,
+                HasSubstr("none called 'Gone' names channels in kvunkdat.ini"));
     EXPECT_STREQ(named.channelName(0), "C3-A1") << "a missing map changes no names";
     EXPECT_TRUE(reads(named, "[FileInfo]\nFile=n\nChannelMap=Lab\n[ChannelMap]\nO1-A1=1\n"));
     EXPECT_STREQ(named.channelName(0), "O1-A1") << "the own map is applied last";

@@ -147,6 +147,12 @@ TEST_F(Interleaved, EveryKeyIsNeeded) {
     EXPECT_STREQ(reader.channelName(0), "Fp1-A1");
     EXPECT_FALSE(readAttributes(reader, replaced(renamed, "DataType=", "Other=")));
     EXPECT_STREQ(reader.channelName(0), "T3-A1");
+    rawOf(reader, 0, 0, 5); // a page of the old header
+    EXPECT_FALSE(
+        readAttributes(reader, replaced(replaced(renamed, "HeaderLength=16", "HeaderLength=22"),
+                                        "DataType=", "Other=")));
+    EXPECT_EQ(reader.calibration(1), 0.25);
+    EXPECT_EQ(rawOf(reader, 0, 0, 0)[0], file.count(0, 1)) << "behind the new header";
     EXPECT_STREQ(reader.patientRec()->last, "Doe");
     EXPECT_EQ(reader.sampleTimeCount(), 2);
     EXPECT_FALSE(readAttributes(

@@ -87,6 +87,14 @@ TEST_F(Layout, RenamesTheChannelsOfAnyRecording) {
     EXPECT_STREQ(reader->getChannelMapName(), "(Private)");
 }
 
+TEST_F(Layout, ALinkThatLeadsNowhereHidesNoFile) {
+    fs::create_directory(dir.file("far"));
+    EdfFile().signal("a", 4).records(3).writeTo(dir.file("far/own.edf"));
+    fs::create_symlink("nowhere", dir.file("own.edf"));
+    const std::string text = "[FileInfo]\nFile=" + dir.file("far/own.edf") + "\nFileType=EDF90\n";
+    EXPECT_TRUE(open(text)) << error;
+}
+
 TEST_F(Layout, SaysWhatIsWrongWithIt) {
     const struct {
         std::string text;

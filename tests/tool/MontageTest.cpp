@@ -204,10 +204,11 @@ TEST_F(MontageCommand, SaysWhatIsLeftOutByItsKind) {
     EXPECT_THAT(command("montage a.edf --montage E --montage-file empty.xml").err,
                 HasSubstr("montage E has no rows\n"));
     dir.write("held.raw", std::string(40, '\0'));
-    dir.write("held.lay",
-              "[FileInfo]\nFile=held.raw\nFileType=Interleaved\nSamplingRate=4\nHeaderLength="
-              "0\nCalibration=1\nDataType=0\n"
-              "WaveformCount=2\n[ChannelMap]\nC3-A2=1\nC4-A1=2\n[Montage]\nW=\n[W]\nC3-A2=\n");
+    const std::string held = "[FileInfo]\nFile=held.raw\nFileType=Interleaved\nSamplingRate=4\n"
+                             "HeaderLength=0\nCalibration=1\nDataType=0\nWaveformCount=2\n";
+    dir.write("held.lay", held + "[ChannelMap]\nC3-A2=1\nC4-A1=2\n[Montage]\nW=\n[W]\nC3-A2=\n");
+    dir.write("part.lay", held + "[ChannelMap]\nC3-A2=1\n");
+    EXPECT_THAT(command("export part.lay --montage Recorded").out, StartsWith("time,C3-A2,Ch2\n"));
     EXPECT_THAT(command("montage held.lay --montage w").err,
                 AllOf(HasSubstr("cannot be made: its channels were recorded against different"),
                       Not(HasSubstr("not known"))));

@@ -114,6 +114,10 @@ TEST_F(RawExport, NeverReplacesWhatItReads) {
     EXPECT_THAT(run("a.edf -o 'b\\c.raw'").err, HasSubstr("a layout cannot name it"));
     fs::copy(dir.file("a.lay"), dir.file("c.lay"));
     EXPECT_THAT(run("a.edf -o c.raw").err, HasSubstr("c.lay is there and does not describe"));
+    dir.write("d.lay", "[FileInfo]\nFile=/far/d.raw\n");
+    EXPECT_THAT(run("a.edf -o d.raw").err, HasSubstr("d.lay is there and does not describe"));
+    EXPECT_THAT(run("a.edf --format raw -o " + std::string(253, 'x')).err,
+                HasSubstr(".lay: File name too long"));
     EXPECT_FALSE(fs::exists(dir.file("c.raw")));
     EXPECT_EQ(run("a.edf -o a.raw").exitCode, 0) << "once more";
     EXPECT_EQ(run("a.edf --values raw -o b.raw").exitCode, 2);

@@ -77,9 +77,13 @@ bool writeRounded(const Selection& selection, const RawScale& scale, FrameWriter
     return true;
 }
 
-bool describes(const std::string& layout, const std::string& dataName) {
+// Whether the layout is that of the data which stands beside it.
+bool describes(const std::string& layout, const std::string& dataPath,
+               const std::string& dataName) {
     constexpr int longestName = 4096;
-    if (!std::filesystem::is_regular_file(layout))
+    std::error_code failed;
+    if (!std::filesystem::is_regular_file(layout, failed) ||
+        !std::filesystem::is_regular_file(dataPath, failed))
         return false;
     std::ifstream text(layout, std::ios::binary);
     std::string stored(longestName, '\0');
@@ -102,6 +106,7 @@ bool isFitForRaw(const Selection& selection, const std::string& dataPath) {
     constexpr long fewestSamples = 3; // of a recording that opens
     const std::string layout = layoutPathFor(dataPath);
     const std::string name = std::filesystem::path(dataPath).filename().string();
+    std::error_code failed;
     if (selection.range.length() < fewestSamples)
         complain(selection.recording.path + ": the range has " +
                  std::to_string(selection.range.length()) + " samples; raw data needs at least " +
@@ -109,9 +114,11 @@ bool isFitForRaw(const Selection& selection, const std::string& dataPath) {
     else if (baseName(name) != name || name.find_first_of("\r\n") != std::string::npos)
         complain(dataPath + ": a layout cannot name it (its name holds a backslash, a drive or a "
                             "line end); choose another name");
-    else if (std::filesystem::exists(layout) && !describes(layout, name))
+    else if (std::filesystem::exists(layout, failed) && !describes(layout, dataPath, name))
         complain(dataPath + ": its layout " + layout +
                  " is there and does not describe it; choose another name");
+    else if (failed)
+        complain(layout + ": " + failed.message());
     else
         return true;
     return false;
