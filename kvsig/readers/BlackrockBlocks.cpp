@@ -70,9 +70,11 @@ void append(std::vector<Run>& runs, const Block& block, const BlockLayout& layou
         block.stamp > last->lastStamp && block.stamp - last->lastStamp <= layout.longestStep &&
         block.offset == last->offset + last->blocks * (layout.headBytes() + layout.frameBytes());
     if (!joins) {
-        runs.push_back({block.offset, block.frames, 1, block.stamp, block.stamp});
+        runs.push_back({block.offset, block.frames, 1, block.stamp, block.stamp, 0});
         return;
     }
+    if (block.stamp - last->lastStamp > layout.longestStep - layout.longestStep / 4)
+        ++last->longSteps;
     ++last->frames;
     ++last->blocks;
     last->lastStamp = block.stamp;

@@ -28,6 +28,7 @@ struct Run {
     std::int64_t blocks = 0;
     std::uint64_t stamp = 0;     ///< of the first block
     std::uint64_t lastStamp = 0; ///< of the last block
+    std::int64_t longSteps = 0;  ///< steps of more than 3/4 of the longest inside the run
 };
 
 /// Ends early when there are more than mostBlockRuns.

@@ -15,16 +15,17 @@ std::vector<ClockPart> clockParts(const std::vector<Run>& runs, double ticks, do
                                   double jitter) {
     std::vector<ClockPart> parts;
     const auto most = saturate<std::uint64_t>(jitter * ticks);
-    std::uint64_t latest = 0; // stamp of the part
+    std::uint64_t first = 0; // stamp of the part
+    std::uint64_t latest = 0;
     for (const Run& run : runs) {
         const double begin = static_cast<double>(run.stamp) / ticks;
-        if (parts.empty() || (run.stamp < latest && latest - run.stamp > most)) {
+        if (parts.empty() || run.stamp < first || latest - std::min(run.stamp, latest) > most) {
             parts.push_back({run.offset, 0, begin, begin, 0.0});
+            first = run.stamp;
             latest = 0;
         }
         ClockPart& part = parts.back();
         const double lastBlock = static_cast<double>(run.frames - run.blocks + 1) / rate;
-        part.begin = std::min(part.begin, begin);
         part.end = std::max(part.end, static_cast<double>(run.lastStamp) / ticks + lastBlock);
         ++part.runs;
         latest = std::max(latest, run.lastStamp);

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
+#include <numeric>
 
 namespace kvsig::blackrock {
 namespace {
@@ -47,32 +49,56 @@ std::optional<StampedRuns::Place> StampedRuns::placeOf(double clock) const {
                  clock < m_stamps.segments[place->segment].start};
 }
 
-std::string missingSamples(const std::vector<Run>& runs, const FlatRecording& recording,
-                           double ticks, std::uint64_t longestStep) {
+// Stamps may be a little lower than those before them: what is missing counts from the latest. The
+// end of what was recorded is that of the shown clock, which takes no time from a run that was set
+// back.
+std::string missingSamples(const std::vector<Run>& runs, const std::vector<ClockPart>& parts,
+                           const FlatRecording& recording, double ticks,
+                           std::uint64_t longestStep) {
     std::string first;
     std::size_t more = 0;
     std::int64_t sample = 0;
-    double due = 0.0; // clock time at which what was recorded ends by its rate
-    for (std::size_t i = 0; i < runs.size(); ++i) {
-        const double start = recording.segments[i].start;
-        const double seconds = static_cast<double>(runs[i].frames) / recording.rate;
-        if (i > 0 && runs[i].stamp > runs[i - 1].lastStamp &&
-            runs[i].stamp - runs[i - 1].lastStamp > longestStep &&
-            start - due <= recording.clockTolerance(static_cast<double>(runs[i - 1].frames) /
-                                                    recording.rate)) {
-            const double gap =
-                ticksBetween(runs[i - 1].lastStamp, runs[i].stamp) / ticks - 1.0 / recording.rate;
-            if (!first.empty())
-                ++more;
-            else
-                first = "by its time stamps " + fixedText(gap * recording.rate, 0) + " samples (" +
-                        shortestText(std::round(gap * 1e6) / 1e6) +
-                        " s) are missing before sample " + std::to_string(sample);
+    double latest = -std::numeric_limits<double>::infinity(); // start
+    double shown = 0.0, due = 0.0, sinceAnchor = 0.0;         // the ends; seconds
+    std::size_t i = 0;
+    for (const ClockPart& part : parts) {
+        std::uint64_t stamp = runs[i].lastStamp;
+        for (std::size_t end = i + part.runs; i < end; ++i) {
+            const Run& run = runs[i];
+            const double start = recording.segments[i].start;
+            const bool isAnchor = start >= latest;
+            const bool isTold =
+                isAnchor && i > 0 && start - due > recording.clockTolerance(sinceAnchor);
+            if (run.stamp > stamp && run.stamp - stamp > longestStep && !isTold) {
+                const double gap = ticksBetween(stamp, run.stamp) / ticks - 1.0 / recording.rate;
+                if (!first.empty())
+                    ++more;
+                else
+                    first = "by its time stamps " + fixedText(gap * recording.rate, 0) +
+                            " samples (" + shortestText(std::round(gap * 1e6) / 1e6) +
+                            " s) are missing before sample " + std::to_string(sample);
+            }
+            const double seconds = static_cast<double>(run.frames) / recording.rate;
+            shown = isAnchor ? start + seconds : shown + seconds;
+            sinceAnchor = isAnchor ? seconds : sinceAnchor + seconds;
+            due = i > 0 ? std::max(due, shown) : shown;
+            latest = std::max(latest, start);
+            stamp = std::max(stamp, run.lastStamp);
+            sample += run.frames;
         }
-        due = i > 0 ? std::max(due, start + seconds) : start + seconds;
-        sample += runs[i].frames;
     }
-    return more > 0 ? first + ", and others at " + std::to_string(more) + " more places" : first;
+    return more > 0 ? first + ", and more at others (" + std::to_string(more) + ")" : first;
+}
+
+std::string missingSingles(const std::vector<Run>& runs) {
+    const std::int64_t steps =
+        std::accumulate(runs.begin(), runs.end(), std::int64_t{0},
+                        [](std::int64_t sum, const Run& run) { return sum + run.longSteps; });
+    return steps == 0
+               ? std::string()
+               : "steps of its time stamps of 1.5 to 2 times the usual one, at each of which "
+                 "a sample may be missing: " +
+                     std::to_string(steps);
 }
 
 } // namespace kvsig::blackrock

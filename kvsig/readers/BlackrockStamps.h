@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kvsig/readers/BlackrockBlocks.h"
+#include "kvsig/readers/BlackrockClock.h"
 #include "kvsig/readers/FlatRecording.h"
 #include "kvsig/readers/SegmentClock.h"
 
@@ -43,7 +44,11 @@ class StampedRuns {
 /// What the stamps of such runs leave out and time anchors do not show, since a drift might explain
 /// it: the first place and how many more, in words. Empty when there is nothing.
 [[nodiscard]] std::string missingSamples(const std::vector<Run>& runs,
+                                         const std::vector<ClockPart>& parts,
                                          const FlatRecording& recording, double ticks,
                                          std::uint64_t longestStep);
+
+/// What single samples the stamps inside such runs leave out, in words. Empty when there are none.
+[[nodiscard]] std::string missingSingles(const std::vector<Run>& runs);
 
 } // namespace kvsig::blackrock

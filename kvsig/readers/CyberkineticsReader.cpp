@@ -270,9 +270,11 @@ bool CyberkineticsReader::findBlocks(const HeaderBlock& head, FlatRecording& rec
     reportClock(valueOf(head, full::ticks), layout.wideStamps, recording.rate);
     if (strided) {
         m_state->stamps.emplace(scan.runs, recording, ticks);
-        const std::string missing = missingSamples(scan.runs, recording, ticks, layout.longestStep);
-        if (!missing.empty())
-            report(Severity::warning, missing);
+        for (const std::string& missing :
+             {missingSamples(scan.runs, m_state->clock, recording, ticks, layout.longestStep),
+              missingSingles(scan.runs)})
+            if (!missing.empty())
+                report(Severity::warning, missing);
     }
     return true;
 }

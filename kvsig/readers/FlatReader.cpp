@@ -177,8 +177,10 @@ void FlatReader::addAnchors() {
                    " begins " + early;
         };
         if (start < latest) {
-            setBack.add(
-                [&] { return begins(shortestText(latest - start) + " s before an earlier one"); });
+            setBack.add([&] {
+                return begins(shortestText(std::round((latest - start) * 1e6) / 1e6) +
+                              " s before an earlier one");
+            });
             shown += seconds;
             end = std::max(end, shown);
             continue;

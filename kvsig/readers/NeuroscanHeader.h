@@ -9,7 +9,7 @@ namespace kvsig::neuroscan {
 
 constexpr std::int64_t headerBytes = 900;
 constexpr TextField version{"version", 0, 12};
-constexpr NumberField<std::int32_t> nextFile{"next file", 12};
+constexpr NumberField<std::uint32_t> nextFile{"next file", 12};
 constexpr NumberField<std::uint32_t> previousFile{"previous file", 16};
 constexpr TextField subjectId{"subject id", 21, 20};
 constexpr TextField operatorName{"operator", 41, 20};

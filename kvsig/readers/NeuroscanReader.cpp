@@ -183,15 +183,13 @@ int NeuroscanReader::sampleBytes(const HeaderBlock& header, const HeaderFile& fi
         const int mark = valueOf(trailer, trailerWide);
         isMarked = valueOf(trailer, trailerMark) == "NSI TFF";
         // It stands behind the event table; of a long file its offset has lost the upper bits.
-        const bool isBehind = places.isInside(places.announced, file.size())
-                                  ? next > places.announced
-                                  : file.size() <= fourGiB;
+        const bool isBehind = file.size() <= fourGiB && next > places.announced;
         if (isMarked || isBehind)
             byTrailer = mark == 1 ? 4 : mark == 0 ? 2 : 0;
         else
             report(Severity::note, sentenceOf(header, nextFile) +
-                                       ", which is no trailer behind the event table at " +
-                                       std::to_string(places.announced));
+                                       ": no trailer is marked there or stands behind the event "
+                                       "table");
     }
     const std::int64_t values = places.channels * valueOf(header, numberOfSamples);
     const std::int64_t room = places.announced - places.data;

@@ -199,11 +199,41 @@ TEST_F(Blackrock, DriftsOfANetworkClockMoveNoEventAndHideNoLoss) {
         ASSERT_TRUE(opens(file));
         EXPECT_EQ(findings(), std::vector<std::string>{
                                   "by its time stamps " + std::string(c.missing) +
-                                  " are missing before sample 200, and others at 1 more places"});
+                                  " are missing before sample 200, and more at others (1)"});
         LogCapture log;
         EXPECT_EQ(events(), (std::vector<std::string>{"100 1", "199 2", "200 3", "249 4", "250 5",
                                                       "299 6", "300 7"}));
         EXPECT_THAT(log.take(logWarning), testing::ElementsAre(HasSubstr("left out (1)")));
+    }
+}
+
+TEST_F(Blackrock, OddStampsOfANetworkClockAreToldForWhatTheyAre) {
+    const struct {
+        std::function<std::uint64_t(std::uint64_t)> stamp; // in samples of 0.5 ms
+        std::vector<std::string> findings;
+    } cases[] = {
+        {[](auto i) { return i == 400 ? 300 : i; }, {}}, // nothing is missing
+        {[](auto i) { return i + (i < 100 ? 0 : 1) + (i < 110 ? 0 : 1); },
+         {"steps of its time stamps of 1.5 to 2 times the usual one, at each of which a sample may "
+          "be missing: 2"}},
+        {[](auto i) { return i < 60 ? i + 100 : i - 60; },
+         {"the time stamp of the data block at offset 1280 is lower than the one before: the clock "
+          "started anew"}},
+        // Another loss behind a run that was set back: 190 samples from the latest stamp.
+        {[](auto i) {
+             return i < 100 ? i : i < 200 ? i + 60 : i < 400 ? i - 100 : i + 90;
+         },
+         {"by its time stamps 60 samples (0.03 s) are missing before sample 100, and more at "
+          "others (1)",
+          "segment 3 of 4 begins 0.03 s before an earlier one: samples there are shown as if there "
+          "were no pause"}},
+    };
+    for (const auto& c : cases) {
+        BlackrockFile file = BlackrockFile("BRSMPGRP", 3, 0).channels(1).ticks(1'000'000'000);
+        for (std::uint64_t i = 0; i < 600; ++i)
+            file.block(500'000 * c.stamp(i), 1);
+        ASSERT_TRUE(opens(file));
+        EXPECT_EQ(findings(), c.findings) << &c - cases;
     }
 }
 
