@@ -14,7 +14,6 @@ namespace kvsig::test {
 namespace {
 
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 struct Neuroscan : ReaderFixture<NeuroscanReader> {
     Neuroscan() : ReaderFixture("a.cnt") {}
