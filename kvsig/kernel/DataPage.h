@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <vector>
 
 namespace kvsig {
 
@@ -35,17 +36,25 @@ class PageBuffer {
     std::int64_t m_used = 0; ///< from here on the bytes are as the system gave them: zero
 };
 
-/// A page of raw samples: frame by frame (sample index major, channel minor) in the machine's byte
-/// order, or record by record as they stand in the file.
+/// The order in which a page holds its raw samples.
+enum class PageKind {
+    frames,  ///< sample index major, channel minor; in the machine's byte order
+    planes,  ///< channel major, sample index minor; in the machine's byte order
+    records, ///< as they stand in the file
+};
+
+/// A page of raw samples.
 struct DataPage {
     std::int32_t start = 0; ///< first sample index, a multiple of the page length
     std::int32_t end = -1;  ///< last sample index, inclusive
-    PageBuffer buffer;      ///< frames: 2 or 4 bytes per value
-    bool complete = false;  ///< the whole page was read and ends before the recording does
+    PageKind kind = PageKind::frames;
+    PageBuffer buffer;     ///< of frames and planes: 2 or 4 bytes per value
+    bool complete = false; ///< the whole page was read and ends before the recording does
+
+    std::vector<bool> loadedPlanes; ///< by channel; of a page of planes only
 
     // Of a page of records only. It holds one channel alone until a second one is asked for, and
     // may lose its samples while it keeps its place in the cache.
-    bool inRecords = false;
     std::int64_t records = 0;  ///< that the file holds for the page; behind them are zeros
     int firstChannel = -1;     ///< the channel that was asked for first; -1: no samples are there
     bool everyChannel = false; ///< whole records; otherwise that channel's samples alone

@@ -7,6 +7,7 @@
 
 #include <iosfwd>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,7 @@ namespace kvsig {
 struct ChannelRecord;
 struct DataPage;
 struct RecordLayout;
+struct SamplePlanes;
 class SourceMontage;
 
 /// The base of every format reader: one instance stands for one open recording. A format supplies
@@ -222,6 +224,18 @@ class KVSIG_API DataReader : public IDataReader {
     /// that derives from a reader and makes chunks of its own overrides this to return null. The
     /// layout stays the reader's and valid until the recording is closed.
     virtual const RecordLayout* recordLayout();
+
+    /// The channels whose samples stand together with those of `channel` in the file, itself among
+    /// them, ascending, of channels below channelCount(): a file that holds channels apart from
+    /// each other is read by these groups, through readPlanes(), instead of chunk reads of all, as
+    /// long as both give the same samples. None: chunk reads it is, for every channel. A class that
+    /// derives from a reader and makes chunks of its own overrides this to return none. Valid until
+    /// the recording is closed or its channel count set.
+    virtual std::span<const int> channelsStoredWith(int channel);
+    /// Reads samples `first` and the `count` - 1 behind it, all inside the recording, of the
+    /// channels that are stored with `channel`. Returns how many of each arrived, from `first` on.
+    virtual std::int64_t readPlanes(int channel, long first, std::int64_t count,
+                                    const SamplePlanes& planes);
 
   public:
     /// The last failure in one sentence that names the file, the field and the value; empty after

@@ -1,3 +1,4 @@
+#include "kvsig/kernel/PlanarPage.h"
 #include "kvsig/kernel/RawRun.h"
 #include "kvsig/kernel/ReaderState.h"
 #include "kvsig/kernel/RecordPage.h"
@@ -40,6 +41,25 @@ int DataReader::getChunk(long bytePos, short* buffer, int) {
 }
 
 const RecordLayout* DataReader::recordLayout() { return nullptr; }
+std::span<const int> DataReader::channelsStoredWith(int) { return {}; }
+std::int64_t DataReader::readPlanes(int, long, std::int64_t, const SamplePlanes&) { return 0; }
+
+namespace {
+
+RawRun runOf(const PageCache::Found& found, const FrameLayout& layout, int channel, long first,
+             std::int64_t count) {
+    switch (found.page->kind) {
+    case PageKind::records:
+        return recordRun(*found.page, *found.records, channel, first, count);
+    case PageKind::planes:
+        return planarRun(*found.page, layout, channel, first, count);
+    case PageKind::frames:
+        return frameRun(*found.page, layout, channel, first, count);
+    }
+    return {};
+}
+
+} // namespace
 
 // Walks `first`..`last` in runs: consume(offset, count, run) with the offset of the run's first
 // sample from `first`, and a null run where there are no pages.
@@ -54,17 +74,16 @@ int DataReader::forEachRun(int channel, long first, long last, Consume consume) 
     std::int64_t done = beforeStart;
     while (done < count) {
         const long index = static_cast<long>(first + done);
-        const auto [page, records] = channelRecord(channel)
-                                         ? m_state->pages.pageAt(index, channel, *m_state)
-                                         : PageCache::Found{};
-        if (!page) {
+        const PageCache::Found found = channelRecord(channel)
+                                           ? m_state->pages.pageAt(index, channel, *m_state)
+                                           : PageCache::Found{};
+        if (!found.page) {
             consume(done, count - done, static_cast<const RawRun*>(nullptr));
             break;
         }
-        const std::int64_t length = std::min(count - done, std::int64_t{page->end} - index + 1);
-        const RawRun run = records
-                               ? recordRun(*page, *records, channel, index, length)
-                               : frameRun(*page, m_state->frameLayout(), channel, index, length);
+        const std::int64_t length =
+            std::min(count - done, std::int64_t{found.page->end} - index + 1);
+        const RawRun run = runOf(found, m_state->frameLayout(), channel, index, length);
         consume(done, run.count, &run);
         done += run.count;
     }

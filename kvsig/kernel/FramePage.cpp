@@ -61,7 +61,7 @@ bool framesFitAPage(std::int64_t points, PageSource& source) {
 std::int64_t loadFramePage(DataPage& page, std::int64_t points, PageSource& source) {
     const FrameLayout layout = source.frameLayout();
     const std::int64_t frameBytes = layout.frameBytes();
-    page.inRecords = false;
+    page.kind = PageKind::frames;
     if (!framesFitAPage(points, source) ||
         !page.buffer.reserve(roomFor(points, source) * frameBytes))
         return -1;
@@ -72,9 +72,13 @@ std::int64_t loadFramePage(DataPage& page, std::int64_t points, PageSource& sour
     return read.samples;
 }
 
+RawCode nativeCode(const FrameLayout& layout) {
+    return layout.bytesPerSample == 2 ? RawCode::native16 : RawCode::native32;
+}
+
 RawRun frameRun(const DataPage& page, const FrameLayout& layout, int channel, long first,
                 std::int64_t count) {
-    return {.code = layout.bytesPerSample == 2 ? RawCode::native16 : RawCode::native32,
+    return {.code = nativeCode(layout),
             .bytes = page.buffer.data() + (first - page.start) * layout.frameBytes() +
                      std::int64_t{channel} * layout.bytesPerSample,
             .step = layout.frameBytes(),

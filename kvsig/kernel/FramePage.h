@@ -29,6 +29,9 @@ struct FrameLayout {
 /// arrived; the rest is zeros. -1 when memory runs out or the frames do not fit a page.
 std::int64_t loadFramePage(DataPage& page, std::int64_t points, PageSource& source);
 
+/// How values of frames and planes are stored.
+[[nodiscard]] RawCode nativeCode(const FrameLayout& layout);
+
 /// The run of `count` samples from `first` on, which lie in the page.
 [[nodiscard]] RawRun frameRun(const DataPage& page, const FrameLayout& layout, int channel,
                               long first, std::int64_t count);

@@ -1,6 +1,7 @@
 #include "kvsig/kernel/PageCache.h"
 
 #include "kvsig/kernel/PageSource.h"
+#include "kvsig/kernel/PlanarPage.h"
 #include "kvsig/kernel/RecordPage.h"
 #include "kvsig/util/Limits.h"
 #include "kvsig/util/LogSink.h"
@@ -15,7 +16,9 @@ namespace {
 
 bool holds(const DataPage& page, long index) { return page.start <= index && index <= page.end; }
 
-bool hasSamples(const DataPage& page) { return page.inRecords && page.firstChannel >= 0; }
+bool hasSamples(const DataPage& page) {
+    return page.kind == PageKind::records && page.firstChannel >= 0;
+}
 
 void logRead(const DataPage& page, std::int64_t samples) {
     logMessage(logInfo, "DataReader: Read " + std::to_string(samples) + " samples at " +
@@ -27,8 +30,12 @@ void logRead(const DataPage& page, std::int64_t samples) {
 
 PageCache::Found PageCache::pageAt(long index, int channel, PageSource& source) {
     DataPage* page = pageOf(index, source);
-    if (!page || !page->inRecords)
+    if (!page || page->kind == PageKind::frames)
         return {page};
+    if (page->kind == PageKind::planes) {
+        const bool isLoaded = page->loadedPlanes[static_cast<std::size_t>(channel)];
+        return {isLoaded || loadPlane(*page, channel, source) ? page : framesAt(index, source)};
+    }
     const RecordLayout* layout = source.recordLayout();
     if (!layout)
         return {framesAt(index, source)};
@@ -37,7 +44,8 @@ PageCache::Found PageCache::pageAt(long index, int channel, PageSource& source) 
 
 DataPage* PageCache::framesAt(long index, PageSource& source) {
     DataPage* page = pageOf(index, source);
-    return !page || !page->inRecords || readFrames(*page, index, source) ? page : nullptr;
+    const bool isThere = !page || page->kind == PageKind::frames;
+    return isThere || readFrames(*page, index, source) ? page : nullptr;
 }
 
 DataPage* PageCache::pageOf(long index, PageSource& source) {
@@ -94,19 +102,25 @@ DataPage* PageCache::begin(Page page, long index, PageSource& source) {
 }
 
 bool PageCache::beginPage(DataPage& page, long index, PageSource& source) {
-    if (!offersRecords(source))
-        return readFrames(page, index, source);
-    setRange(page, index);
-    const std::int64_t samples = beginRecordPage(page, *source.recordLayout());
-    page.complete = samples >= pageLength() && page.end < source.sampleCount();
-    m_pagesAlone = std::min(m_pagesAlone + 1, pagesOfAWindow);
-    logRead(page, samples);
-    return true;
+    if (offersRecords(source)) {
+        setRange(page, index);
+        m_pagesAlone = std::min(m_pagesAlone + 1, pagesOfAWindow);
+        return noteSamples(page, beginRecordPage(page, *source.recordLayout()), source);
+    }
+    if (offersPlanes(source)) {
+        setRange(page, index);
+        return noteSamples(page, beginPlanarPage(page, source), source);
+    }
+    return readFrames(page, index, source);
 }
 
 bool PageCache::readFrames(DataPage& page, long index, PageSource& source) {
     setRange(page, index);
-    const std::int64_t samples = loadFramePage(page, pageLength(), source);
+    return noteSamples(page, loadFramePage(page, pageLength(), source), source);
+}
+
+// `samples` of the page are there; below 0, memory for it is not.
+bool PageCache::noteSamples(DataPage& page, std::int64_t samples, PageSource& source) const {
     if (samples < 0) {
         logNoMemory(source.frameLayout().frameBytes());
         return false;
@@ -144,6 +158,10 @@ bool PageCache::offersRecords(PageSource& source) const {
     const std::int64_t mostBytes = std::min(std::max(2 * frameBytes, harmless), maxPageBytes);
     return pageLength() / layout->points <=
            mostBytes / std::max<std::int64_t>(layout->recordBytes(), 1);
+}
+
+bool PageCache::offersPlanes(PageSource& source) const {
+    return !source.channelsStoredWith(0).empty() && framesFitAPage(pageLength(), source);
 }
 
 // A channel that is read through the whole file is read alone. Once several are wanted, the next

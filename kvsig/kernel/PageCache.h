@@ -18,6 +18,8 @@ struct RecordLayout;
 /// Pages hold frames. Where the reader knows the place of every sample in its file, they hold the
 /// records as they are instead, of one channel alone as long as no second one is asked for; at most
 /// `maxPages` of them keep their samples, the others are fetched again when they are asked for.
+/// Where the file holds channels apart from each other, they hold planes, each of which is read
+/// when its channel is first asked for.
 class PageCache {
   public:
     struct Found {
@@ -50,10 +52,12 @@ class PageCache {
     DataPage* heldPage(long index);
     DataPage* begin(Page page, long index, PageSource& source);
     bool beginPage(DataPage& page, long index, PageSource& source);
+    bool noteSamples(DataPage& page, std::int64_t samples, PageSource& source) const;
     [[nodiscard]] std::int64_t pageLength() const;
     void setRange(DataPage& page, long index) const;
     void logNoMemory(std::int64_t frameBytes) const;
     [[nodiscard]] bool offersRecords(PageSource& source) const;
+    [[nodiscard]] bool offersPlanes(PageSource& source) const;
     bool provide(DataPage& page, int channel, const RecordLayout& layout);
     void makeRoomFor(DataPage& page, std::int64_t bytes);
     Page takeFront();

@@ -2,9 +2,13 @@
 
 #include "kvsig/kernel/FramePage.h"
 
+#include <cstdint>
+#include <span>
+
 namespace kvsig {
 
 struct RecordLayout;
+struct SamplePlanes;
 
 /// What the page cache asks of its reader.
 class PageSource {
@@ -17,6 +21,11 @@ class PageSource {
     virtual int readChunk(long firstSample, short* buffer) = 0;
     /// Where the samples stand in the file; null when only chunk reads can tell.
     virtual const RecordLayout* recordLayout() = 0;
+    /// The channels that are read with `channel`, ascending; none when only chunk reads can.
+    virtual std::span<const int> channelsStoredWith(int channel) = 0;
+    /// Samples `first` and the `count` - 1 behind it of these channels; returns how many arrived.
+    virtual std::int64_t readPlanes(int channel, long first, std::int64_t count,
+                                    const SamplePlanes& planes) = 0;
 
   protected:
     ~PageSource() = default;

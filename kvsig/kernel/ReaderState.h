@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -32,6 +33,13 @@ struct DataReader::State final : PageSource {
         return reader.getSampleChunk(firstSample, buffer);
     }
     const RecordLayout* recordLayout() override { return reader.recordLayout(); }
+    std::span<const int> channelsStoredWith(int channel) override {
+        return reader.channelsStoredWith(channel);
+    }
+    std::int64_t readPlanes(int channel, long first, std::int64_t count,
+                            const SamplePlanes& planes) override {
+        return reader.readPlanes(channel, first, count, planes);
+    }
 
     DataReader& reader;
     std::int32_t lastError = 0;

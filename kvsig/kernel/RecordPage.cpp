@@ -53,7 +53,7 @@ bool makeRoom(DataPage& page, std::int64_t bytes) {
 
 std::int64_t beginRecordPage(DataPage& page, const RecordLayout& layout) {
     const std::int64_t points = std::int64_t{page.end} - page.start + 1;
-    page.inRecords = true;
+    page.kind = PageKind::records;
     page.firstChannel = -1;
     page.everyChannel = false;
     page.lostSamples = false;

@@ -2,6 +2,7 @@
 
 #include "kvsig/kernel/ClientEvent.h"
 #include "kvsig/kernel/DataPage.h"
+#include "kvsig/kernel/SamplePlanes.h"
 #include "kvsig/kernel/SampleTime.h"
 #include "kvsig/readers/FlatRecording.h"
 #include "kvsig/readers/FlatSamples.h"
@@ -286,19 +287,43 @@ int FlatReader::chunkPts() { return _minReadPts(); }
 int FlatReader::getSampleChunk(long firstSample, short* buffer) {
     const FlatRecording& recording = m_flat->recording;
     const std::int64_t count = m_flat->shown();
-    // The host may have set another channel count; of more channels than the file's there is
-    // nothing to frame.
     const int channels = channelCount();
-    if (firstSample < 0 || firstSample >= count || channels < 1 ||
-        std::cmp_greater(channels, recording.channels.size()))
+    if (firstSample < 0 || firstSample >= count || !holdsShownChannels())
         return 0;
     const std::int64_t wanted = std::min<std::int64_t>(chunkPts(), count - firstSample);
     const auto readInto = [&]<typename Out>(Out* out) {
         return saturate<int>(m_flat->samples.read(recording, firstSample, wanted,
-                                                  FlatFrames<Out>{out, channels, channels}));
+                                                  FlatTarget<Out>{out, channels, 1, channels}));
     };
     return bytesPerSample() == 2 ? readInto(static_cast<std::int16_t*>(buffer))
                                  : readInto(static_cast<std::int32_t*>(static_cast<void*>(buffer)));
+}
+
+// The host may have set another channel count; of more channels than the file's there is nothing to
+// show.
+bool FlatReader::holdsShownChannels() {
+    return channelCount() > 0 &&
+           std::cmp_less_equal(channelCount(), m_flat->recording.channels.size());
+}
+
+std::span<const int> FlatReader::channelsStoredWith(int channel) {
+    if (!m_flat->samples.standApart() || !holdsShownChannels() || channel < 0 ||
+        channel >= channelCount())
+        return {};
+    const int track = m_flat->recording.channels[static_cast<std::size_t>(channel)].track;
+    return m_flat->samples.channelsOf(track, channelCount());
+}
+
+std::int64_t FlatReader::readPlanes(int channel, long first, std::int64_t count,
+                                    const SamplePlanes& planes) {
+    const FlatRecording& recording = m_flat->recording;
+    const int track = recording.channels.at(static_cast<std::size_t>(channel)).track;
+    const auto readInto = [&]<typename Out>(Out* out) {
+        return m_flat->samples.readTrack(recording, track, first, count,
+                                         FlatTarget<Out>{out, 1, planes.length, channelCount()});
+    };
+    return bytesPerSample() == 2 ? readInto(static_cast<std::int16_t*>(planes.values))
+                                 : readInto(static_cast<std::int32_t*>(planes.values));
 }
 
 double FlatReader::storedSamplingRate(int channel) {

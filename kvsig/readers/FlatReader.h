@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace kvsig {
@@ -44,6 +45,12 @@ class KVSIG_API FlatReader : public DataReader {
     [[nodiscard]] double clockTolerance(double seconds) const;
 
   protected:
+    /// Each track is a group where channels stand apart; a track of frames that holds all of them
+    /// is read in chunks.
+    std::span<const int> channelsStoredWith(int channel) override;
+    std::int64_t readPlanes(int channel, long first, std::int64_t count,
+                            const SamplePlanes& planes) override;
+
     /// Parses the file at filePath() and fills `recording`. On failure calls refuse() and returns
     /// false; oddities go through report().
     virtual bool describe(FlatRecording& recording) = 0;
@@ -80,6 +87,7 @@ class KVSIG_API FlatReader : public DataReader {
     bool accept();
     void reportOddFacts();
     void addAnchors();
+    [[nodiscard]] bool holdsShownChannels();
 
     std::unique_ptr<State> m_flat;
 };

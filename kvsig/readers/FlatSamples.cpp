@@ -8,6 +8,7 @@
 #include <bit>
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <utility>
 
 namespace kvsig {
@@ -28,25 +29,27 @@ bool fits(const FlatChannel& channel) {
            channel.integer.greatest() - channel.zero <= std::numeric_limits<Integer>::max();
 }
 
-// Frames in the file are the very bytes of frames in a page.
-bool storedLikePages(const FlatTrack& track, const FlatRecording& recording, bool narrow) {
+// Bytes of a value in a page when the track's frames are the very bytes of frames of its channels
+// there; else 0.
+int bytesAsInPages(const FlatTrack& track, const std::vector<int>& channels,
+                   const FlatRecording& recording, bool narrow) {
     const int bytes = narrow ? 2 : 4;
-    std::int64_t place = 0;
-    for (const FlatChannel& channel : recording.channels) {
-        const bool bigHost = std::endian::native == std::endian::big;
-        const FlatInteger same{bytes, true, bigHost};
-        if (channel.place != place || channel.zero != 0 || !(channel.integer == same))
-            return false;
-        place += bytes;
+    const FlatInteger same{bytes, true, std::endian::native == std::endian::big};
+    for (std::size_t i = 0; i < channels.size(); ++i) {
+        const FlatChannel& channel = recording.channels[at(channels[i])];
+        if (channel.place != static_cast<std::int64_t>(i) * bytes || channel.zero != 0 ||
+            !(channel.integer == same))
+            return 0;
     }
-    return track.together == 1 && track.frameBytes == place;
+    const bool isDense = std::cmp_equal(track.frameBytes, channels.size() * at(bytes));
+    return track.together == 1 && isDense ? bytes : 0;
 }
 
 } // namespace
 
 /// Frames of one piece that are read at once: whole groups.
 struct FlatSamples::Part {
-    std::size_t track;
+    int track;
     std::int64_t piece;
     std::int64_t first; ///< frame in the piece
     std::int64_t count;
@@ -68,9 +71,13 @@ std::string FlatSamples::prepare(const FlatRecording& recording) {
     m_tracks.resize(recording.tracks.size());
     for (int c = 0; std::cmp_less(c, recording.channels.size()); ++c)
         m_tracks.at(at(recording.channels[at(c)].track)).channels.push_back(c);
-    for (std::size_t i = 0; i < m_tracks.size(); ++i)
+    for (std::size_t i = 0; i < m_tracks.size(); ++i) {
         if (std::string fault = prepareTrack(recording, i); !fault.empty())
             return fault;
+        const std::size_t channels = m_tracks[i].channels.size();
+        m_apart = m_apart || (channels > 0 && (channels < recording.channels.size() ||
+                                               recording.tracks[i].together > 1));
+    }
     return {};
 }
 
@@ -110,46 +117,49 @@ std::string FlatSamples::prepareTrack(const FlatRecording& recording, std::size_
         track.counted = track.counted && track.segmentStarts == m_segmentStarts;
     if (track.counted && track.count < m_count)
         return "of " + std::to_string(m_count) + " samples it holds " + std::to_string(track.count);
-    track.alike = m_tracks.size() == 1 && storedLikePages(described, recording, m_narrow);
+    track.pageBytes = bytesAsInPages(described, track.channels, recording, m_narrow);
     return {};
+}
+
+std::span<const int> FlatSamples::channelsOf(int track, int channels) const {
+    const std::span<const int> all = m_tracks[at(track)].channels;
+    return all.first(at(std::lower_bound(all.begin(), all.end(), channels) - all.begin()));
 }
 
 template <typename Out>
 std::int64_t FlatSamples::read(const FlatRecording& recording, std::int64_t first,
-                               std::int64_t count, const FlatFrames<Out>& frames) {
+                               std::int64_t count, const FlatTarget<Out>& target) {
     std::int64_t whole = count;
-    for (std::size_t i = 0; i < m_tracks.size(); ++i) {
-        const auto& channels = m_tracks[i].channels;
-        if (channels.empty() || channels.front() >= frames.channels)
-            continue;
-        if (!m_tracks[i].counted) {
-            whole = std::min(whole, readShown(recording, i, first, count, frames));
-            continue;
-        }
-        m_columns.assign(channels.begin(),
-                         std::lower_bound(channels.begin(), channels.end(), frames.channels));
-        whole = std::min(whole,
-                         readOwn(recording, i, first, count, frames.out, frames.step, m_columns));
-    }
+    for (int i = 0; std::cmp_less(i, m_tracks.size()); ++i)
+        whole = std::min(whole, readTrack(recording, i, first, count, target));
     return whole;
+}
+
+template <typename Out>
+std::int64_t FlatSamples::readTrack(const FlatRecording& recording, int track, std::int64_t first,
+                                    std::int64_t count, const FlatTarget<Out>& target) {
+    const std::span<const int> channels = channelsOf(track, target.channels);
+    if (channels.empty())
+        return count;
+    return m_tracks[at(track)].counted ? readOwn(recording, track, first, count, target, channels)
+                                       : readShown(recording, track, first, count, target);
 }
 
 // A track of its own count: sample j of a segment shows own sample floor(j * own rate / rate) of
 // it. Where rounding makes a segment's own samples one too few, the last is repeated; what else is
 // not held reads as 0.
 template <typename Out>
-std::int64_t FlatSamples::readShown(const FlatRecording& recording, std::size_t index,
-                                    std::int64_t first, std::int64_t count,
-                                    const FlatFrames<Out>& frames) {
-    const Track& track = m_tracks[index];
-    const double rate =
-        recording.tracks[index].rate > 0 ? recording.tracks[index].rate : recording.rate;
-    const std::int64_t width =
-        std::lower_bound(track.channels.begin(), track.channels.end(), frames.channels) -
-        track.channels.begin();
-    m_columns.clear();
-    for (int c = 0; c < width; ++c)
-        m_columns.push_back(c);
+std::int64_t FlatSamples::readShown(const FlatRecording& recording, int index, std::int64_t first,
+                                    std::int64_t count, const FlatTarget<Out>& target) {
+    constexpr std::int64_t mostValues = 65536; // that are held at a time
+    const Track& track = m_tracks[at(index)];
+    const double ownRate = recording.tracks[at(index)].rate;
+    const double rate = ownRate > 0 ? ownRate : recording.rate;
+    const std::span<const int> channels = channelsOf(index, target.channels);
+    const auto width = static_cast<std::int64_t>(channels.size());
+    const std::int64_t mostAtOnce = std::max<std::int64_t>(mostValues / width, 1);
+    m_columns.resize(channels.size());
+    std::iota(m_columns.begin(), m_columns.end(), 0);
     for (std::int64_t done = 0; done < count;) {
         const std::int64_t segment = lastNotAbove(m_segmentStarts, first + done);
         const bool last = at(segment) + 1 == m_segmentStarts.size();
@@ -157,7 +167,7 @@ std::int64_t FlatSamples::readShown(const FlatRecording& recording, std::size_t 
         const std::int64_t ownStart = track.segmentStarts[at(segment)];
         const std::int64_t ownEnd = last ? track.count : track.segmentStarts[at(segment + 1)];
         const std::int64_t from = first + done - m_segmentStarts[at(segment)];
-        const std::int64_t part = std::min(count - done, end - first - done);
+        const std::int64_t part = std::min({count - done, end - first - done, mostAtOnce});
         // Multiplied first: of whole rates the product is exact.
         const auto own = [&](std::int64_t shown) {
             const double place = std::floor(static_cast<double>(shown) * rate / recording.rate);
@@ -168,14 +178,14 @@ std::int64_t FlatSamples::readShown(const FlatRecording& recording, std::size_t 
         const std::int64_t held = std::clamp<std::int64_t>(
             std::min({own(from + part - 1) + 1, ownEnd, track.count}) - lowest, 0, part);
         m_own.assign(at(held * width), 0);
-        if (held > 0 &&
-            readOwn(recording, index, lowest, held, m_own.data(), width, m_columns) < held)
+        if (held > 0 && readOwn(recording, index, lowest, held,
+                                FlatTarget<std::int32_t>{m_own.data(), width}, m_columns) < held)
             return done;
         for (std::int64_t i = 0; i < part; ++i) {
             const std::int64_t row = own(from + i) - lowest;
-            Out* frame = frames.out + (done + i) * frames.step;
+            Out* shown = target.out + (done + i) * target.step;
             for (std::int64_t c = 0; c < width; ++c)
-                frame[track.channels[at(c)]] =
+                shown[channels[at(c)] * target.apart] =
                     row >= held ? Out{0} : static_cast<Out>(m_own[at(row * width + c)]);
         }
         done += part;
@@ -184,11 +194,11 @@ std::int64_t FlatSamples::readShown(const FlatRecording& recording, std::size_t 
 }
 
 template <typename Out>
-std::int64_t FlatSamples::readOwn(const FlatRecording& recording, std::size_t index,
-                                  std::int64_t first, std::int64_t count, Out* out,
-                                  std::int64_t step, const std::vector<int>& columns) {
-    const FlatTrack& described = recording.tracks[index];
-    const Track& track = m_tracks[index];
+std::int64_t FlatSamples::readOwn(const FlatRecording& recording, int index, std::int64_t first,
+                                  std::int64_t count, const FlatTarget<Out>& target,
+                                  std::span<const int> columns) {
+    const FlatTrack& described = recording.tracks[at(index)];
+    const Track& track = m_tracks[at(index)];
     const std::int64_t together = described.together;
     const std::int64_t batch =
         std::max<std::int64_t>(batchBytes / (described.frameBytes * together), 1) * together;
@@ -204,7 +214,9 @@ std::int64_t FlatSamples::readOwn(const FlatRecording& recording, std::size_t in
         // Up to the end of a group, so that later parts begin with one.
         const std::int64_t whole = batch - within % together;
         const Part part{index, piece, within, std::min({left, count - done, whole})};
-        const std::int64_t read = readPart(recording, part, out + done * step, step, columns);
+        FlatTarget<Out> rest = target;
+        rest.out += done * target.step;
+        const std::int64_t read = readPart(recording, part, rest, columns);
         done += read;
         if (read < part.count)
             break;
@@ -213,10 +225,10 @@ std::int64_t FlatSamples::readOwn(const FlatRecording& recording, std::size_t in
 }
 
 template <typename Out>
-std::int64_t FlatSamples::readPart(const FlatRecording& recording, const Part& part, Out* out,
-                                   std::int64_t step, const std::vector<int>& columns) {
-    const FlatTrack& described = recording.tracks[part.track];
-    const Track& track = m_tracks[part.track];
+std::int64_t FlatSamples::readPart(const FlatRecording& recording, const Part& part,
+                                   const FlatTarget<Out>& target, std::span<const int> columns) {
+    const FlatTrack& described = recording.tracks[at(part.track)];
+    const Track& track = m_tracks[at(part.track)];
     const FlatPiece& piece = described.pieces[at(part.piece)];
     const std::int64_t frameBytes = described.frameBytes;
     const std::int64_t together = described.together;
@@ -225,8 +237,13 @@ std::int64_t FlatSamples::readPart(const FlatRecording& recording, const Part& p
         std::min((part.first + part.count + together - 1) / together * together, piece.count);
     const std::int64_t offset = piece.offset + start * frameBytes;
     const std::int64_t bytes = (end - start) * frameBytes;
-    if (track.alike && step * std::int64_t{sizeof(Out)} == frameBytes)
+    const bool areTogether =
+        columns.size() == track.channels.size() && (columns.size() == 1 || target.apart == 1);
+    if (areTogether && std::cmp_equal(track.pageBytes, sizeof(Out)) &&
+        target.step * track.pageBytes == frameBytes) {
+        Out* out = target.out + columns.front() * target.apart;
         return recording.samples.file().readAt(offset, out, bytes) / frameBytes;
+    }
     if (!m_bytes.reserve(bytes) ||
         recording.samples.file().readAt(offset, m_bytes.data(), bytes) < bytes)
         return 0;
@@ -243,7 +260,8 @@ std::int64_t FlatSamples::readPart(const FlatRecording& recording, const Part& p
             const std::byte* from =
                 m_bytes.data() + (group - start) * frameBytes + channelStart + (i - group) * apart;
             decode(FlatSpan{channel.integer, from, apart, taken, channel.zero},
-                   out + (i - part.first) * step + columns[c], step);
+                   target.out + (i - part.first) * target.step + columns[c] * target.apart,
+                   target.step);
         }
         i += taken;
     }
@@ -251,8 +269,12 @@ std::int64_t FlatSamples::readPart(const FlatRecording& recording, const Part& p
 }
 
 template std::int64_t FlatSamples::read(const FlatRecording&, std::int64_t, std::int64_t,
-                                        const FlatFrames<std::int16_t>&);
+                                        const FlatTarget<std::int16_t>&);
 template std::int64_t FlatSamples::read(const FlatRecording&, std::int64_t, std::int64_t,
-                                        const FlatFrames<std::int32_t>&);
+                                        const FlatTarget<std::int32_t>&);
+template std::int64_t FlatSamples::readTrack(const FlatRecording&, int, std::int64_t, std::int64_t,
+                                             const FlatTarget<std::int16_t>&);
+template std::int64_t FlatSamples::readTrack(const FlatRecording&, int, std::int64_t, std::int64_t,
+                                             const FlatTarget<std::int32_t>&);
 
 } // namespace kvsig

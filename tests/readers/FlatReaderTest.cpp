@@ -5,11 +5,13 @@
 #include "support/LogCapture.h"
 #include "support/Opened.h"
 #include "support/ReadAround.h"
+#include "support/SameSamples.h"
 
 #include <cmath>
 #include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <random>
 
 namespace kvsig::test {
 namespace {
@@ -169,6 +171,38 @@ TEST(FlatReader, GroupsOfFramesAreReadAcrossPieces) {
     reader.setChannelCount(2); // a host's own idea
     reader.flushPages(false);
     EXPECT_EQ(rawOf(reader, 1, 99, 99), Counts{rampCount(1, 99)});
+}
+
+// Frames of two channels, runs of single ones, one of them slow, and groups, in pieces and
+// segments.
+TEST(FlatReader, ChannelsThatStandApartAreReadAloneWithTheSamplesOfFrames) {
+    std::minstd_rand next(3);
+    std::string bytes;
+    for (int i = 0; i < 12000; ++i)
+        bytes += static_cast<char>(next() >> 8);
+    for (const std::int64_t zero : {0, 40000}) { // 16 bits carry it, or not
+        const auto script = [zero](FlatRecording& recording) {
+            recording.tracks = {{5, 1, 0.0, {{7, 250}, {2000, 350}}, {}},
+                                {2, 1, 0.0, {{4000, 600}}, {}},
+                                {2, 1, 3.0, {{6000, 60}, {6200, 120}}, {0, 60}},
+                                {3, 8, 0.0, {{8000, 301}, {9500, 299}}, {}}};
+            recording.channels = {
+                channelOf({}, 0, 0), channelOf({}, 0, 1), channelOf({2, true, true}, 0, 3),
+                channelOf({}, 2, 0), channelOf({}, 0, 2), channelOf({1, false, false}, 2, 3)};
+            recording.channels[5].zero = zero;
+            recording.segments = {{200, 0.0}, {400, 60.0}};
+        };
+        ScriptedFlatReader planes(bytes, script);
+        FramesOnly<ScriptedFlatReader> framed(bytes, script);
+        ASSERT_TRUE(planes.isOpen) << planes.lastErrorText();
+        ASSERT_EQ(planes.bytesPerSample(), zero == 0 ? 2 : 4);
+        expectSameSamples(planes, framed, 1000);
+        for (const int count : {4, 1, 7, 3, 6}) { // a host's own idea
+            planes.setChannelCount(count);
+            framed.setChannelCount(count);
+            expectSameSamples(planes, framed, 60);
+        }
+    }
 }
 
 // 10 Hz and 3 Hz: in a segment, sample j shows the slow channel's floor(j * 3 / 10).

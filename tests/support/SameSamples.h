@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <random>
+#include <span>
 #include <vector>
 
 namespace kvsig::test {
@@ -12,8 +13,12 @@ namespace kvsig::test {
 /// A reader that takes its samples from chunk reads, wherever they stand in the file.
 template <typename Reader>
 class FramesOnly : public Reader {
+  public:
+    using Reader::Reader;
+
   protected:
     const RecordLayout* recordLayout() override { return nullptr; }
+    std::span<const int> channelsStoredWith(int) override { return {}; }
 };
 
 /// Reads from both at random places, in every way, and expects the same bits.

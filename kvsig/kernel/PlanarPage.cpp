@@ -1,0 +1,59 @@
+#include "kvsig/kernel/PlanarPage.h"
+
+#include "kvsig/kernel/PageSource.h"
+#include "kvsig/kernel/SamplePlanes.h"
+
+#include <algorithm>
+#include <span>
+
+namespace kvsig {
+namespace {
+
+std::int64_t pointsOf(const DataPage& page) { return std::int64_t{page.end} - page.start + 1; }
+
+// Behind these the page is zeros.
+std::int64_t heldPoints(const DataPage& page, PageSource& source) {
+    return std::clamp<std::int64_t>(std::int64_t{source.sampleCount()} - page.start, 0,
+                                    pointsOf(page));
+}
+
+} // namespace
+
+std::int64_t beginPlanarPage(DataPage& page, PageSource& source) {
+    const FrameLayout layout = source.frameLayout();
+    page.kind = PageKind::planes;
+    page.loadedPlanes.assign(static_cast<std::size_t>(layout.channels), false);
+    if (!page.buffer.reserve(pointsOf(page) * layout.frameBytes()))
+        return -1;
+    return heldPoints(page, source);
+}
+
+bool loadPlane(DataPage& page, int channel, PageSource& source) {
+    const int bytes = source.frameLayout().bytesPerSample;
+    const std::int64_t points = pointsOf(page), held = heldPoints(page, source);
+    const std::span<const int> together = source.channelsStoredWith(channel);
+    if (together.empty())
+        return false;
+    page.buffer.use((together.back() * points + held) * bytes);
+    const std::int64_t arrived =
+        source.readPlanes(channel, page.start, held, {page.buffer.data(), points});
+    for (const int c : together) {
+        page.buffer.zero((c * points + arrived) * bytes, (c + 1) * points * bytes);
+        page.loadedPlanes[static_cast<std::size_t>(c)] = true;
+    }
+    page.complete = page.complete && arrived >= held;
+    return true;
+}
+
+RawRun planarRun(const DataPage& page, const FrameLayout& layout, int channel, long first,
+                 std::int64_t count) {
+    const std::int64_t place = channel * pointsOf(page) + first - page.start;
+    return {.code = nativeCode(layout),
+            .bytes = page.buffer.data() + place * layout.bytesPerSample,
+            .step = layout.bytesPerSample,
+            .samples = count,
+            .points = count,
+            .count = count};
+}
+
+} // namespace kvsig
