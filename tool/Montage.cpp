@@ -3,6 +3,7 @@
 #include "tool/Command.h"
 #include "tool/FactsOfFiles.h"
 #include "tool/MontageChoice.h"
+#include "tool/RowFaults.h"
 #include "tool/Table.h"
 #include "tool/Words.h"
 
@@ -73,6 +74,20 @@ FileFacts listOf(const Recording& recording, const MontageChoice& choice) {
     return facts;
 }
 
+// A montage lists what it holds; what of it cannot be shown is said beside.
+void remarkOnFaults(SourceMontage& montage, const Recording& recording) {
+    const ChannelNames names(*recording.reader);
+    for (int i = 0; i < montage.sourceCount(); ++i) {
+        const auto* row = dynamic_cast<const G1G2Source*>(montage.source(i));
+        if (!row || row->isGap())
+            continue;
+        const std::vector<int> channels = channelsOfRow(montage, *recording.reader, *row);
+        if (const std::string fault = rowFault(recording, names, channels); !fault.empty())
+            remark(recording.path + ": " + rowLabel(*montage.source(i)) +
+                   " is left out of exports and pictures: " + fault);
+    }
+}
+
 // Facts of the montage, or the list of the montages there are.
 FileFacts factsOf(const std::string& file, int type, const MontageChoice& choice) {
     const std::optional<Recording> recording = openUsableRecording(file, type);
@@ -83,6 +98,7 @@ FileFacts factsOf(const std::string& file, int type, const MontageChoice& choice
     SourceMontage montage;
     if (!fillMontage(montage, *recording, choice))
         return {nullptr, "", exitFailed};
+    remarkOnFaults(montage, *recording);
     const Json facts = montageFacts(montage);
     return {{{"file", toUtf8(file)}, {"montage", facts}},
             printable(file) + "\n" + text(facts) + "\n",

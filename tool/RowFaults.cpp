@@ -1,7 +1,6 @@
 #include "tool/RowFaults.h"
 
 #include "kvsig/montage/AvgSource.h"
-#include "kvsig/montage/G1G2Source.h"
 #include "kvsig/montage/names/ScalpGrid.h"
 #include "kvsig/util/Text.h"
 #include "tool/PhysicalValues.h"
@@ -55,6 +54,13 @@ std::vector<int> channelsOfReference(const SourceMontage& montage, IDataReader& 
     return {};
 }
 
+std::vector<int> channelsOfRow(const SourceMontage& montage, IDataReader& reader,
+                               const G1G2Source& row) {
+    std::vector<int> channels = channelsOfReference(montage, reader, row.channel2());
+    channels.insert(channels.begin(), row.channel1());
+    return channels;
+}
+
 // One scale serves a whole derivation, so its channels must share type, units and calibration where
 // the scale depends on them.
 std::string mixFault(const Recording& recording, const ChannelNames& names,
@@ -92,6 +98,12 @@ std::string referenceFault(const Recording& recording, const ChannelNames& names
                                                    : " were recorded against different electrodes");
     }
     return {};
+}
+
+std::string rowFault(const Recording& recording, const ChannelNames& names,
+                     const std::vector<int>& channels) {
+    std::string fault = mixFault(recording, names, channels);
+    return fault.empty() ? referenceFault(recording, names, channels) : fault;
 }
 
 } // namespace kvsig::tool

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kvsig/montage/G1G2Source.h"
 #include "kvsig/montage/SourceMontage.h"
 #include "tool/ChannelNames.h"
 #include "tool/Recording.h"
@@ -24,6 +25,9 @@ namespace kvsig::tool {
 /// none.
 [[nodiscard]] std::vector<int> channelsOfReference(const SourceMontage& montage,
                                                    IDataReader& reader, int channel2);
+/// All channels of a montage's row, that of its first input in front.
+[[nodiscard]] std::vector<int> channelsOfRow(const SourceMontage& montage, IDataReader& reader,
+                                             const G1G2Source& row);
 
 /// Why one scale cannot serve a derivation of these channels; empty when it can.
 [[nodiscard]] std::string mixFault(const Recording& recording, const ChannelNames& names,
@@ -32,5 +36,9 @@ namespace kvsig::tool {
 /// Why these channels cannot stand for their electrodes in a derivation; empty when they can.
 [[nodiscard]] std::string referenceFault(const Recording& recording, const ChannelNames& names,
                                          const std::vector<int>& channels);
+
+/// The one or the other of these.
+[[nodiscard]] std::string rowFault(const Recording& recording, const ChannelNames& names,
+                                   const std::vector<int>& channels);
 
 } // namespace kvsig::tool

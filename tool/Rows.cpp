@@ -116,13 +116,8 @@ void Rows::addGap(DataSource& source) {
 bool Rows::addMontageRow(DataSource& source) {
     Row row;
     if (const auto* pair = dynamic_cast<G1G2Source*>(&source)) {
-        std::vector<int> channels =
-            channelsOfReference(m_montage, *m_recording->reader, pair->channel2());
-        channels.insert(channels.begin(), pair->channel1());
-        std::string fault = mixFault(*m_recording, m_names, channels);
-        if (fault.empty())
-            fault = referenceFault(*m_recording, m_names, channels);
-        if (!fault.empty()) {
+        const std::vector<int> channels = channelsOfRow(m_montage, *m_recording->reader, *pair);
+        if (const std::string fault = rowFault(*m_recording, m_names, channels); !fault.empty()) {
             remark(m_recording->path + ": " + rowLabel(source) + " is left out: " + fault);
             return false;
         }

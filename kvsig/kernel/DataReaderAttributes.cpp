@@ -259,6 +259,7 @@ const char* DataReader::channelMapName() { return m_state->channelMapName; }
 
 void DataReader::setChannelMapName(const char* name) {
     copyText(m_state->channelMapName, name);
+    m_state->missingMap.clear();
     if (isBuiltin(name, defaultMap)) {
         m_state->hasChannelMap = 0;
         loadChannelInfo();

@@ -154,6 +154,9 @@ TEST_F(AttributesOfAReader, CarryTheChannelMapOrItsName) {
     EXPECT_THAT(named.openFindings()[0].text,
                 HasSubstr("none called 'Gone' names channels in kvunkdat.ini"));
     EXPECT_STREQ(named.channelName(0), "C3-A1") << "a missing map changes no names";
+    named.setChannelMapName("(Default)");
+    ASSERT_TRUE(named.open("n"));
+    EXPECT_THAT(named.openFindings(), testing::IsEmpty()) << "it is not asked for any more";
     EXPECT_TRUE(reads(named, "[FileInfo]\nFile=n\nChannelMap=Lab\n[ChannelMap]\nO1-A1=1\n"));
     EXPECT_STREQ(named.channelName(0), "O1-A1") << "the own map is applied last";
     EXPECT_STREQ(named.getChannelMapName(), "(Private)");

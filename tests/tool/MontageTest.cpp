@@ -134,6 +134,10 @@ TEST_F(MontageCommand, ChannelsOfOtherReferencesAreNotTakenForElectrodes) {
     EXPECT_EQ(rows.out, "time,Fp1-F3,A1-A2,Fp1-A2\n0,-10,40,-50\n"); // A2 has the scalp's
     for (const char* row : {"Fp1-A1", "Fp1-two", "Fp1-0.5*A1"})
         EXPECT_THAT(rows.err, HasSubstr(std::string(row) + " is left out: Fp1-REF and ")) << row;
+    const CommandResult told = command("montage mix.edf --montage Own --montage-file own.ini");
+    EXPECT_THAT(told.out, HasSubstr("Fp1-two"));
+    EXPECT_THAT(told.err, HasSubstr("Fp1-two is left out of exports and pictures: Fp1-REF and "));
+    EXPECT_THAT(told.err, Not(HasSubstr("Fp1-F3")));
     const CommandResult moved = command("export mix.edf --reference Cz --to 0.25");
     EXPECT_EQ(moved.out, "time,Fp1-Cz,F3-Cz,Cz-Cz,A1-A2,M1-M2,A2-Cz\n0,-20,-10,0,40,50,30\n");
     EXPECT_THAT(moved.err, HasSubstr("the same reference as Cz, left as they are: A1-A2, M1-M2\n"));
