@@ -50,10 +50,6 @@ std::string openPath(IDataReader& reader) {
     return reader.fileName();
 }
 
-} // namespace
-
-namespace {
-
 // Raw data that was opened in place of the layout that describes it.
 std::string layoutHint(const std::string& path) {
     const std::size_t dot = path.rfind('.');
