@@ -48,8 +48,9 @@ struct DataPage {
     std::int32_t start = 0; ///< first sample index, a multiple of the page length
     std::int32_t end = -1;  ///< last sample index, inclusive
     PageKind kind = PageKind::frames;
-    PageBuffer buffer;     ///< of frames and planes: 2 or 4 bytes per value
-    bool complete = false; ///< the whole page was read and ends before the recording does
+    PageBuffer buffer;        ///< of frames and planes: 2 or 4 bytes per value
+    std::int64_t samples = 0; ///< that were there when it was read; behind them are zeros
+    bool complete = false;    ///< the whole page was read and ends before the recording does
 
     std::vector<bool> loadedPlanes; ///< by channel; of a page of planes only
 

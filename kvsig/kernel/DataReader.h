@@ -3,6 +3,7 @@
 #include "kvsig/kernel/IDataReader.h"
 #include "kvsig/kernel/OpenFinding.h"
 #include "kvsig/kernel/PathInfo.h"
+#include "kvsig/kernel/SamplePlanes.h"
 #include "kvsig/util/Export.h"
 
 #include <iosfwd>
@@ -16,7 +17,6 @@ namespace kvsig {
 struct ChannelRecord;
 struct DataPage;
 struct RecordLayout;
-struct SamplePlanes;
 class SourceMontage;
 
 /// The base of every format reader: one instance stands for one open recording. A format supplies

@@ -32,20 +32,31 @@ PageCache::Found PageCache::pageAt(long index, int channel, PageSource& source) 
     DataPage* page = pageOf(index, source);
     if (!page || page->kind == PageKind::frames)
         return {page};
-    if (page->kind == PageKind::planes) {
-        const bool isLoaded = page->loadedPlanes[static_cast<std::size_t>(channel)];
-        return {isLoaded || loadPlane(*page, channel, source) ? page : framesAt(index, source)};
-    }
+    if (page->kind == PageKind::planes)
+        return {withPlane(*page, index, channel, source)};
     const RecordLayout* layout = source.recordLayout();
     if (!layout)
         return {framesAt(index, source)};
     return provide(*page, channel, *layout) ? Found{page, layout} : Found{};
 }
 
+const DataPage* PageCache::withPlane(DataPage& page, long index, int channel, PageSource& source) {
+    if (page.loadedPlanes[static_cast<std::size_t>(channel)])
+        return &page;
+    const auto samples = loadPlane(page, channel, source);
+    if (!samples)
+        return framesAt(index, source);
+    noteLoaded(page, *samples);
+    return &page;
+}
+
+// A page whose frames cannot be had is none: it may have lost what it held.
 DataPage* PageCache::framesAt(long index, PageSource& source) {
-    DataPage* page = pageOf(index, source);
-    const bool isThere = !page || page->kind == PageKind::frames;
-    return isThere || readFrames(*page, index, source) ? page : nullptr;
+    DataPage* held = pageOf(index, source);
+    if (!held || held->kind == PageKind::frames)
+        return held;
+    Page page = take(*held);
+    return readFrames(*page, index, source) ? insert(std::move(page)) : nullptr;
 }
 
 DataPage* PageCache::pageOf(long index, PageSource& source) {
@@ -90,8 +101,10 @@ DataPage* PageCache::heldPage(long index) {
 }
 
 DataPage* PageCache::begin(Page page, long index, PageSource& source) {
-    if (!beginPage(*page, index, source))
-        return nullptr;
+    return beginPage(*page, index, source) ? insert(std::move(page)) : nullptr;
+}
+
+DataPage* PageCache::insert(Page page) {
     const auto lengthOf = [](const DataPage& p) { return std::int64_t{p.end} - p.start; };
     if (!m_pages.empty() && lengthOf(*m_pages.front()) != lengthOf(*page))
         m_lengthsDiffer = true;
@@ -119,15 +132,26 @@ bool PageCache::readFrames(DataPage& page, long index, PageSource& source) {
     return noteSamples(page, loadFramePage(page, pageLength(), source), source);
 }
 
-// `samples` of the page are there; below 0, memory for it is not.
+// `samples` of the page are there; below 0, memory for it is not, and the page is of nothing.
 bool PageCache::noteSamples(DataPage& page, std::int64_t samples, PageSource& source) const {
     if (samples < 0) {
         logNoMemory(source.frameLayout().frameBytes());
+        page.end = page.start - 1;
         return false;
     }
+    page.samples = samples;
     page.complete = samples >= pageLength() && page.end < source.sampleCount();
     logRead(page, samples);
     return true;
+}
+
+// What a page was begun with is what the recording has for it. The file may hold less by now.
+void PageCache::noteLoaded(DataPage& page, std::int64_t samples) {
+    if (samples >= page.samples)
+        return;
+    page.samples = samples;
+    page.complete = false;
+    logRead(page, samples);
 }
 
 // The frame size stands in the second field in spite of its label; kept on purpose.
@@ -178,8 +202,10 @@ bool PageCache::provide(DataPage& page, int channel, const RecordLayout& layout)
         page.firstChannel < 0 && m_pagesAlone >= pagesOfAWindow && isSparse(layout, channel);
     if (page.firstChannel < 0)
         makeRoomFor(page, page.records * layout.recordBytes());
-    if (alone ? loadOneChannel(page, layout, channel) : loadWholeRecords(page, layout, channel))
+    if (alone ? loadOneChannel(page, layout, channel) : loadWholeRecords(page, layout, channel)) {
+        noteLoaded(page, page.records * layout.points);
         return true;
+    }
     logNoMemory(m_layout.frameBytes());
     return false;
 }
@@ -204,6 +230,14 @@ void PageCache::makeRoomFor(DataPage& page, std::int64_t bytes) {
     oldest->buffer = PageBuffer();
     oldest->firstChannel = -1;
     oldest->lostSamples = true;
+}
+
+PageCache::Page PageCache::take(const DataPage& page) {
+    const auto place = std::find_if(m_pages.begin(), m_pages.end(),
+                                    [&page](const Page& held) { return held.get() == &page; });
+    Page taken = std::move(*place);
+    m_pages.erase(place);
+    return taken;
 }
 
 PageCache::Page PageCache::takeFront() {

@@ -49,10 +49,14 @@ class PageCache {
     static constexpr int pagesOfAWindow = 16; ///< that a user looks at, channel after channel
 
     DataPage* pageOf(long index, PageSource& source);
+    const DataPage* withPlane(DataPage& page, long index, int channel, PageSource& source);
     DataPage* heldPage(long index);
     DataPage* begin(Page page, long index, PageSource& source);
+    DataPage* insert(Page page);
+    Page take(const DataPage& page);
     bool beginPage(DataPage& page, long index, PageSource& source);
     bool noteSamples(DataPage& page, std::int64_t samples, PageSource& source) const;
+    static void noteLoaded(DataPage& page, std::int64_t samples);
     [[nodiscard]] std::int64_t pageLength() const;
     void setRange(DataPage& page, long index) const;
     void logNoMemory(std::int64_t frameBytes) const;

@@ -17,6 +17,13 @@ std::int64_t heldPoints(const DataPage& page, PageSource& source) {
                                     pointsOf(page));
 }
 
+// A host's reader may say anything.
+bool isGroupOf(std::span<const int> together, int channel, int channels) {
+    return std::is_sorted(together.begin(), together.end()) &&
+           std::binary_search(together.begin(), together.end(), channel) && together.front() >= 0 &&
+           together.back() < channels;
+}
+
 } // namespace
 
 std::int64_t beginPlanarPage(DataPage& page, PageSource& source) {
@@ -28,21 +35,21 @@ std::int64_t beginPlanarPage(DataPage& page, PageSource& source) {
     return heldPoints(page, source);
 }
 
-bool loadPlane(DataPage& page, int channel, PageSource& source) {
-    const int bytes = source.frameLayout().bytesPerSample;
+std::optional<std::int64_t> loadPlane(DataPage& page, int channel, PageSource& source) {
+    const FrameLayout layout = source.frameLayout();
+    const int bytes = layout.bytesPerSample;
     const std::int64_t points = pointsOf(page), held = heldPoints(page, source);
     const std::span<const int> together = source.channelsStoredWith(channel);
-    if (together.empty())
-        return false;
+    if (!isGroupOf(together, channel, layout.channels))
+        return std::nullopt;
     page.buffer.use((together.back() * points + held) * bytes);
-    const std::int64_t arrived =
-        source.readPlanes(channel, page.start, held, {page.buffer.data(), points});
+    const std::int64_t arrived = std::clamp<std::int64_t>(
+        source.readPlanes(channel, page.start, held, {page.buffer.data(), points}), 0, held);
     for (const int c : together) {
         page.buffer.zero((c * points + arrived) * bytes, (c + 1) * points * bytes);
         page.loadedPlanes[static_cast<std::size_t>(c)] = true;
     }
-    page.complete = page.complete && arrived >= held;
-    return true;
+    return arrived;
 }
 
 RawRun planarRun(const DataPage& page, const FrameLayout& layout, int channel, long first,

@@ -34,10 +34,7 @@ void loadEveryChannel(DataPage& page, const RecordLayout& layout) {
     const std::int64_t position = layout.dataOffset + firstRecord(page, layout) * recordBytes;
     const std::int64_t arrived =
         layout.file->readAt(position, page.buffer.data(), page.records * recordBytes);
-    if (arrived / recordBytes < page.records) {
-        page.records = arrived / recordBytes;
-        page.complete = false;
-    }
+    page.records = std::min(page.records, arrived / recordBytes);
 }
 
 bool makeRoom(DataPage& page, std::int64_t bytes) {

@@ -12,8 +12,19 @@
 namespace kvsig::blackrock {
 namespace {
 
-double ticksBetween(std::uint64_t first, std::uint64_t last) {
-    return static_cast<double>(last - first);
+// Of a long block only the first sample has a stamp: the last one's is worked out. What a drift may
+// have made of that is `slack` ticks.
+struct LastSample {
+    std::uint64_t stamp = 0;
+    std::uint64_t slack = 0;
+};
+
+LastSample lastSampleOf(const Run& run, const FlatRecording& recording, double ticks) {
+    const double seconds = static_cast<double>(run.frames - run.blocks) / recording.rate;
+    const double drift = recording.clockTolerance(seconds) - recording.clockTolerance(0.0);
+    const std::uint64_t left = std::numeric_limits<std::uint64_t>::max() - run.lastStamp;
+    return {run.lastStamp + std::min(left, saturate<std::uint64_t>(seconds * ticks)),
+            saturate<std::uint64_t>(drift * ticks)};
 }
 
 } // namespace
@@ -27,7 +38,7 @@ StampedRuns::StampedRuns(const std::vector<Run>& runs, const FlatRecording& reco
     m_stretches.reserve(runs.size());
     std::int64_t first = 0;
     for (std::size_t i = 0; i < runs.size(); ++i) {
-        const double length = ticksBetween(runs[i].stamp, runs[i].lastStamp);
+        const double length = static_cast<double>(runs[i].lastStamp - runs[i].stamp);
         m_stretches.push_back({first, runs[i].frames,
                                runs[i].frames > 1 ? length / static_cast<double>(runs[i].frames - 1)
                                                   : 2.0 * m_halfStep});
@@ -62,15 +73,17 @@ std::string missingSamples(const std::vector<Run>& runs, const std::vector<Clock
     double shown = 0.0, due = 0.0, sinceAnchor = 0.0;         // the ends; seconds
     std::size_t i = 0;
     for (const ClockPart& part : parts) {
-        std::uint64_t stamp = runs[i].lastStamp;
+        std::optional<LastSample> last;
         for (std::size_t end = i + part.runs; i < end; ++i) {
             const Run& run = runs[i];
             const double start = recording.segments[i].start;
             const bool isAnchor = start >= latest;
             const bool isTold =
                 isAnchor && i > 0 && start - due > recording.clockTolerance(sinceAnchor);
-            if (run.stamp > stamp && run.stamp - stamp > longestStep && !isTold) {
-                const double gap = ticksBetween(stamp, run.stamp) / ticks - 1.0 / recording.rate;
+            const std::uint64_t step =
+                last && run.stamp > last->stamp ? run.stamp - last->stamp : 0;
+            if (step > longestStep && step - longestStep > last->slack && !isTold) {
+                const double gap = static_cast<double>(step) / ticks - 1.0 / recording.rate;
                 if (!first.empty())
                     ++more;
                 else
@@ -83,7 +96,9 @@ std::string missingSamples(const std::vector<Run>& runs, const std::vector<Clock
             sinceAnchor = isAnchor ? seconds : sinceAnchor + seconds;
             due = i > 0 ? std::max(due, shown) : shown;
             latest = std::max(latest, start);
-            stamp = std::max(stamp, run.lastStamp);
+            const LastSample own = lastSampleOf(run, recording, ticks);
+            if (!last || own.stamp > last->stamp)
+                last = own;
             sample += run.frames;
         }
     }

@@ -258,7 +258,8 @@ bool CyberkineticsReader::findBlocks(const HeaderBlock& head, FlatRecording& rec
         for (FlatChannel& channel : recording.channels)
             channel.place += layout.headBytes();
     const double start = recording.start.secondOfDay();
-    m_state->clock = clockParts(scan.runs, ticks, recording.rate, strided ? networkJitter : 0.0);
+    const bool areSingle = recording.clockDrifts && longer == scan.runs.end();
+    m_state->clock = clockParts(scan.runs, ticks, recording.rate, areSingle ? networkJitter : 0.0);
     auto run = scan.runs.begin();
     for (const ClockPart& part : m_state->clock)
         for (std::size_t i = 0; i < part.runs; ++i, ++run) {
@@ -268,14 +269,14 @@ bool CyberkineticsReader::findBlocks(const HeaderBlock& head, FlatRecording& rec
         }
     recording.tracks.push_back(std::move(track));
     reportClock(valueOf(head, full::ticks), layout.wideStamps, recording.rate);
-    if (strided) {
+    if (areSingle)
         m_state->stamps.emplace(scan.runs, recording, ticks);
+    if (recording.clockDrifts)
         for (const std::string& missing :
              {missingSamples(scan.runs, m_state->clock, recording, ticks, layout.longestStep),
               missingSingles(scan.runs)})
             if (!missing.empty())
                 report(Severity::warning, missing);
-    }
     return true;
 }
 

@@ -2,7 +2,6 @@
 
 #include "kvsig/kernel/ClientEvent.h"
 #include "kvsig/kernel/DataPage.h"
-#include "kvsig/kernel/SamplePlanes.h"
 #include "kvsig/kernel/SampleTime.h"
 #include "kvsig/readers/FlatRecording.h"
 #include "kvsig/readers/FlatSamples.h"
@@ -317,9 +316,12 @@ std::span<const int> FlatReader::channelsStoredWith(int channel) {
 std::int64_t FlatReader::readPlanes(int channel, long first, std::int64_t count,
                                     const SamplePlanes& planes) {
     const FlatRecording& recording = m_flat->recording;
-    const int track = recording.channels.at(static_cast<std::size_t>(channel)).track;
+    const std::int64_t wanted = std::min(count, m_flat->shown() - first);
+    if (first < 0 || wanted < 1 || channelsStoredWith(channel).empty())
+        return 0;
+    const int track = recording.channels[static_cast<std::size_t>(channel)].track;
     const auto readInto = [&]<typename Out>(Out* out) {
-        return m_flat->samples.readTrack(recording, track, first, count,
+        return m_flat->samples.readTrack(recording, track, first, wanted,
                                          FlatTarget<Out>{out, 1, planes.length, channelCount()});
     };
     return bytesPerSample() == 2 ? readInto(static_cast<std::int16_t*>(planes.values))

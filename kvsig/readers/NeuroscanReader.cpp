@@ -183,7 +183,9 @@ int NeuroscanReader::sampleBytes(const HeaderBlock& header, const HeaderFile& fi
         const int mark = valueOf(trailer, trailerWide);
         isMarked = valueOf(trailer, trailerMark) == "NSI TFF";
         // It stands behind the event table; of a long file its offset has lost the upper bits.
-        const bool isBehind = file.size() <= fourGiB && next > places.announced;
+        const bool isBehind = file.size() <= fourGiB &&
+                              places.isInside(places.announced, file.size()) &&
+                              next > places.announced;
         if (isMarked || isBehind)
             byTrailer = mark == 1 ? 4 : mark == 0 ? 2 : 0;
         else

@@ -1,6 +1,7 @@
 #include "kvsig/kernel/DataPage.h"
 #include "kvsig/kernel/SamplePlanes.h"
 #include "support/FakeReader.h"
+#include "support/LogCapture.h"
 #include "support/Opened.h"
 
 #include <algorithm>
@@ -17,6 +18,7 @@ namespace {
 using test::FakeReader;
 using test::FakeRecording;
 using test::rawOf;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using Counts = std::vector<std::int32_t>;
@@ -30,6 +32,7 @@ class PlanarReader : public FakeReader {
     }
 
     std::int64_t arriving = 1000; ///< samples that a read brings at most
+    std::vector<int> alone{1}, two{0, 2};
 
     [[nodiscard]] Counts truth(int channel, long first, long last) const {
         Counts counts;
@@ -40,7 +43,7 @@ class PlanarReader : public FakeReader {
 
   protected:
     std::span<const int> channelsStoredWith(int channel) override {
-        return channel == 1 ? std::span<const int>(m_alone) : m_two;
+        return channel == 1 ? alone : two;
     }
     std::int64_t readPlanes(int channel, long first, std::int64_t count,
                             const SamplePlanes& planes) override {
@@ -55,9 +58,6 @@ class PlanarReader : public FakeReader {
                         file.raw(c, first + i);
         return std::min(count, arriving);
     }
-
-  private:
-    const std::vector<int> m_alone{1}, m_two{0, 2};
 };
 
 FakeRecording recordingOf(int bytes) {
@@ -86,14 +86,42 @@ TEST(PlanarPages, HoldZerosForWhatDidNotArriveUntilItDoes) {
     PlanarReader reader(recordingOf(2));
     reader.setMaxPages(1); // the second page takes the first one's memory
     static_cast<void>(rawOf(reader, 0, 0, 49));
-    reader.arriving = 30;
-    Counts expected = reader.truth(2, 50, 79);
-    expected.resize(50, 0);
-    EXPECT_EQ(rawOf(reader, 2, 50, 99), expected);
-    reader.arriving = 1000;
-    EXPECT_EQ(rawOf(reader, 0, 80, 80), Counts{0});
-    reader.flushPages(true);
-    EXPECT_EQ(rawOf(reader, 2, 50, 99), reader.truth(2, 50, 99));
+    for (const int arriving : {30, 0, -1}) {
+        reader.arriving = arriving;
+        test::LogCapture log;
+        Counts expected = reader.truth(2, 50, 50 + std::max(arriving, 0) - 1);
+        expected.resize(50, 0);
+        EXPECT_EQ(rawOf(reader, 2, 50, 99), expected);
+        EXPECT_THAT(log.take(),
+                    Contains("DataReader: Read " + std::to_string(std::max(arriving, 0)) +
+                             " samples at 50, incomplete page"));
+        reader.arriving = 1000;
+        EXPECT_EQ(rawOf(reader, 0, 80, 80), Counts{0});
+        reader.flushPages(true);
+        EXPECT_EQ(rawOf(reader, 2, 50, 99), reader.truth(2, 50, 99));
+        reader.flushPages(false);
+    }
+}
+
+TEST(PlanarPages, AreNoneForGroupsThatCannotBe) {
+    const std::vector<int> groups[] = {{}, {0}, {2, 1}, {-1, 1}, {1, 3}};
+    for (const std::vector<int>& group : groups) {
+        PlanarReader reader(recordingOf(2));
+        reader.alone = group;
+        EXPECT_EQ(rawOf(reader, 1, 20, 80), reader.truth(1, 20, 80));
+        EXPECT_EQ(rawOf(reader, 2, 20, 80), reader.truth(2, 20, 80));
+    }
+}
+
+// A page of this length can be had of what is shown, but not of frames with their chunks.
+TEST(PlanarPages, ThatCannotBecomeFramesAreGone) {
+    PlanarReader reader(recordingOf(2));
+    EXPECT_EQ(rawOf(reader, 1, 0, 49), reader.truth(1, 0, 49));
+    reader.setPageDuration(1e8);
+    EXPECT_EQ(reader.pageAtIndex(7), nullptr);
+    EXPECT_EQ(rawOf(reader, 1, 0, 49), Counts(50, 0));
+    reader.setPageDuration(5.0);
+    EXPECT_EQ(rawOf(reader, 1, 0, 49), reader.truth(1, 0, 49));
 }
 
 // A host's reader that asks for a page gets frames, and getData() goes on from them.

@@ -219,6 +219,9 @@ TEST_F(Blackrock, OddStampsOfANetworkClockAreToldForWhatTheyAre) {
         {[](auto i) { return i < 60 ? i + 100 : i - 60; },
          {"the time stamp of the data block at offset 1280 is lower than the one before: the clock "
           "started anew"}},
+        {[](auto i) { return 3 * i; }, // no two samples follow each other
+         {"by its time stamps 2 samples (0.001 s) are missing before sample 1, and more at others "
+          "(598)"}},
         // Another loss behind a run that was set back: 190 samples from the latest stamp.
         {[](auto i) {
              return i < 100 ? i : i < 200 ? i + 60 : i < 400 ? i - 100 : i + 90;
@@ -235,6 +238,24 @@ TEST_F(Blackrock, OddStampsOfANetworkClockAreToldForWhatTheyAre) {
         ASSERT_TRUE(opens(file));
         EXPECT_EQ(findings(), c.findings) << &c - cases;
     }
+}
+
+// Half a second each. A drift of the clock explains a ten-thousandth of that, no more.
+TEST_F(Blackrock, WhatIsMissingBetweenLongBlocksIsTold) {
+    const auto findingsOf = [this](std::int64_t frames, std::uint64_t apart) {
+        BlackrockFile file = BlackrockFile("BRSMPGRP", 3, 0).channels(1).ticks(1'000'000'000);
+        for (std::uint64_t i = 0; i < 5; ++i)
+            file.block(i * apart, frames);
+        EXPECT_TRUE(opens(file));
+        return findings();
+    };
+    EXPECT_THAT(findingsOf(1000, 500'500'000), testing::IsEmpty());
+    EXPECT_THAT(findingsOf(1000, 590'000'000),
+                testing::ElementsAre("by its time stamps 180 samples (0.09 s) are missing before "
+                                     "sample 1000, and more at others (3)"));
+    EXPECT_THAT(findingsOf(20000, 10'001'400'000), testing::IsEmpty());
+    EXPECT_THAT(findingsOf(20000, 10'001'600'000),
+                testing::ElementsAre(HasSubstr("3 samples (0.0016 s) are missing before")));
 }
 
 TEST_F(Blackrock, NetworkClocksStartAnewBeyondTheirJitter) {

@@ -29,6 +29,7 @@ class ScriptedFlatReader : public FlatReader {
         isOpen = open(path.c_str());
     }
     using FlatReader::sampleAt;
+    using FlatReader::setMaxDataIndex;
 
     std::vector<FlatEvent> events;
     std::string path;
@@ -227,6 +228,10 @@ TEST(FlatReader, SlowChannelsAreRepeatedSegmentBySegment) {
     for (int j = 0; j < 25; ++j) // the 8th sample of 2.5 s would begin at 2.33 s; it was not stored
         expected.push_back(106 + std::min(j * 3 / 10, 6));
     EXPECT_EQ(rawOf(reader, 1, 0, 44), expected);
+    expected.resize(80, 0);
+    reader.setMaxDataIndex(79); // a host's own idea
+    reader.flushPages(false);
+    EXPECT_EQ(rawOf(reader, 1, 0, 79), expected);
     for (long i = 0; i < 45; ++i)
         EXPECT_EQ(rawOf(reader, 0, i, i), Counts{static_cast<std::int32_t>(i)});
 }

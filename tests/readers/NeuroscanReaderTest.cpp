@@ -32,20 +32,22 @@ TEST_F(Neuroscan, TheWidthOfSamplesIsTakenFromTheTrailerOrTheCount) {
         reads({{made(bytes).bytes(), 70, ""},
                {made(bytes).trailer(bytes == 4).count(0).bytes(), 70, ""}});
     // They disagree: the trailer counts when it is marked as one.
+    const std::string cut = made(2).count(0).bytes().substr(0, made(2).tableOffset());
+    const auto markLike = cut.find('\1', made(2).dataOffset() + 60);
     std::string unmarked = made(2).trailer(1).bytes();
     unmarked[unmarked.size() - 60] = 'X';
-    reads(
-        {{made(4).count(140).trailer(1).bytes(), 70, "taken for 32"},
-         {unmarked, 70, "taken for 16"},
-         {made(2).count(71).bytes(), 70, "nothing tells whether"},
-         {made(2).count(60).trailer(0).bytes(), 60, "(offset 864) is 60"},
-         {made(2).count(5000).trailer(0).bytes(), 70, "(offset 864) is 5000, 70 are there"},
-         {poked(made(2).trailer(0).bytes(), 886, u32(made(2).tableOffset() - 2)), 69,
-          "the 4 bytes before its event table are no whole sample of 3 channels"},
-         // Of a recording that was cut the pointer leads into the samples.
-         {poked(poked(made(2).count(0).bytes().substr(0, made(2).tableOffset()), 886, u32(1 << 20)),
-                12, u32(1200)),
-          70, "nothing tells whether"}});
+    reads({{made(4).count(140).trailer(1).bytes(), 70, "taken for 32"},
+           {unmarked, 70, "taken for 16"},
+           {made(2).count(71).bytes(), 70, "nothing tells whether"},
+           {made(2).count(60).trailer(0).bytes(), 60, "(offset 864) is 60"},
+           {made(2).count(5000).trailer(0).bytes(), 70, "(offset 864) is 5000, 70 are there"},
+           {poked(made(2).trailer(0).bytes(), 886, u32(made(2).tableOffset() - 2)), 69,
+            "the 4 bytes before its event table are no whole sample of 3 channels"},
+           // No event table that the pointer could stand behind: it leads into the samples.
+           {poked(poked(cut, 886, u32(100)), 12, u32(static_cast<std::uint32_t>(markLike - 52))),
+            70, "nothing tells whether"},
+           // Of a recording that was cut the pointer leads into the samples.
+           {poked(poked(cut, 886, u32(1 << 20)), 12, u32(1200)), 70, "nothing tells whether"}});
 }
 
 TEST_F(Neuroscan, BlocksAreTakenForWhatTheirSignalSays) {
