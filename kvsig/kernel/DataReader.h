@@ -232,8 +232,8 @@ class KVSIG_API DataReader : public IDataReader {
     /// derives from a reader and makes chunks of its own overrides this to return none. Valid until
     /// the recording is closed or its channel count set.
     virtual std::span<const int> channelsStoredWith(int channel);
-    /// Reads samples `first` and the `count` - 1 behind it, all inside the recording, of the
-    /// channels that are stored with `channel`. Returns how many of each arrived, from `first` on.
+    /// Reads samples `first` and the `count` - 1 behind it of the channels that are stored with
+    /// `channel`. Returns how many of each arrived, from `first` on: fewer where the file ends.
     virtual std::int64_t readPlanes(int channel, long first, std::int64_t count,
                                     const SamplePlanes& planes);
 
@@ -297,7 +297,7 @@ class KVSIG_API DataReader : public IDataReader {
     struct KVSIG_LOCAL State;
 
     void updateMapFlags();
-    bool readStoredMap(const char* name);
+    void useStoredMap(const char* name);
     void reportIgnoredNames();
     ChannelRecord* channelRecord(int channel);
     std::vector<std::string> storedNames();

@@ -52,10 +52,8 @@ bool DataReader::readAttributeFile(std::istream& stream) {
     GetLocalProfileString(pszINIFileInfo, "ChannelMap", "", name, sizeof m_state->channelMapName,
                           stream);
     m_state->missingMap.clear();
-    const bool isNamed =
-        name[0] != '\0' && !isBuiltin(name, defaultMap) && !isBuiltin(name, privateMap);
-    if (name[0] != '\0' && !readStoredMap(name) && isNamed)
-        m_state->missingMap = name;
+    if (name[0] != '\0')
+        useStoredMap(name);
     if (readChannelMap(stream, pszINIChannelMap))
         copyText(m_state->channelMapName, pszINIChannelMap);
     return true;
@@ -117,12 +115,13 @@ std::vector<std::string> DataReader::storedNames() {
     return names;
 }
 
-bool DataReader::readStoredMap(const char* name) {
+void DataReader::useStoredMap(const char* name) {
     std::istringstream maps(channelMapFileText().value_or(""));
-    if (!readChannelMap(maps, name))
-        return false;
-    m_state->storedMapName = viewOf(name);
-    return true;
+    m_state->missingMap.clear();
+    if (readChannelMap(maps, name))
+        m_state->storedMapName = viewOf(name);
+    else if (!viewOf(name).empty() && !isBuiltin(name, privateMap) && !isBuiltin(name, defaultMap))
+        m_state->missingMap = viewOf(name);
 }
 
 bool DataReader::readChannelMap(std::istream& stream, const char* section) {
@@ -265,7 +264,7 @@ void DataReader::setChannelMapName(const char* name) {
         loadChannelInfo();
         return;
     }
-    readStoredMap(name);
+    useStoredMap(name);
 }
 
 void DataReader::dropChannelMap() {

@@ -185,7 +185,8 @@ bool PageCache::offersRecords(PageSource& source) const {
 }
 
 bool PageCache::offersPlanes(PageSource& source) const {
-    return !source.channelsStoredWith(0).empty() && framesFitAPage(pageLength(), source);
+    return m_layout.channels > 0 && !source.channelsStoredWith(0).empty() &&
+           framesFitAPage(pageLength(), source);
 }
 
 // A channel that is read through the whole file is read alone. Once several are wanted, the next

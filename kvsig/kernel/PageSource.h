@@ -23,7 +23,8 @@ class PageSource {
     virtual const RecordLayout* recordLayout() = 0;
     /// The channels that are read with `channel`, ascending; none when only chunk reads can.
     virtual std::span<const int> channelsStoredWith(int channel) = 0;
-    /// Samples `first` and the `count` - 1 behind it of these channels; returns how many arrived.
+    /// Samples `first` and the `count` - 1 behind it of these channels; returns how many arrived,
+    /// fewer where the file ends.
     virtual std::int64_t readPlanes(int channel, long first, std::int64_t count,
                                     const SamplePlanes& planes) = 0;
 

@@ -11,12 +11,6 @@ namespace {
 
 std::int64_t pointsOf(const DataPage& page) { return std::int64_t{page.end} - page.start + 1; }
 
-// Behind these the page is zeros.
-std::int64_t heldPoints(const DataPage& page, PageSource& source) {
-    return std::clamp<std::int64_t>(std::int64_t{source.sampleCount()} - page.start, 0,
-                                    pointsOf(page));
-}
-
 // A host's reader may say anything.
 bool isGroupOf(std::span<const int> together, int channel, int channels) {
     return std::is_sorted(together.begin(), together.end()) &&
@@ -32,19 +26,20 @@ std::int64_t beginPlanarPage(DataPage& page, PageSource& source) {
     page.loadedPlanes.assign(static_cast<std::size_t>(layout.channels), false);
     if (!page.buffer.reserve(pointsOf(page) * layout.frameBytes()))
         return -1;
-    return heldPoints(page, source);
+    return std::clamp<std::int64_t>(std::int64_t{source.sampleCount()} - page.start, 0,
+                                    pointsOf(page));
 }
 
 std::optional<std::int64_t> loadPlane(DataPage& page, int channel, PageSource& source) {
     const FrameLayout layout = source.frameLayout();
     const int bytes = layout.bytesPerSample;
-    const std::int64_t points = pointsOf(page), held = heldPoints(page, source);
+    const std::int64_t points = pointsOf(page);
     const std::span<const int> together = source.channelsStoredWith(channel);
     if (!isGroupOf(together, channel, layout.channels))
         return std::nullopt;
-    page.buffer.use((together.back() * points + held) * bytes);
+    page.buffer.use((together.back() + 1) * points * bytes);
     const std::int64_t arrived = std::clamp<std::int64_t>(
-        source.readPlanes(channel, page.start, held, {page.buffer.data(), points}), 0, held);
+        source.readPlanes(channel, page.start, points, {page.buffer.data(), points}), 0, points);
     for (const int c : together) {
         page.buffer.zero((c * points + arrived) * bytes, (c + 1) * points * bytes);
         page.loadedPlanes[static_cast<std::size_t>(c)] = true;

@@ -27,6 +27,43 @@ LastSample lastSampleOf(const Run& run, const FlatRecording& recording, double t
             saturate<std::uint64_t>(drift * ticks)};
 }
 
+/// Samples that follow each other, and the seconds that their stamps tell of.
+struct Stamped {
+    std::int64_t first = 0;
+    std::int64_t samples = 0;
+    double seconds = 0.0;
+};
+
+std::optional<Stamped> findOtherLength(const std::vector<Run>& runs,
+                                       const std::vector<ClockPart>& parts,
+                                       const FlatRecording& recording, double ticks) {
+    // Above 0 where stamps are too close.
+    const auto excess = [&recording](const Stamped& span) {
+        const double due = static_cast<double>(span.samples) / recording.rate;
+        const double shorter = due - span.seconds;
+        return std::abs(shorter) > recording.clockTolerance(due) ? shorter : 0.0;
+    };
+    std::int64_t sample = 0;
+    std::size_t i = 0;
+    for (const ClockPart& part : parts) {
+        Stamped whole{sample, 0, part.end - part.begin};
+        for (const std::size_t end = i + part.runs; i < end; ++i) {
+            const Run& run = runs[i];
+            const Stamped own{sample, run.frames,
+                              static_cast<double>(run.lastStamp - run.stamp) / ticks +
+                                  static_cast<double>(run.frames - run.blocks + 1) /
+                                      recording.rate};
+            if (excess(own) != 0.0)
+                return own;
+            sample += run.frames;
+        }
+        whole.samples = sample - whole.first;
+        if (excess(whole) > 0.0) // pauses make it longer
+            return whole;
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
 // Half a step before the first sample belongs to it, and half a step behind the end, where the next
@@ -97,12 +134,25 @@ std::string missingSamples(const std::vector<Run>& runs, const std::vector<Clock
             due = i > 0 ? std::max(due, shown) : shown;
             latest = std::max(latest, start);
             const LastSample own = lastSampleOf(run, recording, ticks);
-            if (!last || own.stamp > last->stamp)
+            // Where one was worked out, a stamp that a drift may have made lower says more.
+            if (!last || own.stamp > last->stamp || last->stamp - own.stamp <= last->slack)
                 last = own;
             sample += run.frames;
         }
     }
     return more > 0 ? first + ", and more at others (" + std::to_string(more) + ")" : first;
+}
+
+std::string otherLength(const std::vector<Run>& runs, const std::vector<ClockPart>& parts,
+                        const FlatRecording& recording, double ticks) {
+    const auto span = findOtherLength(runs, parts, recording, ticks);
+    return span ? "its time stamps tell of " + generalText(span->seconds, 4) + " s for the " +
+                      std::to_string(span->samples) + " samples from " +
+                      std::to_string(span->first) + " on, which last " +
+                      generalText(static_cast<double>(span->samples) / recording.rate, 4) +
+                      " s at " + shortestText(recording.rate) +
+                      " Hz: that rate or the clock there is wrong"
+                : std::string();
 }
 
 std::string missingSingles(const std::vector<Run>& runs) {

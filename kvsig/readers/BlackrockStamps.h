@@ -48,6 +48,12 @@ class StampedRuns {
                                          const FlatRecording& recording, double ticks,
                                          std::uint64_t longestStep);
 
+/// Where the stamps tell of another length than the rate, by more than a drift explains: the first
+/// run, or a part of the clock whose runs overlap, in words. Empty when nowhere.
+[[nodiscard]] std::string otherLength(const std::vector<Run>& runs,
+                                      const std::vector<ClockPart>& parts,
+                                      const FlatRecording& recording, double ticks);
+
 /// What single samples the stamps inside such runs leave out, in words. Empty when there are none.
 [[nodiscard]] std::string missingSingles(const std::vector<Run>& runs);
 

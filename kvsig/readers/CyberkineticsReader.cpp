@@ -274,7 +274,7 @@ bool CyberkineticsReader::findBlocks(const HeaderBlock& head, FlatRecording& rec
     if (recording.clockDrifts)
         for (const std::string& missing :
              {missingSamples(scan.runs, m_state->clock, recording, ticks, layout.longestStep),
-              missingSingles(scan.runs)})
+              missingSingles(scan.runs), otherLength(scan.runs, m_state->clock, recording, ticks)})
             if (!missing.empty())
                 report(Severity::warning, missing);
     return true;

@@ -154,6 +154,9 @@ TEST_F(AttributesOfAReader, CarryTheChannelMapOrItsName) {
     EXPECT_THAT(named.openFindings()[0].text,
                 HasSubstr("none called 'Gone' names channels in kvunkdat.ini"));
     EXPECT_STREQ(named.channelName(0), "C3-A1") << "a missing map changes no names";
+    named.setChannelMapName("Also gone");
+    ASSERT_TRUE(named.open("n"));
+    EXPECT_THAT(named.openFindings().at(0).text, HasSubstr("none called 'Also gone'"));
     named.setChannelMapName("(Default)");
     ASSERT_TRUE(named.open("n"));
     EXPECT_THAT(named.openFindings(), testing::IsEmpty()) << "it is not asked for any more";

@@ -222,6 +222,12 @@ TEST_F(Blackrock, OddStampsOfANetworkClockAreToldForWhatTheyAre) {
         {[](auto i) { return 3 * i; }, // no two samples follow each other
          {"by its time stamps 2 samples (0.001 s) are missing before sample 1, and more at others "
           "(598)"}},
+        {[](auto i) { return i * 8 / 5; }, // joined, but at another rate
+         {"steps of its time stamps of 1.5 to 2 times the usual one, at each of which a sample may "
+          "be missing: 359",
+          "its time stamps tell of 0.4795 s for the 600 samples from 0 on, which last 0.3 s at "
+          "2000 "
+          "Hz: that rate or the clock there is wrong"}},
         // Another loss behind a run that was set back: 190 samples from the latest stamp.
         {[](auto i) {
              return i < 100 ? i : i < 200 ? i + 60 : i < 400 ? i - 100 : i + 90;
@@ -256,6 +262,11 @@ TEST_F(Blackrock, WhatIsMissingBetweenLongBlocksIsTold) {
     EXPECT_THAT(findingsOf(20000, 10'001'400'000), testing::IsEmpty());
     EXPECT_THAT(findingsOf(20000, 10'001'600'000),
                 testing::ElementsAre(HasSubstr("3 samples (0.0016 s) are missing before")));
+    EXPECT_THAT(findingsOf(1000, 480'000'000), testing::IsEmpty()) << "80 ms less in all";
+    EXPECT_THAT(findingsOf(1000, 450'000'000),
+                testing::ElementsAre("its time stamps tell of 2.3 s for the 5000 samples from 0 "
+                                     "on, which last 2.5 s at 2000 Hz: that rate or the clock "
+                                     "there is wrong"));
 }
 
 TEST_F(Blackrock, NetworkClocksStartAnewBeyondTheirJitter) {
