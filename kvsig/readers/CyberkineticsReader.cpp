@@ -272,11 +272,11 @@ bool CyberkineticsReader::findBlocks(const HeaderBlock& head, FlatRecording& rec
     if (areSingle)
         m_state->stamps.emplace(scan.runs, recording, ticks);
     if (recording.clockDrifts)
-        for (const std::string& missing :
+        for (const std::string& oddity :
              {missingSamples(scan.runs, m_state->clock, recording, ticks, layout.longestStep),
               missingSingles(scan.runs), otherLength(scan.runs, m_state->clock, recording, ticks)})
-            if (!missing.empty())
-                report(Severity::warning, missing);
+            if (!oddity.empty())
+                report(Severity::warning, oddity);
     return true;
 }
 
