@@ -46,15 +46,15 @@ std::int64_t DataReader::readPlanes(int, long, std::int64_t, const SamplePlanes&
 
 namespace {
 
-RawRun runOf(const PageCache::Found& found, const FrameLayout& layout, int channel, long first,
+RawRun runOf(const PageCache::Found& found, PageSource& source, int channel, long first,
              std::int64_t count) {
     switch (found.page->kind) {
     case PageKind::records:
         return recordRun(*found.page, *found.records, channel, first, count);
     case PageKind::planes:
-        return planarRun(*found.page, layout, channel, first, count);
+        return planarRun(*found.page, source.frameLayout(), channel, first, count);
     case PageKind::frames:
-        return frameRun(*found.page, layout, channel, first, count);
+        return frameRun(*found.page, source.frameLayout(), channel, first, count);
     }
     return {};
 }
@@ -83,7 +83,7 @@ int DataReader::forEachRun(int channel, long first, long last, Consume consume) 
         }
         const std::int64_t length =
             std::min(count - done, std::int64_t{found.page->end} - index + 1);
-        const RawRun run = runOf(found, m_state->frameLayout(), channel, index, length);
+        const RawRun run = runOf(found, *m_state, channel, index, length);
         consume(done, run.count, &run);
         done += run.count;
     }
