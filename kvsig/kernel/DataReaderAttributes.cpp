@@ -117,7 +117,6 @@ std::vector<std::string> DataReader::storedNames() {
 
 void DataReader::useStoredMap(const char* name) {
     std::istringstream maps(channelMapFileText().value_or(""));
-    m_state->missingMap.clear();
     if (readChannelMap(maps, name))
         m_state->storedMapName = viewOf(name);
     else if (!viewOf(name).empty() && !isBuiltin(name, privateMap) && !isBuiltin(name, defaultMap))
